@@ -1,0 +1,30 @@
+#pragma once
+
+#include "board/position.h"
+
+// Pseudo-legal move generation. Generators write from `list` on, return the end and close nothing. The order of the
+// moves is part of the behaviour: equal scores are decided by it.
+namespace vrel {
+
+MoveEntry* GeneratePawnCaptures(const Position& pos, int side, MoveEntry* list);
+MoveEntry* GeneratePieceCaptures(const Position& pos, int side, MoveEntry* list);
+// Every move of the pawns on their seventh rank; `all` adds the under-promotions.
+MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry* list);
+// Quiet moves, castling included, promotions excluded.
+MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list);
+// Quiet moves that give direct check.
+MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list);
+
+// Closes a list and sets the list starts of the next two plies behind it.
+void CloseList(Position* pos, MoveEntry* end);
+
+// Everything for the side to move, at frames[ply].first, closed.
+void GenerateAll(Position* pos);
+
+// Drops the illegal entries of a closed list, keeping the order of the others.
+void RemoveIllegalMoves(const Position& pos, MoveEntry* list);
+
+// Moves the entry with the highest sort_value to the head; the earliest of equals wins.
+void PickNextMove(MoveEntry* list);
+
+}  // namespace vrel

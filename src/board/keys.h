@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "board/position.h"
+
+// Random keys of positions (Zobrist hashing).
+namespace vrel {
+
+// Key of a piece on a square: rtable[code * 64 + sq]. Row 0 serves the move hashes of the move ordering.
+extern std::array<uint64_t, 1024> rtable;
+// By castling rights (0 to 15) and by en passant square (64: none).
+extern std::array<uint64_t, 66> rtable2;
+inline constexpr std::array<uint64_t, 2> stmh = {0, 0xffffffffffffffffULL};
+
+// Next value of the key generator. Its seed lives as long as the program: tables filled later differ.
+uint32_t myrand();
+
+// Draws new tables. Keys of positions that exist stand for the old tables until their next SetHash.
+void FillKeyTables();
+
+// Computes `hash` and `pawn_hash` from the board alone.
+void SetHash(Position* pos);
+
+// Takes a piece on a square into the keys or out of them.
+inline void UpdateHash(Position* pos, int side, int piece, int sq) {
+    const int type = piece & 7;
+    const uint64_t key = rtable[static_cast<size_t>((side * 8 + type) * 64 + sq)];
+    pos->hash ^= key;
+    if (type == PAWN)
+        pos->pawn_hash ^= key;
+}
+
+// The key by which positions are told apart: placement, en passant square, rights and side to move.
+inline uint64_t GetFullHash(const Position& pos) {
+    return pos.hash ^ rtable2[pos.ep_square] ^ rtable2[pos.castling] ^ stmh[pos.stm];
+}
+
+}  // namespace vrel

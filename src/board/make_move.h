@@ -1,0 +1,24 @@
+#pragma once
+
+#include "board/position.h"
+
+namespace vrel {
+
+// Makes a pseudo-legal move, which is trusted, or takes back the last one. Strictly nested.
+void MakeMove(Position* pos, Move move);
+void UnmakeMove(Position* pos);
+
+// The same for a passed turn.
+void MakeNullMove(Position* pos);
+void UnmakeNullMove(Position* pos);
+
+// Moves of the game itself, on the game record: the list start stays at ply 1, and in a game longer than the undo
+// stack can hold beside a search the oldest records give way.
+void PlayGameMove(Position* pos, Move move);
+void TakeBackGameMove(Position* pos);
+
+// True if `move` takes a piece of the side to move to a square that none of its own pieces holds: the least that
+// MakeMove needs to keep the board in order.
+bool MoveCanBeMade(const Position& pos, Move move);
+
+}  // namespace vrel

@@ -1,0 +1,151 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "board/bitboards.h"
+
+// The board record, the values that describe a move, and the records of a ply. Data and trivial inlines only.
+namespace vrel {
+
+enum Side : int { WHITE = 0, BLACK = 1 };
+enum PieceType : int { NO_PIECE = 0, PAWN = 1, KNIGHT = 2, BISHOP = 3, ROOK = 4, QUEEN = 5, KING = 6 };
+enum CastlingRight : int { WHITE_SHORT = 1, WHITE_LONG = 2, BLACK_SHORT = 4, BLACK_LONG = 8 };
+
+inline constexpr int NO_SQUARE = 64;
+
+inline constexpr std::array<int, 2> pawn_dir = {8, -8};
+inline constexpr std::array<int, 2> flip_sq = {0, 56};
+inline constexpr std::array<int, 2> init_king_sq = {4, 60};
+
+// A piece code is side * 8 + type, 0 for an empty square.
+constexpr int PieceCode(int side, int type) { return side * 8 + type; }
+constexpr int TypeOf(int code) { return code & 7; }
+constexpr int SideOf(int code) { return (code >> 3) & 1; }
+
+// Rank index counted from the side's own back rank.
+constexpr int RelativeRank(int side, int sq) { return (sq ^ flip_sq[static_cast<size_t>(side)]) >> 3; }
+
+// A move: to-square in bits 0-5, from-square in bits 8-13, at most one promotion bit. 0 is no move (and a null move).
+using Move = uint16_t;
+
+inline constexpr Move NO_MOVE = 0;
+inline constexpr Move END_OF_LIST = 0xffff;
+inline constexpr Move PROMOTE_QUEEN = 0x0040;
+inline constexpr Move PROMOTE_KNIGHT = 0x0080;
+inline constexpr Move PROMOTE_BISHOP = 0x4000;
+inline constexpr Move PROMOTE_ROOK = 0x8000;
+inline constexpr Move PROMOTION_BITS = 0xc0c0;
+
+constexpr int ToSquare(Move move) { return move & 0x3f; }
+constexpr int FromSquare(Move move) { return (move >> 8) & 0x3f; }
+constexpr Move MakeMoveValue(int from, int to) { return static_cast<Move>((from << 8) + to); }
+
+// Type that a move with a promotion bit puts on the board.
+constexpr int PromotedType(Move move) {
+    return (move & PROMOTE_KNIGHT) ? KNIGHT : (move & PROMOTE_BISHOP) ? BISHOP : (move & PROMOTE_ROOK) ? ROOK : QUEEN;
+}
+
+// One element of a move list. The generators write the first three fields and leave the other two as they are.
+struct alignas(8) MoveEntry {
+    Move move;
+    uint8_t piece;       // code of the mover
+    uint8_t captured;    // code on the to-square: 0 for quiet moves and for en passant
+    uint8_t sort_value;  // ordering score
+    uint8_t flags;       // filled by the search
+};
+
+// What MakeMove saves and UnmakeMove restores.
+struct UndoRecord {
+    Move move;          // 0 for a null move
+    uint8_t captured;   // type taken from the to-square; 0 for en passant
+    uint8_t ep_square;  // before the move, as are the fields below
+    uint8_t fifty;
+    uint8_t castling;
+    uint8_t special;  // what else the move did: one of UndoSpecial
+    uint64_t hash;
+    uint64_t pawn_hash;  // not written for a null move
+};
+
+// Written by MakeMove so that UnmakeMove takes back exactly what was done, whatever position the move was made in.
+enum UndoSpecial : uint8_t { UNDO_PLAIN = 0, UNDO_EN_PASSANT = 1, UNDO_CASTLED = 2 };
+
+// What each ply of a line keeps; the root is ply 1.
+struct PlyFrame {
+    MoveEntry* first;                      // start of this ply's list in the move stack
+    MoveEntry* current;                    // entry in work; the child looks at it to see what led to it
+    int16_t depth;                         // depth given to the node
+    int16_t eval;                          // static evaluation for the side to move; NO_SCORE in check
+    int16_t alpha;                         // lower bound on entry, after the mate-distance clip
+    std::array<int16_t, 2> hung_value;     // by owning side, centipawns
+    std::array<int8_t, 2> free_pawn_rank;  // by side: highest relative rank of a passed pawn with a free path
+    uint8_t eval_draw;                     // 1: a draw by material
+    int8_t ext;                            // 1 if this node earned the accumulated extension
+    uint8_t reduction;                     // reduction of the move in work; the child reads its parent's
+    uint8_t node_type;
+    uint8_t iid;  // 1 during internal deepening at this node
+    uint8_t in_check;
+    Move hash_move;
+    Move null_killer, killer1, killer2, check_killer;
+    uint16_t stage;  // state of the staged picker
+};
+
+// Rows of plist: at most this many squares, then the terminator. A four-bit count of the material signature holds the
+// same number. A piece beyond it is not placed, so that all forms of the board agree.
+inline constexpr int MAX_ROW = 15;
+
+inline constexpr int UNDO_RECORDS = 800;
+inline constexpr int FRAMES = 70;
+
+// The board, in three forms that always agree: a code per square, a list of squares per side and type, a bitboard per
+// side and type. Sums and keys go with them. A Position is part of a SearchThread and points to that thread's stacks.
+struct Position {
+    std::array<uint8_t, 72> board;  // board[64] and behind stay 0: "no square" reads as an empty square
+    std::array<std::array<std::array<uint8_t, MAX_ROW + 1>, 8>, 2> plist;  // closed by NO_SQUARE
+    std::array<std::array<uint64_t, 8>, 2> bb;                             // [side][0] holds all pieces of the side
+    std::array<uint32_t, 2> msig;  // four-bit counts: pawns lowest, then knights, bishops, rooks, queens
+    std::array<int16_t, 2> npv;    // non-pawn material: knight and bishop 3, rook 5, queen 10
+    uint64_t hash;                 // placement only; see GetFullHash
+    uint64_t pawn_hash;
+    uint8_t stm;
+    uint8_t castling;
+    uint8_t ep_square;  // passed over by the last move's double step, else NO_SQUARE
+    uint8_t fifty;      // plies since the last reset
+    Move last_move;     // 0 if none or after a null move
+    int16_t game_ply;   // undo records in use
+    int16_t ply;        // index into frames
+    UndoRecord* undo;
+    PlyFrame* frames;
+    uint8_t thread_index;
+};
+
+// Per piece type: place in the material signature, units of non-pawn material.
+inline constexpr std::array<uint32_t, 8> msig_unit = {0, 0x1, 0x10, 0x100, 0x1000, 0x10000, 0, 0};
+inline constexpr std::array<int16_t, 8> npv_unit = {0, 0, 3, 3, 5, 10, 0, 0};
+
+// Signature masks.
+inline constexpr uint32_t MSIG_PAWNS = 0xf;
+inline constexpr uint32_t MSIG_SLIDERS = 0xfff00;
+
+inline uint64_t Occupied(const Position& pos) { return pos.bb[WHITE][0] | pos.bb[BLACK][0]; }
+
+// Square of the side's king, NO_SQUARE if it has none.
+inline int KingSquare(const Position& pos, int side) { return pos.plist[static_cast<size_t>(side)][KING][0]; }
+
+// Number of pieces of a type from pawn to queen.
+inline int CountOf(const Position& pos, int side, int type) {
+    return static_cast<int>(pos.msig[static_cast<size_t>(side)] >> (4 * (type - 1))) & 0xf;
+}
+
+// Empties the board: white's and black's rights all set, no en passant square, no past. Side to move and keys stay.
+void ClearBoard(Position* pos);
+
+// Low-level edits; none touches the keys. AddPiece expects an empty square. It does nothing when the row is full.
+void AddPiece(Position* pos, int side, int piece, int sq);
+void RemovePiece(Position* pos, int sq);
+void MovePiece(Position* pos, int side, int from, int to);
+
+// True if the three forms of the board, the sums and the keys agree. For debug builds and tests.
+bool PositionIsConsistent(const Position& pos);
+
+}  // namespace vrel

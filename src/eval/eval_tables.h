@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+// Tables that InitEval derives from Personality. Written between searches, read by all threads.
+namespace vrel {
+
+// Material by count; every type has room for the fifteen pieces that a side can have of it.
+extern std::array<int16_t, 16> MtlPawnOp, MtlPawnEn;
+extern std::array<int16_t, 16> MtlKnightOp, MtlKnightEn, MtlBishopOp, MtlBishopEn;
+extern std::array<int16_t, 16> MtlRookOp, MtlRookEn, MtlQueenOp, MtlQueenEn;
+
+// By square as white sees it; for black the square is flipped first.
+extern std::array<int16_t, 64> PawnOpening, PawnEnding, KnightOpening, KnightEnding, BishopOpening, BishopEnding;
+extern std::array<int16_t, 64> RookOpening, RookEnding, QueenOpening, QueenEnding;
+extern std::array<int16_t, 65> KingOpening, KingEnding;  // a missing king scores 0
+
+extern std::array<int16_t, 8> PP_ADVANCE;                                     // passed pawn by relative rank
+extern std::array<int16_t, 16> KnightMobility, BishopMobility, RookMobility;  // by squares in the mobility area
+extern std::array<int16_t, 32> QueenMobility;
+extern std::array<int16_t, 32> KingDanger;
+
+// Rebuilds every table above, and leftbit and rightbit, from Personality. Clears no cache.
+void InitEval();
+
+}  // namespace vrel

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace vrel {
+
+// Takes what has arrived on standard input and handles at most one line of it. Never blocks on a pipe.
+void UserInput();
+
+// Sleeps for so many milliseconds.
+void UI_Sleep(int milliseconds);
+
+// Blocking read of one line for a dialogue, its end cut off: false at the end of the input.
+bool ReadDialogueLine(char* line, int size);
+
+}  // namespace vrel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "board/position.h"
+#include "search/search_thread.h"
+
+// What the search shows, and how a result leaves a worker.
+namespace vrel {
+
+// Sums over all threads, written by Collect.
+enum StatsIndex : int {
+    STAT_NODES,
+    STAT_EVALS,
+    STAT_EVAL_HITS,
+    STAT_TT_PROBES,
+    STAT_TT_HITS,
+    STAT_PAWN_PROBES,
+    STAT_PAWN_HITS,
+    STATS
+};
+extern std::array<uint64_t, STATS> sstats;
+void Collect();
+
+// pv[ply] = move, then the child's line.
+void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply);
+
+// Publishes the thread's line in PBlock if it qualifies; only worker 1 does.
+void NewBestMove(SearchThread* thread);
+
+// One info line. `mpv` is the MultiPV index, -1 for a report while the search runs.
+void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv);
+// The published line of PBlock.
+void DisplayPublishedLine();
+
+// Progress lines of the root.
+void ShowInfo();
+void UCI_ShowCurrentMove(Move move, int number);
+
+// Mean growth of the tree per ply over the last four iterations.
+double EffectiveBranchingFactor();
+
+}  // namespace vrel

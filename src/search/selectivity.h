@@ -1,0 +1,25 @@
+#pragma once
+
+#include "board/position.h"
+
+namespace vrel {
+
+// Bits of MoveEntry::flags.
+enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8 };
+
+// Fills entry->flags and gives the extension, 0 or 1.
+int Extension(const Position& pos, MoveEntry* entry);
+
+// True to drop the move.
+bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched);
+
+// True if the move mustn't be pruned because it decides the kind of ending.
+bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry);
+
+// Reduction in plies, 0 to 3.
+int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, int node_type);
+
+// Prints the two reduction tables on standard output.
+void DisplayLMR();
+
+}  // namespace vrel

@@ -1,0 +1,25 @@
+#pragma once
+
+// The pool of workers. Each searches on its own SearchThread; worker 1 is the master and the only one that publishes.
+namespace vrel {
+
+// Starts workers 1 to n and waits for their records: 0, or the error code of the failed start.
+int CreateThreadPool(int n);
+
+// Ends workers 1 to n, after whatever they are searching.
+void KillThreadPool(int n);
+
+// True if no worker searches.
+bool WorkersIdle();
+
+// Gives the workers 1 to nthreads their work; the position has been handed over by InitSearch.
+void StartWorkers();
+
+// Initialises the two locks: 0, or an error code.
+int InitLocks();
+void DestroyLocks();
+
+// Copies the game's position and past into every worker and clears the counters of all slots.
+void PrepareThreads();
+
+}  // namespace vrel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "board/position.h"
+
+// The transposition table, shared by all workers without a lock: each entry carries a check word.
+namespace vrel {
+
+enum BoundType : int { BOUND_UPPER = 1, BOUND_LOWER = 2, BOUND_EXACT = 3 };
+
+// First word of an entry.
+struct TTData {
+    uint16_t move;
+    int16_t score;  // mates as a distance from the node
+    uint8_t type;
+    int8_t depth;  // TT_EMPTY in an empty entry
+    uint16_t age;
+};
+
+inline constexpr int TT_EMPTY = -50;
+inline constexpr int TT_FOUND = -49;  // depth of a probe's result from here on: found
+
+// Two words, each read and written whole.
+struct TTEntry {
+    std::atomic<uint64_t> data;   // TTData
+    std::atomic<uint64_t> check;  // ((move << 16) + (score + 15000)) ^ key
+};
+
+extern TTEntry* hashtable;
+extern uint64_t entries;  // that hash_mb pays for, 0 if there is no table
+
+// (Re)allocates the table of hash_mb MiB, clears it and draws new keys. 0, or -1 without memory. No search may run.
+int InitTTable();
+void ClearTTable();
+void KillTTable();
+
+// Refreshes hash_fill.
+void CheckTTable();
+
+// A private copy of the entry of this position, its score still in table form. `depth` is below TT_FOUND if there is
+// none.
+void ProbeTTable(Position* pos, TTData* result);
+
+// `score` as the search sees it at `ply`.
+void StoreInTTable(Position* pos, int ply, int depth, int score, int type, Move move);
+
+// Brings the bucket of a key into the cache ahead of its probe.
+void PrefetchTTable(uint64_t key, int stm);
+
+// Mates go into the table as a distance from this node, so that an entry holds at any ply.
+int CompressScore(int score, int ply);
+int ExpandScore(int score, int ply);
+
+}  // namespace vrel

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace vrel {
+
+// Analyses the positions of PBlock.epd_file. Returns the mean error against the targets of the lines, 1.0 if a file
+// can't be opened. `show` prints heading and summary.
+double Analyze_EPD_File(bool show);
+
+}  // namespace vrel
