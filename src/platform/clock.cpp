@@ -1,0 +1,37 @@
+#include "platform/clock.h"
+
+#include <sys/time.h>
+#include <time.h>
+
+#include <cerrno>
+#include <cstdint>
+
+namespace vrel {
+
+double MonotonicSeconds() { return SecondsSince(0.0); }
+
+// The start is taken off the whole seconds first, so that no digit of the fraction is lost to a large clock.
+double SecondsSince(double start) {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return (static_cast<double>(now.tv_sec) - start) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+unsigned int TimeOfDaySeed() {
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    return static_cast<unsigned int>(static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_usec / 1000);
+}
+
+void SleepMilliseconds(int milliseconds) {
+    if (milliseconds < 1)
+        return;
+    timespec rest{};
+    rest.tv_sec = milliseconds / 1000;
+    rest.tv_nsec = (milliseconds % 1000) * 1000000L;
+    // A signal ends a sleep early; the rest is slept then.
+    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+    }
+}
+
+}  // namespace vrel

@@ -1,0 +1,17 @@
+#pragma once
+
+namespace vrel {
+
+// Seconds of the monotonic clock, from an unknown start.
+double MonotonicSeconds();
+
+// Seconds that have passed since `start`, an earlier value of MonotonicSeconds.
+double SecondsSince(double start);
+
+// A number that differs from start to start: milliseconds of the time of day, cut to what fits.
+unsigned int TimeOfDaySeed();
+
+// Sleeps for so many milliseconds; nothing for a number below 1.
+void SleepMilliseconds(int milliseconds);
+
+}  // namespace vrel

@@ -1,0 +1,103 @@
+#include "platform/file.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstring>
+#include <utility>
+
+namespace vrel {
+namespace {
+
+// The C library opens a directory for reading, but then every read of it fails.
+bool IsDirectory(std::FILE* stream) {
+    struct stat status {};
+    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+File::File(const char* name, const char* mode) : stream_(std::fopen(name, mode)) {
+    if (stream_ != nullptr && IsDirectory(stream_))
+        Close();
+}
+
+File::~File() { Close(); }
+
+File::File(File&& other) noexcept : stream_(std::exchange(other.stream_, nullptr)) {}
+
+File& File::operator=(File&& other) noexcept {
+    if (this != &other) {
+        Close();
+        stream_ = std::exchange(other.stream_, nullptr);
+    }
+    return *this;
+}
+
+bool File::ReadLine(char* line, int size) {
+    if (size < 1)
+        return false;
+    line[0] = '\0';
+    return stream_ != nullptr && std::fgets(line, size, stream_) != nullptr;
+}
+
+bool File::ReadLine(std::string* line) {
+    line->clear();
+    if (stream_ == nullptr)
+        return false;
+    int c;
+    while ((c = std::getc(stream_)) != EOF) {
+        line->push_back(static_cast<char>(c));
+        if (c == '\n')
+            break;
+    }
+    return !line->empty();
+}
+
+size_t File::Read(void* data, size_t size) { return stream_ == nullptr ? 0 : std::fread(data, 1, size, stream_); }
+
+bool File::Write(const void* data, size_t size) {
+    return stream_ != nullptr && std::fwrite(data, 1, size, stream_) == size;
+}
+
+bool File::WriteText(const char* text) { return Write(text, std::strlen(text)); }
+
+bool File::Print(const char* format, ...) {
+    if (stream_ == nullptr)
+        return false;
+    va_list arguments;
+    va_start(arguments, format);
+    const int written = std::vfprintf(stream_, format, arguments);
+    va_end(arguments);
+    return written >= 0;
+}
+
+bool File::Flush() { return stream_ != nullptr && std::fflush(stream_) == 0; }
+
+bool File::Seek(long offset) { return stream_ != nullptr && std::fseek(stream_, offset, SEEK_SET) == 0; }
+
+long File::Size() {
+    if (stream_ == nullptr)
+        return -1;
+    const long place = std::ftell(stream_);
+    if (place < 0 || std::fseek(stream_, 0, SEEK_END) != 0)
+        return -1;
+    const long size = std::ftell(stream_);
+    return std::fseek(stream_, place, SEEK_SET) == 0 ? size : -1;
+}
+
+bool File::Close() {
+    if (stream_ == nullptr)
+        return false;
+    const bool sound = std::ferror(stream_) == 0;
+    return std::fclose(std::exchange(stream_, nullptr)) == 0 && sound;
+}
+
+bool FileExists(const char* name) { return access(name, F_OK) == 0; }
+
+bool DeleteFile(const char* name) { return std::remove(name) == 0; }
+
+bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+
+}  // namespace vrel

@@ -1,0 +1,20 @@
+#include "platform/worker_thread.h"
+
+#include <pthread.h>
+
+namespace vrel {
+
+int StartThread(ThreadBody body, void* argument) {
+    pthread_attr_t attributes;
+    int error = pthread_attr_init(&attributes);
+    if (error != 0)
+        return error;
+    error = pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    pthread_t handle{};
+    if (error == 0)
+        error = pthread_create(&handle, &attributes, body, argument);
+    pthread_attr_destroy(&attributes);
+    return error;
+}
+
+}  // namespace vrel
