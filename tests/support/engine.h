@@ -1,0 +1,54 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "board/position.h"
+#include "search/search_thread.h"
+#include "support/oracle.h"
+
+// The engine as tests use it: tables built once, positions to work on, and the way between its records and the oracle.
+namespace vrel {
+
+// Builds all tables and the game record, once a process: board, settings, transposition table, locks, evaluation, and
+// the record of worker 1 (no thread) for searches that the test calls itself.
+void StartEngine();
+
+// Base of tests that need the engine.
+class EngineTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { StartEngine(); }
+};
+
+// A position with the stacks that it needs, apart from the game record.
+class TestPosition {
+public:
+    explicit TestPosition(const std::string& fen);
+
+    Position& operator*() const { return thread_->pos; }
+    Position* operator->() const { return &thread_->pos; }
+    Position* get() const { return &thread_->pos; }
+    SearchThread* thread() const { return thread_.get(); }
+
+private:
+    std::unique_ptr<SearchThread> thread_;
+};
+
+// The four-field text of the position.
+std::string FenOf(const Position& pos);
+
+// What the rules oracle has to say of the same position.
+oracle::Board OracleBoard(const Position& pos);
+oracle::Move OracleMove(Move move);
+Move EngineMove(const oracle::Move& move);
+
+// Every field alike but for the order within the rows of piece squares.
+bool SamePosition(const Position& a, const Position& b);
+
+// The pseudo-legal moves as GenerateAll leaves them for the ply of the position.
+std::vector<MoveEntry> AllMoves(Position* pos);
+
+}  // namespace vrel
