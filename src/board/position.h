@@ -140,12 +140,13 @@ inline int CountOf(const Position& pos, int side, int type) {
 // Empties the board: white's and black's rights all set, no en passant square, no past. Side to move and keys stay.
 void ClearBoard(Position* pos);
 
-// Low-level edits; none touches the keys. AddPiece expects an empty square. It does nothing when the row is full.
+// Low-level edits; none touches the keys. AddPiece expects an empty square; when the row is full it does nothing.
 void AddPiece(Position* pos, int side, int piece, int sq);
 void RemovePiece(Position* pos, int sq);
 void MovePiece(Position* pos, int side, int from, int to);
 
-// True if the three forms of the board, the sums and the keys agree. For debug builds and tests.
+// True if the three forms of the board and the sums agree; the keys aren't looked at, as they may stand for key
+// tables that have been drawn anew since. For debug builds and tests.
 bool PositionIsConsistent(const Position& pos);
 
 }  // namespace vrel

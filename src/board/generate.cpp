@@ -1,0 +1,266 @@
+#include "board/generate.h"
+
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "board/attacks.h"
+#include "board/legality.h"
+
+namespace vrel {
+
+namespace {
+
+using Row = std::array<uint8_t, MAX_ROW + 1>;
+
+// Move, mover and victim in one store; the other two fields stay.
+MoveEntry* WriteEntry(MoveEntry* list, Move move, uint32_t piece, uint32_t captured) {
+    const uint32_t word = move | piece << 16 | captured << 24;
+    std::memcpy(static_cast<void*>(list), &word, sizeof word);
+    return list + 1;
+}
+
+MoveEntry* AddMove(MoveEntry* list, const Position& pos, int from, int to) {
+    return WriteEntry(list, MakeMoveValue(from, to), pos.board[static_cast<size_t>(from)],
+                      pos.board[static_cast<size_t>(to)]);
+}
+
+// Queen, then knight, bishop and rook if `all`.
+MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, int from, int to, bool all) {
+    const uint32_t piece = pos.board[static_cast<size_t>(from)];
+    const uint32_t captured = pos.board[static_cast<size_t>(to)];
+    const Move move = MakeMoveValue(from, to);
+    list = WriteEntry(list, move | PROMOTE_QUEEN, piece, captured);
+    if (!all)
+        return list;
+    list = WriteEntry(list, move | PROMOTE_KNIGHT, piece, captured);
+    list = WriteEntry(list, move | PROMOTE_BISHOP, piece, captured);
+    return WriteEntry(list, move | PROMOTE_ROOK, piece, captured);
+}
+
+// All moves of one piece to a set of squares, from the lowest up.
+MoveEntry* AddTargets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
+    const uint32_t piece = pos.board[static_cast<size_t>(from)];
+    while (targets) {
+        const int to = PopLSB(&targets);
+        list = WriteEntry(list, MakeMoveValue(from, to), piece, pos.board[static_cast<size_t>(to)]);
+    }
+    return list;
+}
+
+// Quiet moves of one piece.
+MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
+    const uint32_t piece = pos.board[static_cast<size_t>(from)];
+    while (targets)
+        list = WriteEntry(list, MakeMoveValue(from, PopLSB(&targets)), piece, 0);
+    return list;
+}
+
+// The en passant square as a target, if a pawn has really just passed over it.
+template <int Side>
+uint64_t EnPassantTarget(const Position& pos) {
+    const int sq = pos.ep_square;
+    if (sq == NO_SQUARE || RelativeRank(Side, sq) != 5 || pos.board[static_cast<size_t>(sq)] ||
+        pos.board[static_cast<size_t>(sq - pawn_dir[Side])] != PieceCode(Side ^ 1, PAWN))
+        return 0;
+    return Bit(sq);
+}
+
+// Captures in one direction: the targets shifted back onto the pawns.
+template <int Step>
+MoveEntry* AddPawnCaptures(MoveEntry* list, const Position& pos, uint64_t movers) {
+    while (movers) {
+        const int from = PopLSB(&movers);
+        list = AddMove(list, pos, from, from + Step);
+    }
+    return list;
+}
+
+template <int Side>
+MoveEntry* PawnCaptures(const Position& pos, MoveEntry* list) {
+    const uint64_t targets = pos.bb[Side ^ 1][0] | EnPassantTarget<Side>(pos);
+    // Pawns on their seventh rank promote and are generated elsewhere; on the eighth they have no move.
+    if constexpr (Side == WHITE) {
+        const uint64_t pawns = pos.bb[WHITE][PAWN] & (RANK_1 * 0x010101010101ULL);
+        list = AddPawnCaptures<7>(list, pos, (targets >> 7) & pawns & ~FILE_A);
+        return AddPawnCaptures<9>(list, pos, (targets >> 9) & pawns & ~FILE_H);
+    } else {
+        const uint64_t pawns = pos.bb[BLACK][PAWN] & ~(RANK_1 * 0x0101ULL);
+        list = AddPawnCaptures<-7>(list, pos, (targets << 7) & pawns & ~FILE_H);
+        return AddPawnCaptures<-9>(list, pos, (targets << 9) & pawns & ~FILE_A);
+    }
+}
+
+template <int Side>
+MoveEntry* PieceCaptures(const Position& pos, MoveEntry* list) {
+    const uint64_t enemy = pos.bb[Side ^ 1][0];
+    const uint64_t occ = Occupied(pos);
+    const auto& rows = pos.plist[Side];
+    for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
+        list = AddTargets(list, pos, *sq, BB_KnightRays[*sq] & enemy);
+    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
+        if (BB_BishopRays[*sq] & enemy)
+            list = AddTargets(list, pos, *sq, GenAttacksB(*sq, occ) & enemy);
+    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
+        if (BB_RookRays[*sq] & enemy)
+            list = AddTargets(list, pos, *sq, GenAttacksR(*sq, occ) & enemy);
+    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
+        list = AddTargets(list, pos, *sq, (GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ)) & enemy);
+    const int king = rows[KING][0];
+    return AddTargets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & enemy);
+}
+
+template <int Side>
+MoveEntry* Promotions(const Position& pos, bool all, MoveEntry* list) {
+    uint64_t pawns = pos.bb[Side][PAWN] & BB_r7[Side];
+    const uint64_t enemy = pos.bb[Side ^ 1][0];
+    while (pawns) {
+        const int from = PopLSB(&pawns);
+        const int front = from + pawn_dir[Side];
+        if (pos.board[static_cast<size_t>(front)] == 0)
+            list = AddPromotion(list, pos, from, front, all);
+        if (FileOf(from) != 0 && (enemy & Bit(front - 1)))
+            list = AddPromotion(list, pos, from, front - 1, all);
+        if (FileOf(from) != 7 && (enemy & Bit(front + 1)))
+            list = AddPromotion(list, pos, from, front + 1, all);
+    }
+    return list;
+}
+
+// Only the squares between are looked at: attacks on them and the rook are MoveIsLegal's and the rights' business.
+template <int Side>
+MoveEntry* Castlings(const Position& pos, MoveEntry* list) {
+    constexpr int king = init_king_sq[Side];
+    constexpr uint64_t short_path = Bit(king + 1) | Bit(king + 2);
+    constexpr uint64_t long_path = Bit(king - 1) | Bit(king - 2) | Bit(king - 3);
+    constexpr int short_right = Side == WHITE ? WHITE_SHORT : BLACK_SHORT;
+    constexpr int long_right = Side == WHITE ? WHITE_LONG : BLACK_LONG;
+    const uint64_t occ = Occupied(pos);
+    if ((pos.castling & short_right) && (occ & short_path) == 0)
+        list = AddMove(list, pos, king, king + 2);
+    if ((pos.castling & long_right) && (occ & long_path) == 0)
+        list = AddMove(list, pos, king, king - 2);
+    return list;
+}
+
+template <int Side>
+MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
+    constexpr int step = pawn_dir[Side];
+    constexpr uint32_t pawn = PieceCode(Side, PAWN);
+    for (const uint8_t* sq = pos.plist[Side][PAWN].data(); *sq != NO_SQUARE; ++sq) {
+        const int from = *sq;
+        const int rank = RelativeRank(Side, from);
+        if (rank >= 6 || pos.board[static_cast<size_t>(from + step)])
+            continue;
+        list = WriteEntry(list, MakeMoveValue(from, from + step), pawn, 0);
+        if (rank == 1 && pos.board[static_cast<size_t>(from + 2 * step)] == 0)
+            list = WriteEntry(list, MakeMoveValue(from, from + 2 * step), pawn, 0);
+    }
+    return list;
+}
+
+template <int Side>
+MoveEntry* NonCaptures(const Position& pos, MoveEntry* list) {
+    const uint64_t occ = Occupied(pos);
+    const uint64_t empty = ~occ;
+    const auto& rows = pos.plist[Side];
+    list = PawnPushes<Side>(pos, list);
+    for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & empty);
+    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, GenAttacksB(*sq, occ) & empty);
+    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, GenAttacksR(*sq, occ) & empty);
+    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, (GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ)) & empty);
+    const int king = rows[KING][0];
+    list = AddQuiets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & empty);
+    return king == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
+}
+
+template <int Side>
+MoveEntry* Checks(const Position& pos, MoveEntry* list) {
+    const uint64_t occ = Occupied(pos);
+    const uint64_t empty = ~occ;
+    const int ksq = KingSquare(pos, Side ^ 1);
+    const auto k = static_cast<size_t>(ksq);
+    const auto& rows = pos.plist[Side];
+    const uint64_t knight_sq = BB_KnightRays[k] & empty;
+    const uint64_t bishop_sq = (pos.msig[Side] & 0xf0f00) ? GenAttacksB(ksq, occ) & empty : 0;
+    const uint64_t rook_sq = (pos.msig[Side] & 0xff000) ? GenAttacksR(ksq, occ) & empty : 0;
+    const uint64_t pawn_sq = BB_PawnRays[Side ^ 1][k] & empty;
+    uint64_t pawns = (Side == WHITE ? pawn_sq >> 8 : pawn_sq << 8) & pos.bb[Side][PAWN];
+    while (pawns) {
+        const int from = PopLSB(&pawns);
+        list = AddMove(list, pos, from, from + pawn_dir[Side]);
+    }
+    for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & knight_sq);
+    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
+        if (BB_BishopRays[*sq] & bishop_sq)
+            list = AddQuiets(list, pos, *sq, GenAttacksB(*sq, occ) & bishop_sq);
+    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
+        if (BB_RookRays[*sq] & rook_sq)
+            list = AddQuiets(list, pos, *sq, GenAttacksR(*sq, occ) & rook_sq);
+    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
+        list = AddQuiets(list, pos, *sq, (GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ)) & (bishop_sq | rook_sq));
+    return list;
+}
+
+}  // namespace
+
+MoveEntry* GeneratePawnCaptures(const Position& pos, int side, MoveEntry* list) {
+    return side == WHITE ? PawnCaptures<WHITE>(pos, list) : PawnCaptures<BLACK>(pos, list);
+}
+
+MoveEntry* GeneratePieceCaptures(const Position& pos, int side, MoveEntry* list) {
+    return side == WHITE ? PieceCaptures<WHITE>(pos, list) : PieceCaptures<BLACK>(pos, list);
+}
+
+MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry* list) {
+    return side == WHITE ? Promotions<WHITE>(pos, all, list) : Promotions<BLACK>(pos, all, list);
+}
+
+MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list) {
+    return side == WHITE ? NonCaptures<WHITE>(pos, list) : NonCaptures<BLACK>(pos, list);
+}
+
+MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list) {
+    return side == WHITE ? Checks<WHITE>(pos, list) : Checks<BLACK>(pos, list);
+}
+
+void CloseList(Position* pos, MoveEntry* end) {
+    end->move = END_OF_LIST;
+    pos->frames[pos->ply + 1].first = end + 1;
+    pos->frames[pos->ply + 2].first = end + 2;
+}
+
+void GenerateAll(Position* pos) {
+    const int side = pos->stm;
+    MoveEntry* list = pos->frames[pos->ply].first;
+    list = GeneratePawnCaptures(*pos, side, list);
+    list = GeneratePieceCaptures(*pos, side, list);
+    list = GeneratePromotions(*pos, side, true, list);
+    CloseList(pos, GenerateNonCaptures(*pos, side, list));
+}
+
+void RemoveIllegalMoves(const Position& pos, MoveEntry* list) {
+    MoveEntry* kept = list;
+    for (; list->move != END_OF_LIST; ++list)
+        if (MoveIsLegal(pos, pos.stm, list->move))
+            *kept++ = *list;
+    kept->move = END_OF_LIST;
+}
+
+void PickNextMove(MoveEntry* list) {
+    MoveEntry* best = list;
+    if (list->move == END_OF_LIST)
+        return;
+    for (MoveEntry* entry = list + 1; entry->move != END_OF_LIST; ++entry)
+        if (entry->sort_value > best->sort_value)
+            best = entry;
+    if (best != list)
+        std::swap(*best, *list);
+}
+
+}  // namespace vrel

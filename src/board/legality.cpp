@@ -1,0 +1,97 @@
+#include "board/legality.h"
+
+#include <cstddef>
+
+#include "board/attacks.h"
+
+namespace vrel {
+
+namespace {
+
+// Castling: the king may neither stand on, cross nor reach an attacked square.
+bool CastlingIsLegal(const Position& pos, int side, int from, int to) {
+    return !SqAtakd(pos, from, side ^ 1) && !SqAtakd(pos, to, side ^ 1) && !SqAtakd(pos, (from + to) >> 1, side ^ 1);
+}
+
+int TypeAfterMove(const MoveEntry& entry) {
+    return (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
+}
+
+bool GivesDirectCheck(int type, int side, int to, int ksq, uint64_t occ) {
+    const auto n = static_cast<size_t>(to);
+    switch (type) {
+        case PAWN:
+            return (BB_PawnRays[static_cast<size_t>(side)][n] >> ksq) & 1;
+        case KNIGHT:
+            return (BB_KnightRays[n] >> ksq) & 1;
+        case BISHOP:
+            return ((BB_BishopRays[n] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+        case ROOK:
+            return ((BB_RookRays[n] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+        case QUEEN:
+            return (((BB_BishopRays[n] | BB_RookRays[n]) >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+bool MoveIsLegal(const Position& pos, int side, Move move) {
+    if (move == NO_MOVE)
+        return false;
+    const int from = FromSquare(move);
+    const int to = ToSquare(move);
+    const int king = KingSquare(pos, side);
+    int target = king;
+    if (from == king) {
+        const int files = FileOf(to) - FileOf(from);
+        if (files == 2 || files == -2)
+            return CastlingIsLegal(pos, side, from, to);
+        target = to;
+    }
+    // The board as it would be, the mover's own type sets apart, which nobody asks.
+    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    uint64_t removed = 0;
+    if (pos.board[static_cast<size_t>(to)])
+        removed = Bit(to);
+    else if (to == pos.ep_square && pos.board[static_cast<size_t>(from)] == PieceCode(side, PAWN) &&
+             RelativeRank(side, to) == 5)
+        removed = Bit(to - pawn_dir[static_cast<size_t>(side)]) & enemy[PAWN];
+    const uint64_t stays = ~removed;
+    const uint64_t occ = (pos.bb[static_cast<size_t>(side)][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & stays);
+    const auto n = static_cast<size_t>(target);
+    if (((BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) | (BB_KnightRays[n] & enemy[KNIGHT]) |
+         (BB_KingRays[n] & enemy[KING])) &
+        stays)
+        return false;
+    return !AnySees(BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN]) & stays, target, occ) &&
+           !AnySees(BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
+}
+
+int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry) {
+    const int ksq = KingSquare(pos, side ^ 1);
+    if (ksq == NO_SQUARE)
+        return 0;
+    const int from = FromSquare(entry.move);
+    const int to = ToSquare(entry.move);
+    const uint64_t occ = Occupied(pos);
+    if (GivesDirectCheck(TypeAfterMove(entry), side, to, ksq, occ))
+        return 1;
+    if ((pos.msig[static_cast<size_t>(side)] & MSIG_SLIDERS) == 0)
+        return 0;
+    // A slider behind the mover sees the king once the mover has left, unless it stays on the line.
+    const auto& own = pos.bb[static_cast<size_t>(side)];
+    const auto k = static_cast<size_t>(ksq);
+    const auto f = static_cast<size_t>(from);
+    const uint64_t occ_after = (occ & ~Bit(from)) | Bit(to);
+    if ((BB_RookRays[k] & Bit(from)) &&
+        AnySees((own[ROOK] | own[QUEEN]) & BB_RookRays[k] & BB_RookRays[f], ksq, occ_after))
+        return 2;
+    if ((BB_BishopRays[k] & Bit(from)) &&
+        AnySees((own[BISHOP] | own[QUEEN]) & BB_BishopRays[k] & BB_BishopRays[f], ksq, occ_after))
+        return 2;
+    return 0;
+}
+
+}  // namespace vrel

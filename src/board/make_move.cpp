@@ -1,0 +1,229 @@
+#include "board/make_move.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+
+#include "board/keys.h"
+#include "interface/pblock.h"
+#include "tools/trace.h"  // exception: the tracer sees every move before it is made
+
+namespace vrel {
+
+namespace {
+
+// Castling rights that a move from or to a square loses.
+constexpr std::array<uint8_t, 64> csbits = [] {
+    std::array<uint8_t, 64> bits{};
+    bits[0] = WHITE_LONG;
+    bits[4] = WHITE_SHORT | WHITE_LONG;
+    bits[7] = WHITE_SHORT;
+    bits[56] = BLACK_LONG;
+    bits[60] = BLACK_SHORT | BLACK_LONG;
+    bits[63] = BLACK_SHORT;
+    return bits;
+}();
+
+// Game records kept when an overlong game makes room; the rest of the stack is the search's.
+constexpr int GAME_RECORDS = 700;
+constexpr int RECORDS_DROPPED = 100;
+
+struct RookStep {
+    int from, to;
+};
+
+constexpr RookStep RookOfCastling(int king_from, int king_to) {
+    return king_to > king_from ? RookStep{king_from + 3, king_from + 1} : RookStep{king_from - 4, king_from - 1};
+}
+
+void PushRecord(Position* pos, Move move, int captured) {
+    UndoRecord& record = pos->undo[pos->game_ply];
+    record.move = move;
+    record.captured = static_cast<uint8_t>(captured);
+    record.ep_square = pos->ep_square;
+    record.fifty = pos->fifty;
+    record.castling = pos->castling;
+    record.special = UNDO_PLAIN;
+    record.hash = pos->hash;
+    ++pos->game_ply;
+    ++pos->ply;
+}
+
+const UndoRecord& PopRecord(Position* pos) {
+    --pos->game_ply;
+    --pos->ply;
+    const UndoRecord& record = pos->undo[pos->game_ply];
+    pos->last_move = pos->game_ply > 0 ? pos->undo[pos->game_ply - 1].move : NO_MOVE;
+    pos->ep_square = record.ep_square;
+    pos->castling = record.castling;
+    pos->fifty = record.fifty;
+    pos->stm ^= 1;
+    return record;
+}
+
+// The victim stands beside the pawn's old square. On a set-up board there may be none: then it is a plain move.
+template <int Side>
+void TakeEnPassant(Position* pos, int to, UndoRecord* record) {
+    const int victim = to - pawn_dir[Side];
+    if (RelativeRank(Side, to) != 5 || pos->board[static_cast<size_t>(victim)] != PieceCode(Side ^ 1, PAWN))
+        return;
+    UpdateHash(pos, Side ^ 1, PAWN, victim);
+    RemovePiece(pos, victim);
+    record->special = UNDO_EN_PASSANT;
+}
+
+// With a full row of the new type the pawn stays a pawn.
+template <int Side>
+void Promote(Position* pos, Move move, int to) {
+    const int type = PromotedType(move);
+    if (CountOf(*pos, Side, type) == MAX_ROW)
+        return;
+    UpdateHash(pos, Side, PAWN, to);
+    RemovePiece(pos, to);
+    AddPiece(pos, Side, type, to);
+    UpdateHash(pos, Side, type, to);
+}
+
+template <int Side>
+void MovePawn(Position* pos, Move move, int from, int to, UndoRecord* record) {
+    pos->fifty = 0;
+    if (from + 2 * pawn_dir[Side] == to)
+        pos->ep_square = static_cast<uint8_t>(from + pawn_dir[Side]);
+    else if (to == record->ep_square)
+        TakeEnPassant<Side>(pos, to, record);
+    else if (move & PROMOTION_BITS)
+        Promote<Side>(pos, move, to);
+}
+
+// The rights imply a rook in the corner; on a set-up board it may be missing, and then the king moves alone.
+template <int Side>
+void CastleRook(Position* pos, int from, int to, UndoRecord* record) {
+    const RookStep rook = RookOfCastling(from, to);
+    if (pos->board[static_cast<size_t>(rook.from)] != PieceCode(Side, ROOK) ||
+        pos->board[static_cast<size_t>(rook.to)] != 0)
+        return;
+    UpdateHash(pos, Side, ROOK, rook.from);
+    UpdateHash(pos, Side, ROOK, rook.to);
+    MovePiece(pos, Side, rook.from, rook.to);
+    record->special = UNDO_CASTLED;
+}
+
+template <int Side>
+void Make(Position* pos, Move move) {
+    const int to = ToSquare(move);
+    const int from = FromSquare(move);
+    const int captured = pos->board[static_cast<size_t>(to)];
+    PushRecord(pos, move, TypeOf(captured));
+    UndoRecord& record = pos->undo[pos->game_ply - 1];
+    record.pawn_hash = pos->pawn_hash;
+
+    pos->last_move = move;
+    pos->ep_square = NO_SQUARE;
+    pos->castling &= static_cast<uint8_t>(~(csbits[static_cast<size_t>(from)] | csbits[static_cast<size_t>(to)]));
+    if (pos->fifty < UINT8_MAX)
+        ++pos->fifty;
+    pos->stm = Side ^ 1;
+
+    if (captured) {
+        UpdateHash(pos, Side ^ 1, captured, to);
+        RemovePiece(pos, to);
+        pos->fifty = 0;
+    }
+    const int type = TypeOf(pos->board[static_cast<size_t>(from)]);
+    UpdateHash(pos, Side, type, from);
+    UpdateHash(pos, Side, type, to);
+    MovePiece(pos, Side, from, to);
+
+    if (type == PAWN) {
+        MovePawn<Side>(pos, move, from, to, &record);
+    } else if (type == KING && (to == from + 2 || to == from - 2)) {
+        // Castling resets the counter, which the rules of chess would not require.
+        pos->fifty = 0;
+        if (from == init_king_sq[Side])
+            CastleRook<Side>(pos, from, to, &record);
+    }
+}
+
+template <int Side>
+void Unmake(Position* pos) {
+    const UndoRecord& record = PopRecord(pos);
+    const int to = ToSquare(record.move);
+    const int from = FromSquare(record.move);
+    MovePiece(pos, Side, to, from);
+    if (record.captured)
+        AddPiece(pos, Side ^ 1, record.captured, to);
+    if (record.special == UNDO_EN_PASSANT) {
+        AddPiece(pos, Side ^ 1, PAWN, to - pawn_dir[Side]);
+    } else if (record.special == UNDO_CASTLED) {
+        const RookStep rook = RookOfCastling(from, to);
+        MovePiece(pos, Side, rook.to, rook.from);
+    }
+    if (record.move & PROMOTION_BITS) {
+        RemovePiece(pos, from);
+        AddPiece(pos, Side, PAWN, from);
+    }
+    pos->hash = record.hash;
+    pos->pawn_hash = record.pawn_hash;
+}
+
+#ifdef VREL_CHECK_BOARD
+void CheckBoard(const Position& pos) { assert(PositionIsConsistent(pos)); }
+#else
+void CheckBoard(const Position&) {}
+#endif
+
+}  // namespace
+
+void MakeMove(Position* pos, Move move) {
+    if (PBlock.trace)
+        TraceMove(*pos, move);
+    if (pos->stm == WHITE)
+        Make<WHITE>(pos, move);
+    else
+        Make<BLACK>(pos, move);
+    CheckBoard(*pos);
+}
+
+void UnmakeMove(Position* pos) {
+    if (pos->stm == BLACK)
+        Unmake<WHITE>(pos);
+    else
+        Unmake<BLACK>(pos);
+    CheckBoard(*pos);
+}
+
+void MakeNullMove(Position* pos) {
+    if (PBlock.trace)
+        TraceMove(*pos, NO_MOVE);
+    PushRecord(pos, NO_MOVE, NO_PIECE);
+    pos->fifty = 0;
+    pos->ep_square = NO_SQUARE;
+    pos->stm ^= 1;
+    pos->last_move = NO_MOVE;
+}
+
+void UnmakeNullMove(Position* pos) { pos->hash = PopRecord(pos).hash; }
+
+void PlayGameMove(Position* pos, Move move) {
+    if (pos->game_ply >= GAME_RECORDS) {
+        std::copy(pos->undo + RECORDS_DROPPED, pos->undo + UNDO_RECORDS, pos->undo);
+        pos->game_ply = static_cast<int16_t>(pos->game_ply - RECORDS_DROPPED);
+    }
+    pos->ply = 1;
+    MakeMove(pos, move);
+    pos->ply = 1;
+}
+
+void TakeBackGameMove(Position* pos) {
+    UnmakeMove(pos);
+    pos->ply = 1;
+}
+
+bool MoveCanBeMade(const Position& pos, Move move) {
+    const uint64_t own = pos.bb[pos.stm][0];
+    const bool promotes = (move & PROMOTION_BITS) != 0;
+    return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
+           (!promotes || TypeOf(pos.board[static_cast<size_t>(FromSquare(move))]) == PAWN);
+}
+
+}  // namespace vrel

@@ -1,0 +1,118 @@
+#include "board/position.h"
+
+#include <cstddef>
+
+namespace vrel {
+
+namespace {
+
+using Row = std::array<uint8_t, MAX_ROW + 1>;
+
+// Length of a row. The king's is not part of the material signature, so the terminator tells.
+int RowLength(const Row& row) {
+    int n = 0;
+    while (n < MAX_ROW && row[static_cast<size_t>(n)] != NO_SQUARE)
+        ++n;
+    return n;
+}
+
+}  // namespace
+
+void ClearBoard(Position* pos) {
+    pos->ep_square = NO_SQUARE;
+    pos->castling = WHITE_SHORT | WHITE_LONG | BLACK_SHORT | BLACK_LONG;
+    pos->game_ply = 0;
+    pos->ply = 1;
+    pos->fifty = 0;
+    pos->last_move = NO_MOVE;
+    pos->npv = {};
+    pos->msig = {};
+    pos->board = {};
+    pos->bb = {};
+    for (auto& rows : pos->plist)
+        for (Row& row : rows)
+            row[0] = NO_SQUARE;
+}
+
+void AddPiece(Position* pos, int side, int piece, int sq) {
+    const auto type = static_cast<size_t>(piece & 7);
+    const auto s = static_cast<size_t>(side);
+    Row& row = pos->plist[s][type];
+    const auto n = static_cast<size_t>(RowLength(row));
+    if (n == MAX_ROW)
+        return;
+    row[n] = static_cast<uint8_t>(sq);
+    row[n + 1] = NO_SQUARE;
+    pos->board[static_cast<size_t>(sq)] = static_cast<uint8_t>(PieceCode(side, static_cast<int>(type)));
+    pos->npv[s] = static_cast<int16_t>(pos->npv[s] + npv_unit[type]);
+    pos->msig[s] += msig_unit[type];
+    pos->bb[s][0] |= Bit(sq);
+    pos->bb[s][type] |= Bit(sq);
+}
+
+void RemovePiece(Position* pos, int sq) {
+    const int code = pos->board[static_cast<size_t>(sq)];
+    const auto type = static_cast<size_t>(TypeOf(code));
+    const auto s = static_cast<size_t>(SideOf(code));
+    pos->board[static_cast<size_t>(sq)] = 0;
+    uint8_t* entry = pos->plist[s][type].data();
+    while (*entry != sq)
+        ++entry;
+    // Later squares move up one place, so that the order of the row stays.
+    do {
+        entry[0] = entry[1];
+    } while (*entry++ != NO_SQUARE);
+    pos->npv[s] = static_cast<int16_t>(pos->npv[s] - npv_unit[type]);
+    pos->msig[s] -= msig_unit[type];
+    pos->bb[s][0] ^= Bit(sq);
+    pos->bb[s][type] ^= Bit(sq);
+}
+
+void MovePiece(Position* pos, int side, int from, int to) {
+    const auto s = static_cast<size_t>(side);
+    const uint8_t code = pos->board[static_cast<size_t>(from)];
+    const auto type = static_cast<size_t>(TypeOf(code));
+    pos->board[static_cast<size_t>(to)] = code;
+    pos->board[static_cast<size_t>(from)] = 0;
+    uint8_t* entry = pos->plist[s][type].data();
+    while (*entry != from)
+        ++entry;
+    *entry = static_cast<uint8_t>(to);
+    const uint64_t both = Bit(from) | Bit(to);
+    pos->bb[s][0] ^= both;
+    pos->bb[s][type] ^= both;
+}
+
+bool PositionIsConsistent(const Position& pos) {
+    for (size_t side = 0; side < 2; ++side) {
+        uint64_t all = 0;
+        uint32_t msig = 0;
+        int npv = 0;
+        for (size_t type = PAWN; type <= KING; ++type) {
+            uint64_t set = 0;
+            const Row& row = pos.plist[side][type];
+            const int n = RowLength(row);
+            if (row[static_cast<size_t>(n)] != NO_SQUARE)
+                return false;
+            for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
+                if (row[i] > 63 || (set & Bit(row[i])) ||
+                    pos.board[row[i]] != PieceCode(static_cast<int>(side), static_cast<int>(type)))
+                    return false;
+                set |= Bit(row[i]);
+            }
+            if (set != pos.bb[side][type])
+                return false;
+            all |= set;
+            msig += static_cast<uint32_t>(n) * msig_unit[type];
+            npv += n * npv_unit[type];
+        }
+        if (all != pos.bb[side][0] || msig != pos.msig[side] || npv != pos.npv[side])
+            return false;
+    }
+    int pieces = 0;
+    for (size_t sq = 0; sq < 64; ++sq)
+        pieces += pos.board[sq] != 0;
+    return pieces == CountBits(Occupied(pos)) && (pos.bb[WHITE][0] & pos.bb[BLACK][0]) == 0 && pos.board[64] == 0;
+}
+
+}  // namespace vrel
