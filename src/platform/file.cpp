@@ -96,7 +96,7 @@ bool File::Close() {
 
 bool FileExists(const char* name) { return access(name, F_OK) == 0; }
 
-bool DeleteFile(const char* name) { return std::remove(name) == 0; }
+bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
 

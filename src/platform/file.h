@@ -52,7 +52,7 @@ private:
 
 bool FileExists(const char* name);
 
-// True on success.
+// True on success. A directory is not deleted.
 bool DeleteFile(const char* name);
 bool RenameFile(const char* from, const char* to);
 
