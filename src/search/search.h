@@ -18,7 +18,9 @@ inline constexpr int NO_SCORE = -10000;  // no score yet; also the evaluation of
 inline constexpr int MATE_BOUND = 9898;  // scores above it, and below -MATE_BOUND - 1, are mates
 inline constexpr int MAX_PLY = 65;
 
+// A line of moves from pv[1] on, closed by 0. The shared form is looked at by other threads.
 using PvLine = std::array<Move, FRAMES>;
+using SharedLine = std::array<Relaxed<Move>, FRAMES>;
 
 // What each worker runs for one search.
 void SearchIterations(int id);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "board/position.h"
+#include "search/search.h"
 #include "search/search_thread.h"
 
 // What the search shows, and how a result leaves a worker.
@@ -25,6 +26,9 @@ void Collect();
 
 // pv[ply] = move, then the child's line.
 void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply);
+
+// A private copy of a line that others may be looking at.
+PvLine CopyPV(const SharedLine& line);
 
 // Publishes the thread's line in PBlock if it qualifies; only worker 1 does.
 void NewBestMove(SearchThread* thread);

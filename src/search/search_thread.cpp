@@ -1,34 +1,22 @@
 #include "search/search_thread.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
+#include "platform/memory.h"
 
 namespace vrel {
 
 std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 
-namespace {
-
-void FreeThread(int id) { std::free(ThreadData[static_cast<size_t>(id)].exchange(nullptr, std::memory_order_acq_rel)); }
-
-// Zeroed memory that is touched only when it is used. The record holds plain data and atomics of plain data alone,
-// for which all bits zero are a valid start.
-void* AllocateZeroed(size_t size, size_t alignment) {
-    void* memory = std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-    if (memory != nullptr)
-        std::memset(memory, 0, size);
-    return memory;
+void FreeThread(int id) {
+    SearchThread* thread = ThreadData[static_cast<size_t>(id)].exchange(nullptr, std::memory_order_acq_rel);
+    FreePages(thread, sizeof(SearchThread));
 }
-
-}  // namespace
 
 int InitNewThread(int id) {
     FreeThread(id);
-    void* memory = AllocateZeroed(sizeof(SearchThread), alignof(SearchThread));
-    if (memory == nullptr)
+    // The record holds plain data and atomics of plain data alone, for which zeroed pages are a valid start.
+    auto* thread = static_cast<SearchThread*>(AllocatePages(sizeof(SearchThread)));
+    if (thread == nullptr)
         return -1;
-    auto* thread = static_cast<SearchThread*>(memory);
     thread->id = static_cast<int8_t>(id);
     thread->pos.thread_index = static_cast<uint8_t>(id);
     thread->seed = 123u * static_cast<uint32_t>(id);

@@ -74,7 +74,8 @@ static_assert(std::is_standard_layout_v<SearchThread>);
 // Makes the record of slot `id`, replacing an earlier one. 0, or -1 if there is no memory.
 int InitNewThread(int id);
 
-// Frees all records; for the end of the program.
+// Frees the record of a slot, or all of them for the end of the program.
+void FreeThread(int id);
 void FreeThreads();
 
 }  // namespace vrel

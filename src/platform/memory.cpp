@@ -1,0 +1,35 @@
+#include "platform/memory.h"
+
+#include <sys/mman.h>
+
+#include <cstring>
+
+namespace vrel {
+
+namespace {
+
+// From this size on a block is worth huge pages: fewer misses of the address cache in random access.
+constexpr size_t HUGE_PAGES_FROM = size_t{4} << 20;
+
+}  // namespace
+
+void* AllocatePages(size_t bytes) {
+    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (memory == MAP_FAILED)
+        return nullptr;
+    if (bytes >= HUGE_PAGES_FROM)
+        madvise(memory, bytes, MADV_HUGEPAGE);
+    return memory;
+}
+
+void FreePages(void* memory, size_t bytes) {
+    if (memory != nullptr)
+        munmap(memory, bytes);
+}
+
+void ClearPages(void* memory, size_t bytes) {
+    if (madvise(memory, bytes, MADV_DONTNEED) != 0)
+        std::memset(memory, 0, bytes);
+}
+
+}  // namespace vrel

@@ -1,0 +1,162 @@
+#include <cstddef>
+
+#include "board/keys.h"
+#include "board/legality.h"
+#include "board/make_move.h"
+#include "eval/personality.h"
+#include "interface/pblock.h"
+#include "search/ordering.h"
+#include "search/search.h"
+#include "search/search_report.h"
+#include "search/selectivity.h"
+#include "search/transposition.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int SURE_VALUE = 149;  // sort_value above it: the hash move and winning active moves
+constexpr int STORE_DEPTH = -1;  // deeper check evasions of the quiescence aren't stored
+
+// The state of one call.
+struct MoveLoop {
+    Position* pos;
+    PlyFrame* frame;
+    SearchThread* thread;
+    int side, ply, depth;
+    int alpha, beta;
+    int node_type;
+    bool in_check;
+    bool lmp_ok;
+    Move* local_pv;  // the line that the children write
+    int best = NO_SCORE;
+    Move best_move = NO_MOVE;
+    int searched = 0;
+};
+
+// Decides whether the move is dropped and, if not, by how much its scout is shortened. The first legal move of a node
+// is never touched: a searched move always scores above the bound that is tested first.
+bool DropMove(const MoveLoop& loop, const MoveEntry& entry, int ext, int* reduction) {
+    *reduction = 0;
+    if (loop.best < loop.ply - 9999 || entry.sort_value > SURE_VALUE || ext == 1 || loop.in_check)
+        return false;
+    if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.depth, loop.searched))
+        return true;
+    *reduction = Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
+    return false;
+}
+
+int SearchChild(MoveLoop* loop, int depth, int alpha, int beta, int type) {
+    return -Search(loop->pos, loop->side ^ 1, loop->ply + 1, depth, -beta, -alpha, type, loop->local_pv);
+}
+
+// The move has been made. Scouts that fail high are searched again at full depth, reduced or not.
+int SearchMove(MoveLoop* loop, const MoveEntry& entry, int new_depth, int reduction) {
+    if (loop->searched == 0 || new_depth <= 1)
+        return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta,
+                           node_opp[static_cast<size_t>(loop->node_type)]);
+    loop->frame->reduction = static_cast<uint8_t>(reduction);
+    const int v = SearchChild(loop, new_depth - reduction - 1, loop->alpha, loop->alpha + 1, NODE_CUT);
+    loop->frame->reduction = 0;
+    if (v <= loop->alpha)
+        return v;
+    if (!entry.captured && !loop->in_check)
+        HistoryInc(loop->thread, entry);
+    return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta, loop->node_type == NODE_PV ? NODE_PV : NODE_ANY);
+}
+
+// Every searched quiet move is rewarded or punished, not only the one that cuts.
+void UpdateHistory(const MoveLoop& loop, const MoveEntry& entry, int v) {
+    if (entry.captured || loop.in_check)
+        return;
+    if (v > loop.alpha)
+        HistoryInc(loop.thread, entry);
+    else
+        HistoryDec(loop.thread, entry);
+}
+
+void RememberCut(const MoveLoop& loop, const MoveEntry& entry) {
+    if (entry.captured)
+        return;
+    Position* pos = loop.pos;
+    UpdateKillers(pos, loop.ply, entry.move, loop.in_check);
+    if (pos->last_move)
+        SetRefutation(pos, entry.move);
+    if (!loop.in_check && pos->ply > 2)
+        SetFollowup(pos, entry.move);
+}
+
+void Store(const MoveLoop& loop, int score, int type) {
+    if (loop.depth >= STORE_DEPTH && loop.best_move)
+        StoreInTTable(loop.pos, loop.ply, loop.depth, score, type, loop.best_move);
+}
+
+int FinishNode(const MoveLoop& loop) {
+    if (loop.searched == 0)
+        return loop.in_check ? loop.ply - 10000 : PBlock.draw_score[static_cast<size_t>(loop.side)].Get();
+    const bool exact = loop.node_type == NODE_PV && loop.best > loop.frame->alpha;
+    Store(loop, loop.best, exact ? BOUND_EXACT : BOUND_UPPER);
+    return loop.best;
+}
+
+}  // namespace
+
+int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, int node_type,
+              Move* pv) {
+    PlyFrame* frame = pos->frames + ply;
+    PvLine local_pv;
+    MoveLoop loop{.pos = pos,
+                  .frame = frame,
+                  .thread = ThreadOf(pos),
+                  .side = side,
+                  .ply = ply,
+                  .depth = depth,
+                  .alpha = alpha,
+                  .beta = beta,
+                  .node_type = node_type,
+                  .in_check = in_check,
+                  .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0,
+                  .local_pv = local_pv.data()};
+    const bool no_flags = in_check || depth < 0;
+    pv[ply] = NO_MOVE;
+    frame->stage = 0;
+
+    while (MoveEntry* entry = GetNextMoveFW(pos, in_check)) {
+        if (!MoveIsLegal(*pos, side, entry->move))
+            continue;
+        entry->flags = 0;
+        const int ext = no_flags ? 0 : Extension(*pos, entry);
+        int reduction = 0;
+        if (DropMove(loop, *entry, ext, &reduction))
+            continue;
+
+        const Move move = entry->move;
+        MakeMove(pos, move);
+        PrefetchTTable(GetFullHash(*pos), pos->stm);
+        const int v = SearchMove(&loop, *entry, depth + ext + frame->ext, reduction);
+        UnmakeMove(pos);
+        if (PBlock.stop)
+            return 0;
+
+        ++loop.searched;
+        UpdateHistory(loop, *entry, v);
+        if (v <= loop.best)
+            continue;
+        loop.best_move = move;
+        pv[ply] = move;
+        pv[ply + 1] = NO_MOVE;
+        if (v >= beta) {
+            RememberCut(loop, *entry);
+            Store(loop, v, BOUND_LOWER);
+            return v;
+        }
+        if (v > loop.alpha) {
+            UpdatePV(pv, loop.local_pv, move, ply);
+            loop.alpha = v;
+        }
+        loop.best = v;
+    }
+    return FinishNode(loop);
+}
+
+}  // namespace vrel

@@ -1,0 +1,118 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "board/exchange.h"
+#include "board/generate.h"
+#include "board/legality.h"
+#include "board/make_move.h"
+#include "board/move_kind.h"
+#include "search/ordering.h"
+#include "search/search.h"
+#include "search/search_report.h"
+#include "search/selectivity.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int CAPTURE_HORIZON = -4;  // below it only PV nodes go on making moves
+constexpr int DELTA_MARGIN = 150;
+
+// Values of frame.stage.
+enum QuietStage : uint16_t { STAGE_START = 0, STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
+
+void PrescoreQU(const Position& pos, MoveEntry* list) {
+    const int last_to = pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE;
+    for (MoveEntry* entry = list; entry->move != END_OF_LIST; ++entry) {
+        int value = (entry->move & PROMOTE_QUEEN) ? 200 : 1;
+        if (entry->captured)
+            value = capture_value[static_cast<size_t>(TypeOf(entry->captured))] - TypeOf(entry->piece);
+        if (ToSquare(entry->move) == last_to)
+            value += 6;
+        entry->sort_value = static_cast<uint8_t>(value);
+    }
+}
+
+void GenerateActive(Position* pos, PlyFrame* frame, int side) {
+    MoveEntry* end = GeneratePawnCaptures(*pos, side, frame->first);
+    end = GeneratePieceCaptures(*pos, side, end);
+    CloseList(pos, GeneratePromotions(*pos, side, false, end));
+    PrescoreQU(*pos, frame->first);
+    frame->stage = STAGE_ACTIVE;
+    frame->current = frame->first;
+}
+
+void GenerateQuietChecks(Position* pos, PlyFrame* frame, int side) {
+    CloseList(pos, GenerateChecks(*pos, side, frame->first));
+    frame->stage = STAGE_CHECKS;
+    frame->current = frame->first;
+}
+
+// The entry at `current`, or null at the end of the stage. Checks come in generation order.
+MoveEntry* GetNextMoveQU(PlyFrame* frame) {
+    MoveEntry* entry = frame->current;
+    if (entry->move == END_OF_LIST)
+        return nullptr;
+    if (frame->stage == STAGE_ACTIVE)
+        PickNextMove(entry);
+    return entry;
+}
+
+// Even with the victim and a margin the move doesn't reach alpha. Pawns about to promote are left alone.
+bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
+    if (TypeOf(entry.piece) == PAWN && RelativeRank(side, ToSquare(entry.move)) >= 6)
+        return false;
+    return eval <= a - (piece_value[static_cast<size_t>(TypeOf(entry.captured))] + DELTA_MARGIN);
+}
+
+// A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
+// anything else must promise enough besides.
+bool WorthTrying(const Position& pos, const MoveEntry& entry, int side, int eval, int a) {
+    const int check = MoveGivesCheck(pos, side, entry);
+    if (check == 2 || EndgamePruneExclusion(pos, entry))
+        return true;
+    if (check == 0 && TooLittleToGain(entry, side, eval, a))
+        return false;
+    return MoveIsSafe(pos, entry);
+}
+
+}  // namespace
+
+int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv) {
+    PlyFrame* frame = pos->frames + ply;
+    const int eval = frame->eval;
+    if (eval >= beta)
+        return eval;
+    int a = std::max(alpha, eval);
+    // Beyond the horizon the best recapture on the last square is credited, and no move is made.
+    if (depth < CAPTURE_HORIZON && node_type != NODE_PV)
+        return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, ToSquare(pos->last_move), Occupied(*pos)));
+
+    const int child_type = node_opp[static_cast<size_t>(node_type)];
+    PvLine local_pv;
+    GenerateActive(pos, frame, side);
+    while (true) {
+        while (MoveEntry* entry = GetNextMoveQU(frame)) {
+            const Move move = entry->move;
+            if (MoveIsLegal(*pos, side, move) && WorthTrying(*pos, *entry, side, eval, a)) {
+                MakeMove(pos, move);
+                const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
+                UnmakeMove(pos);
+                if (v > a) {
+                    pv[ply] = move;
+                    pv[ply + 1] = NO_MOVE;
+                    if (v >= beta)
+                        return v;
+                    UpdatePV(pv, local_pv.data(), move, ply);
+                    a = v;
+                }
+            }
+            ++frame->current;
+        }
+        if (depth < 0 || frame->stage == STAGE_CHECKS)
+            return a;
+        GenerateQuietChecks(pos, frame, side);
+    }
+}
+
+}  // namespace vrel

@@ -1,0 +1,263 @@
+#include "search/root.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+
+#include "board/attacks.h"
+#include "board/exchange.h"
+#include "board/generate.h"
+#include "board/legality.h"
+#include "board/make_move.h"
+#include "board/move_kind.h"
+#include "interface/pblock.h"
+#include "search/search.h"
+#include "search/search_report.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int LOWEST_BOUND = -9999;
+constexpr int HIGHEST_BOUND = 9998;
+constexpr int NO_IMPROVEMENT = -11000;
+constexpr int GAVE_UP = 99;
+constexpr int GIVE_UP_DEPTH = 5;   // deeper iterations are given up by a worker that has been overtaken
+constexpr int LMR_FROM_DEPTH = 7;  // deeper iterations reduce quiet late moves ...
+constexpr int LMR_FROM_MOVE = 5;   // ... behind this many
+constexpr int EASY_FROM_DEPTH = 6;
+constexpr double QUIET_SECONDS = 3.5;  // progress lines start after this time
+
+// The state of one pass over the root list.
+struct RootPass {
+    Position* pos;
+    SearchThread* thread;
+    PlyFrame* frame;
+    int side, depth, first_index;
+    int prev, delta;
+    int n = 0;  // moves searched so far
+    int best = NO_SCORE;
+    bool in_check;
+    bool show_fail;  // worker 1 alone tells of failed windows
+    bool report;
+    bool root_lmr;
+    PvLine local_pv{};
+};
+
+int SearchChild(RootPass* pass, int depth, int lo, int hi, int type) {
+    return -Search(pass->pos, pass->side ^ 1, 2, depth, -hi, -lo, type, pass->local_pv.data());
+}
+
+// For the eyes of the clock: a failed window's score and its move alone. It is taken back when the move is done.
+void NoteFailure(RootPass* pass, Move move, int v, bool show) {
+    SearchThread* thread = pass->thread;
+    thread->pv[1] = move;
+    thread->pv[2] = NO_MOVE;
+    thread->score = static_cast<int16_t>(v);
+    if (show && pass->show_fail)
+        DisplaySearchInfo(thread->id, -1, pass->depth, v, CopyPV(thread->pv).data());
+}
+
+// First move: a window around the last score that widens on the side where it fails. A result that has reached a
+// bound which can't move any further is accepted.
+int AspirationSearch(RootPass* pass, Move move) {
+    int delta = pass->delta;
+    int lo = std::max(pass->prev - delta, LOWEST_BOUND);
+    int hi = std::min(pass->prev + delta, HIGHEST_BOUND);
+    int v = SearchChild(pass, pass->depth - 1, lo, hi, NODE_PV);
+    while (((v <= lo && lo > LOWEST_BOUND) || (v >= hi && hi < HIGHEST_BOUND)) && !PBlock.stop) {
+        NoteFailure(pass, move, v, true);
+        delta *= 2;
+        if (v <= lo)
+            lo -= delta;
+        else
+            hi += delta;
+        if (lo <= -9501)
+            lo = LOWEST_BOUND;
+        if (hi >= 9500)
+            hi = HIGHEST_BOUND;
+        v = SearchChild(pass, pass->depth - 1, lo, hi, NODE_PV);
+    }
+    return v;
+}
+
+// Later moves: a scout above the best score, or up to the published one, whose upper bound widens while it is reached.
+int ScoutSearch(RootPass* pass, Move move, int reduction) {
+    const int lo = pass->best;
+    int hi = std::min(std::max(pass->best, static_cast<int>(PBlock.score)) + 1, HIGHEST_BOUND);
+    int v = SearchChild(pass, pass->depth - reduction - 1, lo, hi, NODE_CUT);
+    int step = 1;
+    while (v >= hi && hi < HIGHEST_BOUND && !PBlock.stop) {
+        NoteFailure(pass, move, v, step > 20);
+        step = step < 25 ? 25 : 2 * step;
+        hi += step;
+        if (hi >= 9499)
+            hi = HIGHEST_BOUND;
+        v = SearchChild(pass, pass->depth - 1, lo, hi, NODE_PV);
+    }
+    return v;
+}
+
+// Quiet late moves lose a ply while nothing is wrong with the best one. Castling counts as a king move.
+int RootReduction(const RootPass& pass, const MoveEntry& entry) {
+    const Position& pos = *pass.pos;
+    if (!pass.root_lmr || pass.n <= LMR_FROM_MOVE || pass.best < std::max(pass.prev - pass.delta, LOWEST_BOUND) ||
+        pass.in_check || pos.npv[static_cast<size_t>(pass.side)] <= 0)
+        return 0;
+    const bool en_passant = TypeOf(entry.piece) == PAWN && ToSquare(entry.move) == pos.ep_square;
+    if (MoveIsCapture(entry) || en_passant || MoveGivesCheck(pos, pass.side, entry) != 0 ||
+        MoveIsPawnPush(pos, pass.side, entry) || MoveIsThreat(pos, entry))
+        return 0;
+    return 1;
+}
+
+// At depth 1 every move gets the full window and thereby an exact value to sort by.
+bool IsSortingPass(const RootPass& pass) { return pass.depth == 1 && PBlock.max_depth > 1; }
+
+int SearchRootMove(RootPass* pass, const MoveEntry& entry, int reduction) {
+    if (IsSortingPass(*pass))
+        return SearchChild(pass, 0, NO_SCORE, -NO_SCORE, NODE_PV);
+    if (pass->n == 0)
+        return AspirationSearch(pass, entry.move);
+    return ScoutSearch(pass, entry.move, reduction);
+}
+
+void ShowProgress(const RootPass& pass, Move move) {
+    if (!pass.report || PBlock.mode != MODE_UCI || PBlock.elapsed <= QUIET_SECONDS)
+        return;
+    if (pass.n == 0)
+        ShowInfo();
+    if (PBlock.multipv == 1 && PBlock.nthreads == 1)
+        UCI_ShowCurrentMove(move, pass.n + 1);
+}
+
+void AcceptMove(RootPass* pass, MoveEntry* head, MoveEntry* entry, int w) {
+    SearchThread* thread = pass->thread;
+    const Move move = entry->move;
+    thread->score = static_cast<int16_t>(w);
+    thread->best_depth = static_cast<int16_t>(pass->depth);
+    PvLine line = CopyPV(thread->pv);
+    UpdatePV(line.data(), pass->local_pv.data(), move, 1);
+    std::copy(line.begin(), line.end(), thread->pv.begin());
+    if (pass->first_index == 0) {
+        thread->iter_score[static_cast<size_t>(pass->depth)] = static_cast<int16_t>(w);
+        NewBestMove(thread);
+    }
+    // To the head of this pass; the order of those it overtakes stays.
+    std::rotate(head, entry, entry + 1);
+    pass->best = w;
+}
+
+// The best move gains far more than the static evaluation showed, wins material by exchange, and all others are far
+// behind: then the clock needn't be used up.
+void EasyMove(RootPass* pass, MoveEntry* list) {
+    Position* pos = pass->pos;
+    const int b = pass->best;
+    if (pass->n == 1) {
+        PBlock.easy = 1;
+        return;
+    }
+    if (b <= pass->frame->eval + 225 || pass->depth <= 11 || PBlock.change_depth > 3)
+        return;
+    if (swapoff1(*pos, pass->side, FromSquare(list->move), ToSquare(list->move), Occupied(*pos)) <= 89)
+        return;
+    const int bound = b - 200;
+    for (MoveEntry* entry = list + 1; entry->move != END_OF_LIST; ++entry) {
+        PickNextMove(entry);
+        pass->frame->current = entry;
+        MakeMove(pos, entry->move);
+        const int v = -Search(pos, pass->side ^ 1, 2, 0, -bound - 1, -bound, NODE_ANY, pass->local_pv.data());
+        UnmakeMove(pos);
+        if (v > bound || PBlock.stop)
+            return;
+    }
+    PBlock.easy = 2;
+}
+
+RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
+    SearchThread* thread = ThreadOf(pos);
+    PlyFrame* frame = pos->frames + 1;
+    frame->node_type = NODE_PV;
+    frame->depth = static_cast<int16_t>(depth);
+    frame->alpha = NO_SCORE;
+    frame->ext = 0;
+    frame->reduction = 0;
+    frame->iid = 0;
+    thread->ext_count = 0;
+    const bool master = thread->id == 1;
+    const int prev = thread->score;
+    return RootPass{.pos = pos,
+                    .thread = thread,
+                    .frame = frame,
+                    .side = side,
+                    .depth = depth,
+                    .first_index = first_index,
+                    .prev = prev,
+                    .delta = AspirationWidth(prev, depth),
+                    .in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1),
+                    .show_fail = PBlock.multipv <= 1 && depth > 3 && master,
+                    .report = first_index == 0 && master,
+                    .root_lmr = depth > LMR_FROM_DEPTH && first_index == 0};
+}
+
+}  // namespace
+
+int AspirationWidth(int score, int depth) { return std::max(4 * (16 - depth), 24) + std::abs(score) / 16; }
+
+uint8_t RootSortValue(int score) {
+    if (score < -1000)
+        return static_cast<uint8_t>(score / 1000 + 12);
+    if (score > 1000)
+        return static_cast<uint8_t>(score / 1000 + 240);
+    if (score == 0)
+        return 120;
+    const int l = static_cast<int>(std::min(15 * std::log(std::abs(score)), 119.0));
+    return static_cast<uint8_t>(score < 0 ? 120 - l : 120 + l);
+}
+
+void SearchRoot(Position* pos, int side, int depth, int first_index) {
+    RootPass pass = BeginPass(pos, side, depth, first_index);
+    SearchThread* thread = pass.thread;
+    MoveEntry* const head = pass.frame->first + first_index;
+
+    for (MoveEntry* entry = head; entry->move != END_OF_LIST; ++entry) {
+        // The tree below the published depth isn't worth finishing.
+        if (depth > GIVE_UP_DEPTH && thread->id > 1 && depth < PBlock.depth) {
+            thread->root_state = GAVE_UP;
+            return;
+        }
+        PickNextMove(entry);
+        const SharedLine saved_pv = thread->pv;
+        const int16_t saved_score = thread->score;
+        thread->root_state = 0;
+        pass.frame->current = entry;
+        ShowProgress(pass, entry->move);
+        entry->sort_value = 0;
+        entry->flags = 0;
+
+        const int reduction = RootReduction(pass, *entry);
+        MakeMove(pos, entry->move);
+        const int v = SearchRootMove(&pass, *entry, reduction);
+        UnmakeMove(pos);
+        thread->root_state = 0;
+        thread->pv = saved_pv;
+        thread->score = saved_score;
+        if (PBlock.stop)
+            return;
+
+        const int w = v > pass.best || IsSortingPass(pass) ? v : NO_IMPROVEMENT - pass.n;
+        ++pass.n;
+        entry->sort_value = RootSortValue(w);
+        if (w > pass.best)
+            AcceptMove(&pass, head, entry, w);
+        if (PBlock.max_nodes && thread->nodes > static_cast<uint64_t>(PBlock.max_nodes)) {
+            PBlock.stop = STOP_TIME;
+            return;
+        }
+    }
+    if (depth > EASY_FROM_DEPTH && pass.report)
+        EasyMove(&pass, head);
+}
+
+}  // namespace vrel

@@ -1,0 +1,187 @@
+#include "search/search_report.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+#include "interface/messages.h"
+#include "interface/move_text.h"
+#include "interface/pblock.h"
+#include "search/search.h"
+#include "search/thread_pool.h"
+#include "search/transposition.h"
+
+namespace vrel {
+
+std::array<uint64_t, STATS> sstats;
+
+namespace {
+
+constexpr int SHOWN_MOVES = 66;
+constexpr int MOVES_A_LINE = 8;
+constexpr int SHORT_LINE = 8;  // moves of a console line while the search runs
+constexpr int LONG_LINE = 32;  // and at the end of an iteration
+
+struct Rates {
+    double milliseconds;
+    double nodes;
+    double nps;
+};
+
+Rates CurrentRates() {
+    const double elapsed = PBlock.elapsed;
+    const auto nodes = static_cast<double>(sstats[STAT_NODES]);
+    return {elapsed * 1000, nodes, elapsed > 0.001 ? nodes / elapsed : 0.0};
+}
+
+std::string LineText(const Move* pv) {
+    std::string text;
+    MoveText move;
+    for (int i = 1; i <= SHOWN_MOVES && pv[i]; ++i) {
+        if (i > 1)
+            text += ' ';
+        text += MoveToStr(pv[i], move.data());
+    }
+    return text;
+}
+
+// The line cut to what a person reads; long ones continue under the first move.
+std::string ConsoleLineText(const Move* pv, int most) {
+    std::string text;
+    MoveText move;
+    for (int i = 1; i <= most && pv[i]; ++i) {
+        if (i > 1)
+            text += (i - 1) % MOVES_A_LINE == 0 ? "\n" + std::string(30, ' ') : " ";
+        text += MoveToStr(pv[i], move.data());
+    }
+    return text;
+}
+
+void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
+    const Rates rates = CurrentRates();
+    const std::string line = LineText(pv);
+    if (uci_extra) {
+        ShowFormatted("info [%02d%c] depth %d time %.0f score cp %d nodes %.0f nps %.0f pv %s", id, mark, depth,
+                      rates.milliseconds, score, rates.nodes, rates.nps, line.c_str());
+        return;
+    }
+    std::string head = "info";
+    if (PBlock.multipv > 1)
+        head += " multipv " + std::to_string(mpv + 1);
+    ShowFormatted("%s depth %d time %.0f score cp %d nodes %.0f nps %.0f pv %s", head.c_str(), depth,
+                  rates.milliseconds, score, rates.nodes, rates.nps, line.c_str());
+}
+
+void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
+    const std::string line = ConsoleLineText(pv, mpv == -1 ? SHORT_LINE : LONG_LINE);
+    ShowFormatted("%02d] %02d%c %5.1f %7.0fK %5d  %s", id, depth, mark, PBlock.elapsed.Get(),
+                  CurrentRates().nodes / 1000, score, line.c_str());
+}
+
+// A mate at least as good as what stands, a deeper line unless a mate stands, or a better line of the same depth.
+bool Qualifies(int score, int depth) {
+    return (score > MATE_BOUND + 1 && score >= PBlock.score) || (depth > PBlock.depth && PBlock.score <= MATE_BOUND) ||
+           (depth == PBlock.depth && score > PBlock.score);
+}
+
+void Publish(const SearchThread& thread, int score, int depth) {
+    const auto d = static_cast<size_t>(depth);
+    if (thread.pv[1] != PBlock.pv[1])
+        PBlock.change_depth = static_cast<int8_t>(depth);
+    PBlock.score = static_cast<int16_t>(score);
+    PBlock.depth = static_cast<int8_t>(depth);
+    PBlock.pv = thread.pv;
+    PBlock.depth_score[d] = static_cast<int16_t>(score);
+    PBlock.depth_move[d] = thread.pv[1];
+}
+
+}  // namespace
+
+void Collect() {
+    sstats = {};
+    for (int i = 0; i <= PBlock.nthreads; ++i) {
+        const SearchThread& thread = *GetThread(i);
+        sstats[STAT_NODES] += thread.nodes;
+        sstats[STAT_EVALS] += thread.evals;
+        sstats[STAT_EVAL_HITS] += thread.eval_hits;
+        sstats[STAT_TT_PROBES] += thread.tt_probes;
+        sstats[STAT_TT_HITS] += thread.tt_hits;
+        sstats[STAT_PAWN_PROBES] += thread.pawn_probes;
+        sstats[STAT_PAWN_HITS] += thread.pawn_hits;
+    }
+}
+
+void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply) {
+    pv[ply] = move;
+    for (int i = ply + 1; i < FRAMES; ++i) {
+        pv[i] = child_pv[i];
+        if (child_pv[i] == NO_MOVE)
+            return;
+    }
+}
+
+PvLine CopyPV(const SharedLine& line) {
+    PvLine copy;
+    for (size_t i = 0; i < copy.size(); ++i)
+        copy[i] = line[i];
+    return copy;
+}
+
+void NewBestMove(SearchThread* thread) {
+    if (thread->id > 1)
+        return;
+    const int score = thread->score;
+    const int depth = thread->best_depth;
+    {
+        const SpinGuard guard(&spinlock1);
+        if (!Qualifies(score, depth))
+            return;
+        Publish(*thread, score, depth);
+    }
+    if (depth > 1 && PBlock.multipv == 1)
+        DisplaySearchInfo(thread->id, -1, depth, score, CopyPV(thread->pv).data());
+}
+
+void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
+    const double noise = PBlock.noise;
+    if ((!PBlock.stop && noise > PBlock.elapsed) || noise == SILENT || depth == 0 || pv[1] == NO_MOVE)
+        return;
+    const char mark = mpv >= 0 ? '.' : ' ';
+    const SpinGuard guard(&spinlock2);
+    Collect();
+    if (PBlock.mode == MODE_UCI)
+        ShowUciLine(id, mark, mpv, depth, score, pv);
+    else
+        ShowConsoleLine(id, mark, mpv, depth, score, pv);
+}
+
+void DisplayPublishedLine() { DisplaySearchInfo(0, 0, PBlock.depth, PBlock.score, CopyPV(PBlock.pv).data()); }
+
+void ShowInfo() {
+    const SpinGuard guard(&spinlock2);
+    Collect();
+    CheckTTable();
+    const Rates rates = CurrentRates();
+    ShowFormatted("info depth %d time %.0f nodes %.0f nps %.0f hashfull %.0f", GetThread(1)->depth.Get(),
+                  rates.milliseconds, rates.nodes, rates.nps, PBlock.hash_fill * 1000);
+}
+
+void UCI_ShowCurrentMove(Move move, int number) {
+    const SpinGuard guard(&spinlock2);
+    ShowFormatted("info currmove %s%s currmovenumber %d", algbr(FromSquare(move)), algbr(ToSquare(move)), number);
+}
+
+double EffectiveBranchingFactor() {
+    const int depth = PBlock.done_depth;
+    if (depth <= 5)
+        return 2.0;
+    const auto& iter_nodes = GetThread(1)->iter_nodes;
+    const auto last = static_cast<double>(iter_nodes[static_cast<size_t>(depth)]);
+    const auto earlier = static_cast<double>(iter_nodes[static_cast<size_t>(depth - 4)]);
+    if (last == 0.0 || earlier == 0.0)
+        return 2.0;
+    return std::sqrt(std::sqrt(last / earlier));
+}
+
+}  // namespace vrel

@@ -1,0 +1,130 @@
+#include "search/thread_pool.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+
+#include "interface/pblock.h"
+#include "platform/clock.h"
+#include "platform/worker_thread.h"
+#include "search/search.h"
+#include "search/search_thread.h"
+
+namespace vrel {
+
+SpinLock spinlock1, spinlock2;
+
+namespace {
+
+std::array<int, MAX_THREADS + 1> thread_id;
+
+// The body of a worker: waits for work until it is told to end.
+void* SearchThreadFunc(void* arg) {
+    const int id = *static_cast<int*>(arg);
+    if (InitNewThread(id) != 0)
+        std::_Exit(0);
+    SearchThread* self = GetThread(id);
+    while (true) {
+        while (self->work_flag.load(std::memory_order_acquire) == WORK_IDLE)
+            SleepMilliseconds(1);
+        if (self->work_flag.load(std::memory_order_acquire) == WORK_END) {
+            // The record may be replaced from here on.
+            self->work_flag.store(WORK_IDLE, std::memory_order_release);
+            return nullptr;
+        }
+        SearchIterations(id);
+        self->work_flag.store(WORK_IDLE, std::memory_order_release);
+    }
+}
+
+void WaitUntilIdle() {
+    while (!WorkersIdle())
+        SleepMilliseconds(1);
+}
+
+// A new search of the slot begins: nothing of the last one is left in what others read.
+void ResetCounters(SearchThread* thread) {
+    thread->depth = 0;
+    thread->best_depth = 0;
+    thread->score = 0;
+    thread->nodes = 0;
+    thread->root_state = 0;
+    thread->evals = 0;
+    thread->eval_hits = 0;
+    thread->tt_probes = 0;
+    thread->tt_hits = 0;
+    thread->pawn_probes = 0;
+    thread->pawn_hits = 0;
+    thread->pv[1] = NO_MOVE;
+    thread->pos.ply = 1;
+}
+
+// The position and its past, so that repetition tests see the game.
+void HandOverPosition(const SearchThread& game, SearchThread* worker) {
+    worker->pos = game.pos;
+    worker->pos.undo = worker->undo.data();
+    worker->pos.frames = worker->frames.data();
+    worker->pos.thread_index = static_cast<uint8_t>(worker->id);
+    const auto records = static_cast<size_t>(game.pos.game_ply) + 1;
+    std::copy_n(game.undo.begin(), std::min(records, game.undo.size()), worker->undo.begin());
+    if (records < worker->undo.size())
+        worker->undo[records].move = NO_MOVE;
+}
+
+}  // namespace
+
+int CreateThreadPool(int n) {
+    for (int i = 1; i <= n; ++i) {
+        FreeThread(i);  // a record of an earlier pool must not be taken for the new one
+        thread_id[static_cast<size_t>(i)] = i;
+    }
+    for (int i = 1; i <= n; ++i) {
+        const int error = StartThread(SearchThreadFunc, &thread_id[static_cast<size_t>(i)]);
+        if (error != 0)
+            return error;
+    }
+    for (int i = 1; i <= n; ++i)
+        while (GetThread(i) == nullptr)
+            SleepMilliseconds(1);
+    return 0;
+}
+
+void KillThreadPool(int n) {
+    PBlock.stop = STOP_POOL;
+    WaitUntilIdle();
+    for (int i = 1; i <= n; ++i)
+        GetThread(i)->work_flag.store(WORK_END, std::memory_order_release);
+    WaitUntilIdle();
+}
+
+bool WorkersIdle() {
+    for (int i = 1; i <= PBlock.nthreads; ++i)
+        if (GetThread(i)->work_flag.load(std::memory_order_acquire) != WORK_IDLE)
+            return false;
+    return true;
+}
+
+void StartWorkers() {
+    for (int i = 1; i <= PBlock.nthreads; ++i)
+        GetThread(i)->work_flag.store(WORK_SEARCH, std::memory_order_release);
+}
+
+int InitLocks() {
+    const int error = spinlock1.Init();
+    return error != 0 ? error : spinlock2.Init();
+}
+
+void DestroyLocks() {
+    spinlock1.Destroy();
+    spinlock2.Destroy();
+}
+
+void PrepareThreads() {
+    const SearchThread& game = *GetThread(0);
+    for (int i = 1; i <= PBlock.nthreads; ++i)
+        HandOverPosition(game, GetThread(i));
+    for (int i = 0; i <= PBlock.nthreads; ++i)
+        ResetCounters(GetThread(i));
+}
+
+}  // namespace vrel

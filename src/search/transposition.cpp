@@ -1,0 +1,215 @@
+#include "search/transposition.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+
+#include "board/keys.h"
+#include "interface/pblock.h"
+#include "platform/memory.h"
+#include "search/search.h"
+#include "search/search_thread.h"
+
+namespace vrel {
+
+TTEntry* hashtable = nullptr;
+uint64_t entries = 0;
+
+namespace {
+
+constexpr int BUCKET = 4;
+constexpr uint64_t SPARE_ENTRIES = 16;
+constexpr uint64_t LOCK_MASK = 0xffffffff00000000ULL;
+constexpr uint64_t DEFAULT_SLOTS = 0x200000;
+
+// Results of a probe that finds nothing, in `depth`.
+constexpr int8_t NOT_THERE = -99;
+constexpr int8_t TORN = -98;
+constexpr int8_t WRONG_MOVE = -97;
+
+// A deeper result of this search is not given up for one that is more than this many plies shallower ...
+constexpr int PROTECTED_MARGIN = 2;
+// ... if it is not much shallower than the iteration.
+constexpr int PROTECTED_BELOW_ITERATION = 6;
+
+// Starts of the halves for white and for black to move, and the slots of each half.
+std::array<TTEntry*, 2> htable;
+uint64_t slots = 0;
+uint64_t block_bytes = 0;
+
+// Entries that were empty when stored into, by thread: each counter has one writer and a cache line of its own.
+struct alignas(64) FillCounter {
+    Relaxed<uint64_t> count;
+};
+std::array<FillCounter, MAX_THREADS + 1> ttcnt;
+
+// In memory the depth stands 50 above its value, so that zeroed pages are empty entries and a new table costs nothing
+// until it is used.
+uint64_t Pack(TTData data) {
+    data.depth = static_cast<int8_t>(data.depth - TT_EMPTY);
+    return std::bit_cast<uint64_t>(data);
+}
+
+TTData Unpack(uint64_t word) {
+    auto data = std::bit_cast<TTData>(word);
+    data.depth = static_cast<int8_t>(data.depth + TT_EMPTY);
+    return data;
+}
+static_assert(sizeof(TTData) == sizeof(uint64_t));
+
+TTData Load(const TTEntry& entry) { return Unpack(entry.data.load(std::memory_order_relaxed)); }
+uint64_t LoadCheck(const TTEntry& entry) { return entry.check.load(std::memory_order_relaxed); }
+
+// Binds move and score to the low half of the key.
+uint64_t CheckWord(const TTData& data, uint64_t key) {
+    return ((static_cast<uint64_t>(data.move) << 16) + static_cast<uint64_t>(data.score + 15000)) ^ key;
+}
+
+bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MASK) == 0; }
+
+// First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
+TTEntry* Bucket(uint64_t key, int stm) {
+    const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
+    return htable[static_cast<size_t>(stm)] + slot;
+}
+
+// An entry that is in use stays young. Only the age changes: should another writer come between, his entry gets the
+// old first word back, which the check word then doesn't fit.
+void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
+    if (data->age == age)
+        return;
+    data->age = age;
+    entry->data.store(Pack(*data), std::memory_order_relaxed);
+}
+
+// One game ply counts as much as 32 plies of depth.
+int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + data.depth; }
+
+bool MoveFits(const Position& pos, Move move) {
+    const uint64_t own = pos.bb[pos.stm][0];
+    return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
+           (!(move & PROMOTION_BITS) || TypeOf(pos.board[static_cast<size_t>(FromSquare(move))]) == PAWN);
+}
+
+void Find(const Position& pos, TTData* result) {
+    const uint64_t key = GetFullHash(pos);
+    TTEntry* entry = Bucket(key, pos.stm);
+    for (int i = 0; i < BUCKET; ++i, ++entry) {
+        const uint64_t check = LoadCheck(*entry);
+        if (!LockMatches(check, key))
+            continue;
+        *result = Load(*entry);
+        Refresh(entry, result, PBlock.tt_age);
+        if (CheckWord(*result, key) != check)
+            result->depth = TORN;
+        else if (result->move && !MoveFits(pos, result->move))
+            result->depth = WRONG_MOVE;
+        return;
+    }
+}
+
+}  // namespace
+
+int InitTTable() {
+    KillTTable();
+    const auto megabytes = static_cast<uint64_t>(PBlock.hash_mb);
+    entries = (megabytes << 20) / sizeof(TTEntry);
+    block_bytes = (entries + SPARE_ENTRIES) * sizeof(TTEntry);
+    hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
+    if (hashtable == nullptr)
+        return -1;
+    slots = entries / 2;
+    htable[WHITE] = hashtable;
+    htable[BLACK] = hashtable + slots + BUCKET;
+    ClearTTable();
+    FillKeyTables();
+    return 0;
+}
+
+void ClearTTable() {
+    if (hashtable != nullptr)
+        ClearPages(hashtable, block_bytes);
+    for (FillCounter& counter : ttcnt)
+        counter.count = 0;
+    PBlock.hash_fill = 0.0;
+    PBlock.tt_age = 0;
+}
+
+void KillTTable() {
+    FreePages(hashtable, block_bytes);
+    hashtable = nullptr;
+    entries = 0;
+    slots = 0;
+}
+
+void CheckTTable() {
+    uint64_t filled = 0;
+    for (const FillCounter& counter : ttcnt)
+        filled += counter.count;
+    PBlock.hash_fill = entries ? static_cast<double>(filled) / static_cast<double>(entries) : 0.0;
+}
+
+void ProbeTTable(Position* pos, TTData* result) {
+    *result = TTData{0, NO_SCORE, 0, NOT_THERE, 0};
+    if (PBlock.use_hash && slots)
+        Find(*pos, result);
+    SearchThread* thread = ThreadOf(pos);
+    thread->tt_probes.Add(1);
+    if (result->depth >= TT_FOUND)
+        thread->tt_hits.Add(1);
+}
+
+void StoreInTTable(Position* pos, int ply, int depth, int score, int type, Move move) {
+    if (!PBlock.use_hash || !slots)
+        return;
+    const uint64_t key = GetFullHash(*pos);
+    const uint16_t age = PBlock.tt_age;
+    TTEntry* entry = Bucket(key, pos->stm);
+    TTEntry* target = entry;
+    TTData old = Load(*entry);
+    for (int i = 0; i < BUCKET; ++i, ++entry) {
+        TTData data = Load(*entry);
+        if (LockMatches(LoadCheck(*entry), key)) {
+            Refresh(entry, &data, age);
+            target = entry;
+            old = data;
+            break;
+        }
+        if (ValueOf(data) < ValueOf(old)) {
+            target = entry;
+            old = data;
+        }
+    }
+    if (old.depth > depth + PROTECTED_MARGIN && old.depth >= PBlock.depth - PROTECTED_BELOW_ITERATION && old.age == age)
+        return;
+    if (old.depth == TT_EMPTY)
+        ttcnt[pos->thread_index].count.Add(1);
+    const TTData data{move, static_cast<int16_t>(CompressScore(score, ply)), static_cast<uint8_t>(type),
+                      static_cast<int8_t>(std::min(depth, 127)), age};
+    target->data.store(Pack(data), std::memory_order_relaxed);
+    target->check.store(CheckWord(data, key), std::memory_order_relaxed);
+}
+
+void PrefetchTTable(uint64_t key, int stm) {
+    if (slots)
+        __builtin_prefetch(Bucket(key, stm));
+}
+
+int CompressScore(int score, int ply) {
+    if (score > MATE_BOUND)
+        return score + ply;
+    if (score < -MATE_BOUND - 1)
+        return score - ply;
+    return score;
+}
+
+int ExpandScore(int score, int ply) {
+    if (score > MATE_BOUND)
+        return score - ply;
+    if (score < -MATE_BOUND - 1)
+        return score + ply;
+    return score;
+}
+
+}  // namespace vrel
