@@ -2,21 +2,6 @@
 
 namespace vrel {
 
-namespace {
-
-// What stands alone between `sq` and each of the sliders, all of which lie on its lines.
-uint64_t LoneBlockers(int sq, uint64_t sliders, uint64_t occ) {
-    uint64_t result = 0;
-    while (sliders) {
-        const uint64_t between = BB_Between(PopLSB(&sliders), sq) & occ;
-        if ((between & (between - 1)) == 0)
-            result |= between;
-    }
-    return result;
-}
-
-}  // namespace
-
 uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ) {
     switch (type) {
         case KNIGHT:

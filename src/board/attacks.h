@@ -50,6 +50,17 @@ inline bool SqAtakd(const Position& pos, int sq, int side) {
 // Members of `set` that a piece of `type` (knight to queen) on `sq` attacks.
 uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ);
 
+// What stands alone between `sq` and each of the sliders, all of which lie on its lines.
+inline uint64_t LoneBlockers(int sq, uint64_t sliders, uint64_t occ) {
+    uint64_t result = 0;
+    while (sliders) {
+        const uint64_t between = BB_Between(PopLSB(&sliders), sq) & occ;
+        if ((between & (between - 1)) == 0)
+            result |= between;
+    }
+    return result;
+}
+
 // Pieces of any colour that stand alone between the king (or the only queen) of `side` and an enemy slider.
 uint64_t PinnedToKing(const Position& pos, int side);
 uint64_t PinnedToQueen(const Position& pos, int side);

@@ -69,6 +69,29 @@ bool MoveIsLegal(const Position& pos, int side, Move move) {
            !AnySees(BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
 }
 
+uint64_t RestrictedMovers(const Position& pos, int side, bool in_check) {
+    if (in_check)
+        return ~0ULL;
+    const auto s = static_cast<size_t>(side);
+    return PinnedToKing(pos, side) | pos.bb[s][KING];
+}
+
+CheckContext MakeCheckContext(const Position& pos, int side) {
+    const auto s = static_cast<size_t>(side);
+    const auto& own = pos.bb[s];
+    const auto ksq = static_cast<size_t>(KingSquare(pos, side ^ 1));
+    const uint64_t occ = Occupied(pos);
+    const uint64_t diagonal = GenAttacksB(static_cast<int>(ksq), occ);
+    const uint64_t straight = GenAttacksR(static_cast<int>(ksq), occ);
+    const uint64_t discoverers =
+        LoneBlockers(static_cast<int>(ksq),
+                     (BB_BishopRays[ksq] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[ksq] & (own[ROOK] | own[QUEEN])),
+                     occ) &
+        own[0];
+    return {{0, BB_PawnRays[s ^ 1][ksq], BB_KnightRays[ksq], diagonal, straight, diagonal | straight, 0, 0},
+            discoverers};
+}
+
 int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry) {
     const int ksq = KingSquare(pos, side ^ 1);
     if (ksq == NO_SQUARE)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
+
 #include "board/position.h"
 
 namespace vrel {
@@ -8,8 +11,37 @@ namespace vrel {
 // doesn't leave or cross an attacked square.
 bool MoveIsLegal(const Position& pos, int side, Move move);
 
+// What a node knows about legality before it looks at a single move: from these squares a move has to be tested, from
+// all others it is legal unless it is en passant. All squares when in check; else the king and the pinned pieces.
+uint64_t RestrictedMovers(const Position& pos, int side, bool in_check);
+
+// The same answer as above with that knowledge.
+inline bool MoveIsLegal(const Position& pos, int side, Move move, uint64_t restricted) {
+    if (move != NO_MOVE && ((restricted >> FromSquare(move)) & 1) == 0 && ToSquare(move) != pos.ep_square)
+        return true;
+    return MoveIsLegal(pos, side, move);
+}
+
 // Asked before the move is made: 0 no check, 1 direct, 2 discovered. A rook's check after castling and a discovery
 // through an en passant victim aren't seen.
 int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry);
+
+// What a node knows about checks before it looks at a single move.
+struct CheckContext {
+    std::array<uint64_t, 8> check_squares;  // by type: where a piece that arrives gives direct check
+    uint64_t discoverers;                   // own pieces alone between an own slider and the enemy king
+};
+
+CheckContext MakeCheckContext(const Position& pos, int side);
+
+// The same answer as above with that knowledge.
+inline int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry, const CheckContext& context) {
+    const int type = (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
+    if ((context.check_squares[static_cast<size_t>(type)] >> ToSquare(entry.move)) & 1)
+        return 1;
+    if (((context.discoverers >> FromSquare(entry.move)) & 1) == 0)
+        return 0;
+    return MoveGivesCheck(pos, side, entry);
+}
 
 }  // namespace vrel

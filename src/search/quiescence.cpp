@@ -67,8 +67,8 @@ bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
 
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
 // anything else must promise enough besides.
-bool WorthTrying(const Position& pos, const MoveEntry& entry, int side, int eval, int a) {
-    const int check = MoveGivesCheck(pos, side, entry);
+bool WorthTrying(const Position& pos, const MoveEntry& entry, const CheckContext& checks, int side, int eval, int a) {
+    const int check = MoveGivesCheck(pos, side, entry, checks);
     if (check == 2 || EndgamePruneExclusion(pos, entry))
         return true;
     if (check == 0 && TooLittleToGain(entry, side, eval, a))
@@ -89,12 +89,14 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, ToSquare(pos->last_move), Occupied(*pos)));
 
     const int child_type = node_opp[static_cast<size_t>(node_type)];
+    const uint64_t restricted = RestrictedMovers(*pos, side, false);
+    const CheckContext checks = MakeCheckContext(*pos, side);
     PvLine local_pv;
     GenerateActive(pos, frame, side);
     while (true) {
         while (MoveEntry* entry = GetNextMoveQU(frame)) {
             const Move move = entry->move;
-            if (MoveIsLegal(*pos, side, move) && WorthTrying(*pos, *entry, side, eval, a)) {
+            if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, checks, side, eval, a)) {
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
                 UnmakeMove(pos);

@@ -36,9 +36,9 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 
 }  // namespace
 
-int Extension(const Position& pos, MoveEntry* entry) {
+int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
     const int side = pos.stm;
-    const int check = MoveGivesCheck(pos, side, *entry);
+    const int check = MoveGivesCheck(pos, side, *entry, checks);
     const bool push7 = TypeOf(entry->piece) == PAWN && RelativeRank(side, ToSquare(entry->move)) == 6;
     int flags = 0;
     if (check)

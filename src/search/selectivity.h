@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board/legality.h"
 #include "board/position.h"
 
 namespace vrel {
@@ -8,7 +9,7 @@ namespace vrel {
 enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8 };
 
 // Fills entry->flags and gives the extension, 0 or 1.
-int Extension(const Position& pos, MoveEntry* entry);
+int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks);
 
 // True to drop the move.
 bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched);
