@@ -91,21 +91,37 @@ MoveEntry* PawnCaptures(const Position& pos, MoveEntry* list) {
     }
 }
 
-template <int Side>
-MoveEntry* PieceCaptures(const Position& pos, MoveEntry* list) {
+// Attack sets of the sliders of one side in the order of their rows, for a caller that needs them twice.
+using SliderSets = std::array<uint64_t, 3 * MAX_ROW>;
+
+// Calls action(square, attack set) for each bishop, then rook, then queen.
+template <int Side, typename Action>
+void ForEachSlider(const Position& pos, uint64_t occ, Action action) {
+    const auto& rows = pos.plist[Side];
+    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
+        action(*sq, GenAttacksB(*sq, occ));
+    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
+        action(*sq, GenAttacksR(*sq, occ));
+    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
+        action(*sq, GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ));
+}
+
+// The same from attack sets at hand.
+template <int Side, typename Action>
+void ForEachSlider(const Position& pos, const uint64_t* sets, Action action) {
+    for (size_t type = BISHOP; type <= QUEEN; ++type)
+        for (const uint8_t* sq = pos.plist[Side][type].data(); *sq != NO_SQUARE; ++sq)
+            action(*sq, *sets++);
+}
+
+template <int Side, typename Sliders>
+MoveEntry* PieceCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
     const uint64_t enemy = pos.bb[Side ^ 1][0];
-    const uint64_t occ = Occupied(pos);
     const auto& rows = pos.plist[Side];
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
         list = AddTargets(list, pos, *sq, BB_KnightRays[*sq] & enemy);
-    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
-        if (BB_BishopRays[*sq] & enemy)
-            list = AddTargets(list, pos, *sq, GenAttacksB(*sq, occ) & enemy);
-    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
-        if (BB_RookRays[*sq] & enemy)
-            list = AddTargets(list, pos, *sq, GenAttacksR(*sq, occ) & enemy);
-    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
-        list = AddTargets(list, pos, *sq, (GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ)) & enemy);
+    ForEachSlider<Side>(pos, sliders,
+                        [&](int sq, uint64_t attacks) { list = AddTargets(list, pos, sq, attacks & enemy); });
     const int king = rows[KING][0];
     return AddTargets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & enemy);
 }
@@ -159,23 +175,30 @@ MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     return list;
 }
 
-template <int Side>
-MoveEntry* NonCaptures(const Position& pos, MoveEntry* list) {
-    const uint64_t occ = Occupied(pos);
-    const uint64_t empty = ~occ;
+template <int Side, typename Sliders>
+MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
+    const uint64_t empty = ~Occupied(pos);
     const auto& rows = pos.plist[Side];
     list = PawnPushes<Side>(pos, list);
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
         list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & empty);
-    for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
-        list = AddQuiets(list, pos, *sq, GenAttacksB(*sq, occ) & empty);
-    for (const uint8_t* sq = rows[ROOK].data(); *sq != NO_SQUARE; ++sq)
-        list = AddQuiets(list, pos, *sq, GenAttacksR(*sq, occ) & empty);
-    for (const uint8_t* sq = rows[QUEEN].data(); *sq != NO_SQUARE; ++sq)
-        list = AddQuiets(list, pos, *sq, (GenAttacksB(*sq, occ) | GenAttacksR(*sq, occ)) & empty);
+    ForEachSlider<Side>(pos, sliders,
+                        [&](int sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & empty); });
     const int king = rows[KING][0];
     list = AddQuiets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & empty);
     return king == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
+}
+
+// Everything, the sliders' attack sets made once.
+template <int Side>
+MoveEntry* AllMoves(const Position& pos, MoveEntry* list) {
+    SliderSets sets;
+    uint64_t* end = sets.data();
+    ForEachSlider<Side>(pos, Occupied(pos), [&](int, uint64_t attacks) { *end++ = attacks; });
+    list = PawnCaptures<Side>(pos, list);
+    list = PieceCaptures<Side>(pos, std::as_const(sets).data(), list);
+    list = Promotions<Side>(pos, true, list);
+    return NonCaptures<Side>(pos, std::as_const(sets).data(), list);
 }
 
 template <int Side>
@@ -214,7 +237,8 @@ MoveEntry* GeneratePawnCaptures(const Position& pos, int side, MoveEntry* list) 
 }
 
 MoveEntry* GeneratePieceCaptures(const Position& pos, int side, MoveEntry* list) {
-    return side == WHITE ? PieceCaptures<WHITE>(pos, list) : PieceCaptures<BLACK>(pos, list);
+    return side == WHITE ? PieceCaptures<WHITE>(pos, Occupied(pos), list)
+                         : PieceCaptures<BLACK>(pos, Occupied(pos), list);
 }
 
 MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry* list) {
@@ -222,7 +246,7 @@ MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry
 }
 
 MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list) {
-    return side == WHITE ? NonCaptures<WHITE>(pos, list) : NonCaptures<BLACK>(pos, list);
+    return side == WHITE ? NonCaptures<WHITE>(pos, Occupied(pos), list) : NonCaptures<BLACK>(pos, Occupied(pos), list);
 }
 
 MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list) {
@@ -236,12 +260,8 @@ void CloseList(Position* pos, MoveEntry* end) {
 }
 
 void GenerateAll(Position* pos) {
-    const int side = pos->stm;
     MoveEntry* list = pos->frames[pos->ply].first;
-    list = GeneratePawnCaptures(*pos, side, list);
-    list = GeneratePieceCaptures(*pos, side, list);
-    list = GeneratePromotions(*pos, side, true, list);
-    CloseList(pos, GenerateNonCaptures(*pos, side, list));
+    CloseList(pos, pos->stm == WHITE ? AllMoves<WHITE>(*pos, list) : AllMoves<BLACK>(*pos, list));
 }
 
 void RemoveIllegalMoves(const Position& pos, MoveEntry* list) {
