@@ -13,7 +13,7 @@ public:
     Relaxed() = default;
     constexpr Relaxed(T value) : value_(value) {}
     Relaxed(const Relaxed& other) : value_(other.Get()) {}
-    Relaxed& operator=(const Relaxed& other) {
+    Relaxed& operator=(const Relaxed& other) {  // NOLINT(cert-oop54-cpp): copying a value onto itself does no harm
         Set(other.Get());
         return *this;
     }
