@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include "eval/eval_records.h"
+
 // Tables that InitEval derives from Personality. Written between searches, read by all threads.
 namespace vrel {
 
@@ -20,6 +22,12 @@ extern std::array<int16_t, 8> PP_ADVANCE;                                     //
 extern std::array<int16_t, 16> KnightMobility, BishopMobility, RookMobility;  // by squares in the mobility area
 extern std::array<int16_t, 32> QueenMobility;
 extern std::array<int16_t, 32> KingDanger;
+
+// The same values as pairs, laid out for the terms: material by type and count, piece-square values by side, type
+// and real square, mobility by type and count.
+extern std::array<std::array<ScorePair, 16>, 6> MaterialPairs;
+extern std::array<std::array<std::array<ScorePair, 64>, 7>, 2> SquarePairs;
+extern std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
 
 // Rebuilds every table above, and leftbit and rightbit, from Personality. Clears no cache.
 void InitEval();

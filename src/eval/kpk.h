@@ -11,4 +11,7 @@ void KPKgen();
 // at if white's signature isn't 0, else the first black one.
 int EvalKPK(const Position& pos, int side);
 
+// The same for the first pawn of `owner`, whatever else is on the board.
+int EvalKPKFor(const Position& pos, int owner, int side);
+
 }  // namespace vrel

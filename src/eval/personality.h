@@ -64,6 +64,12 @@ extern PersonalityRecord DefaultPersonality;
 // Sets Personality to its defaults, margins and reduction tables included, and copies it to DefaultPersonality.
 void InitPersonality();
 
+// Number of weights that the gradient descent of the tuner works on.
+inline constexpr int TUNED_WEIGHTS = 45;
+
+// The weight with that index in the tuner's order, 0 to TUNED_WEIGHTS - 1; null for any other index.
+int16_t* TunedWeight(PersonalityRecord* record, int index);
+
 // The field with a keyword of the console's `tune`, or null. `record` is Personality or a copy of it.
 int16_t* FindWeight(PersonalityRecord* record, const char* name);
 // The selectivity field with a keyword of the console's `set`, or null.

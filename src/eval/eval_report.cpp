@@ -1,0 +1,126 @@
+#include "eval/eval_report.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+#include "board/position.h"
+#include "interface/messages.h"
+#include "interface/pblock.h"
+#include "interface/time_control.h"  // the report is a search of depth 0: it needs its preparation
+#include "search/search.h"           // and its run
+#include "search/search_thread.h"
+
+namespace vrel {
+
+namespace {
+
+// Appends formatted text. A line of the report has far less than 128 characters.
+[[gnu::format(printf, 2, 3)]] void Append(std::string* text, const char* format, ...) {
+    std::array<char, 128> line{};
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(line.data(), line.size(), format, args);
+    va_end(args);
+    *text += line.data();
+}
+
+void AppendSquares(std::string* text, const char* title, uint64_t set) {
+    if (set == 0)
+        return;
+    *text += title;
+    while (set) {
+        const int sq = PopLSB(&set);
+        Append(text, "  %c%c", 'a' + FileOf(sq), '1' + RankOf(sq));
+    }
+    *text += '\n';
+}
+
+// `title` is padded to ten characters.
+void AppendRow(std::string* text, const char* title, const std::array<int16_t, 2>& sums) {
+    Append(text, "%-10s %5d    %5d    %5d", title, sums[WHITE], sums[BLACK], sums[WHITE] - sums[BLACK]);
+}
+
+// The letters of the pieces that `side` has more of than its opponent.
+std::string Surplus(const Position& pos, int side) {
+    constexpr const char* letters = " PNBRQ";
+    std::string text;
+    for (int type = QUEEN; type >= PAWN; --type)
+        for (int n = CountOf(pos, side, type) - CountOf(pos, side ^ 1, type); n > 0; --n)
+            text += letters[type];
+    return text;
+}
+
+void AppendTerms(std::string* text, const Position& pos, const EvalReport& report) {
+    *text += "           white    black     diff\n";
+    AppendRow(text, "mtl=", report.report_mtl);
+    *text += "   (" + Surplus(pos, WHITE) + " :: " + Surplus(pos, BLACK) + ")\n";
+    struct Row {
+        const char* title;
+        const std::array<int16_t, 2>* sums;
+    };
+    const std::array<Row, 8> rows = {{{"pos=", &report.report_pos},
+                                      {"pawns=", &report.report_pawns},
+                                      {"knights=", &report.report_knights},
+                                      {"bishops=", &report.report_bishops},
+                                      {"rooks=", &report.report_rooks},
+                                      {"queens=", &report.report_queens},
+                                      {"kings=", &report.report_kings},
+                                      {"passers=", &report.report_passers}}};
+    for (const Row& row : rows) {
+        AppendRow(text, row.title, *row.sums);
+        *text += '\n';
+    }
+}
+
+char SquareLetter(const Position& pos, int sq) {
+    const int code = pos.board[static_cast<size_t>(sq)];
+    if (code == 0)
+        return ((FileOf(sq) + RankOf(sq)) & 1) == 0 ? '+' : '-';
+    return (SideOf(code) == WHITE ? " PNBRQK " : " onbrqk ")[TypeOf(code)];
+}
+
+// The board, and beside it the share of each piece.
+void AppendBoard(std::string* text, const Position& pos, const EvalReport& report) {
+    for (int rank = 7; rank >= 0; --rank) {
+        for (int sq = rank * 8; sq < rank * 8 + 8; ++sq)
+            Append(text, " %c", SquareLetter(pos, sq));
+        *text += "    ";
+        for (int sq = rank * 8; sq < rank * 8 + 8; ++sq)
+            if (pos.board[static_cast<size_t>(sq)])
+                Append(text, " %4d", report.eval_by_square[static_cast<size_t>(sq)]);
+            else
+                *text += "    -";
+        *text += '\n';
+    }
+}
+
+}  // namespace
+
+void ShowEvalInfo() {
+    PBlock.report = EvalReport{};
+    const int8_t max_depth = PBlock.max_depth;
+    PBlock.max_depth = 0;
+    InitSearch();
+    SearchIterations(1);
+    PBlock.max_depth = max_depth;
+
+    const SearchThread* worker = GetThread(1);
+    const Position& pos = *GamePosition();
+    const EvalReport& report = PBlock.report;
+    std::string text = "\n";
+    Append(&text, "eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", worker->root_eval,
+           static_cast<int>(worker->score), report.report_stage, report.report_draw_adj);
+    AppendSquares(&text, "hung pieces on: ", report.report_hung);
+    AppendSquares(&text, "pinned pieces on :", report.report_pinned);
+    if (report.report_free_rank[WHITE] > 0 || report.report_free_rank[BLACK] > 0)
+        Append(&text, "free pawn ranks are W: %d, B: %d\n", report.report_free_rank[WHITE],
+               report.report_free_rank[BLACK]);
+    AppendTerms(&text, pos, report);
+    AppendBoard(&text, pos, report);
+    text += pos.stm == WHITE ? "white\n" : "black\n";
+    ShowMessage(text.c_str());
+}
+
+}  // namespace vrel

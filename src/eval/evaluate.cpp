@@ -1,0 +1,241 @@
+#include "eval/evaluate.h"
+
+#include <algorithm>
+#include <array>
+
+#include "board/keys.h"
+#include "eval/endings.h"
+#include "eval/eval_tables.h"
+#include "eval/king.h"
+#include "eval/kpk.h"
+#include "eval/passed.h"
+#include "eval/pawns.h"
+#include "eval/pieces.h"
+#include "eval/tactics.h"
+#include "eval/terms.h"
+#include "interface/pblock.h"
+#include "search/search.h"  // exception: the score of a node in check
+
+namespace vrel {
+
+namespace {
+
+// Worth of the move, by stage.
+constexpr std::array<int8_t, 25> tempo_bonus = {9, 9, 9, 8, 8, 8, 7, 7, 7, 6, 6, 6, 6,
+                                                5, 5, 5, 5, 4, 4, 4, 4, 3, 3, 3, 3};
+
+// The report is worker 1's alone: at the root all others write theirs into the void.
+EvalReport* ReportOf(const SearchThread* thread, EvalReport* spare) {
+    return thread->pos.thread_index == 1 ? &PBlock.report : spare;
+}
+
+int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, int side, bool root) {
+    const Position& pos = thread->pos;
+    EvalReport spare;
+    EvalReport* report = root ? ReportOf(thread, &spare) : nullptr;
+    switch (ending) {
+        case Ending::KBNK:
+            return EvalKBNK(pos, side, report);
+        case Ending::MOPUP:
+            return EvalMopup(pos, side, report);
+        case Ending::KPK:
+            return EvalKPK(pos, side);
+        default:
+            frame->eval_draw = 1;
+            return PBlock.draw_score[static_cast<size_t>(side)];
+    }
+}
+
+// Material of one side and what it says about the stage of the game.
+template <int Side>
+[[gnu::always_inline]] inline void EvalMaterial(EvalContext* ctx) {
+    const uint32_t counts = ctx->pos->msig[Side];
+    const uint32_t pawns = counts & 0xf;
+    const uint32_t knights = counts >> 4 & 0xf;
+    const uint32_t bishops = counts >> 8 & 0xf;
+    const uint32_t rooks = counts >> 12 & 0xf;
+    const uint32_t queens = counts >> 16 & 0xf;
+    ctx->material[Side] = MaterialPairs[PAWN][pawns] + MaterialPairs[KNIGHT][knights] + MaterialPairs[BISHOP][bishops] +
+                          MaterialPairs[ROOK][rooks] + MaterialPairs[QUEEN][queens];
+    ctx->weight[Side] = static_cast<int>(knights + bishops + 2 * rooks + 4 * queens);
+}
+
+// The pawn entry of the position, from the cache if it is there. At the root it is computed afresh for the report.
+template <bool Root>
+[[gnu::always_inline]] inline const PawnHashEntry* ProbePawns(SearchThread* thread, int stage, EvalReport* report) {
+    const Position& pos = thread->pos;
+    PawnHashEntry* entry = &thread->pawn_cache[pos.pawn_hash % PAWN_CACHE_SIZE];
+    thread->pawn_probes.Add(1);
+    if constexpr (Root)
+        UpdatePawnHashAtRoot(pos, entry, stage, report);
+    else if (entry->key == pos.pawn_hash) [[likely]]
+        thread->pawn_hits.Add(1);
+    else
+        UpdatePawnHash(pos, entry);
+    return entry;
+}
+
+// In a pawn ending the side whose passed pawn is far enough ahead wins the race.
+[[gnu::always_inline]] inline void EvalPawnRace(EvalContext* ctx) {
+    const int lead = ctx->race_rank[WHITE] - ctx->race_rank[BLACK];
+    if (lead >= 2 && ctx->race_rank[WHITE] >= 4)
+        ctx->score[WHITE] += MakePair(0, 150);
+    if (lead <= -2 && ctx->race_rank[BLACK] >= 4)
+        ctx->score[BLACK] += MakePair(0, 150);
+}
+
+// Pawns that a piece of either colour blocks; worst on the d- and e-file where they shut in a bishop.
+template <int Side>
+[[gnu::always_inline]] inline void EvalBlockedPawns(EvalContext* ctx) {
+    constexpr uint64_t home = Ranks<Side>(2, 2);
+    const uint64_t blocked = ctx->pos->bb[Side][PAWN] & Backward<Side>(ctx->occupied);
+    const int penalty = 2 * CountBits(blocked) + 12 * CountBits(blocked & home & (FILE_A << 3 | FILE_A << 4));
+    ctx->score[Side] -= BothPair(penalty);
+}
+
+// Everything that stands on the board, in the one order that fills the context rightly.
+template <bool Root>
+[[gnu::always_inline]] inline void EvalTerms(EvalContext* ctx) {
+    EvalPassedPawns<WHITE, Root>(ctx);
+    EvalPassedPawns<BLACK, Root>(ctx);
+    EvalPawnRace(ctx);
+    EvalBlockedPawns<WHITE>(ctx);
+    EvalBlockedPawns<BLACK>(ctx);
+
+    StartAttackSets<WHITE>(ctx);
+    StartAttackSets<BLACK>(ctx);
+    StartSquareSets<WHITE>(ctx);
+    StartSquareSets<BLACK>(ctx);
+    EvalPieces<WHITE, KNIGHT, Root>(ctx);
+    EvalPieces<BLACK, KNIGHT, Root>(ctx);
+    EvalPieces<WHITE, BISHOP, Root>(ctx);
+    EvalPieces<BLACK, BISHOP, Root>(ctx);
+    EvalPieces<WHITE, ROOK, Root>(ctx);
+    EvalPieces<BLACK, ROOK, Root>(ctx);
+    EvalPieces<WHITE, QUEEN, Root>(ctx);
+    EvalPieces<BLACK, QUEEN, Root>(ctx);
+
+    EvalKing<WHITE, Root>(ctx);
+    EvalKing<BLACK, Root>(ctx);
+    EvalHungPieces<WHITE>(ctx);
+    EvalHungPieces<BLACK>(ctx);
+    EvalPinnedPieces<WHITE>(ctx);
+    EvalPinnedPieces<BLACK>(ctx);
+
+    // Kings in opposition, the white one below: whoever is to move gives way. The mirror case doesn't count.
+    if (ctx->stage == 24 && ctx->king_sq[BLACK] == ctx->king_sq[WHITE] + 16 && ctx->king_sq[BLACK] != NO_SQUARE)
+        ctx->score[static_cast<size_t>(ctx->side)] -= MakePair(0, 5);
+}
+
+// Blends opening and ending, for the side to move.
+[[gnu::always_inline]] inline int BlendedScore(const EvalContext& ctx) {
+    const int op = OpeningOf(ctx.material[WHITE]) + OpeningOf(ctx.score[WHITE]) - OpeningOf(ctx.material[BLACK]) -
+                   OpeningOf(ctx.score[BLACK]);
+    const int en = EndingOf(ctx.material[WHITE]) + EndingOf(ctx.score[WHITE]) - EndingOf(ctx.material[BLACK]) -
+                   EndingOf(ctx.score[BLACK]);
+    const int score = Blend(op, en, ctx.stage);
+    return (ctx.side == WHITE ? score : -score) + tempo_bonus[static_cast<size_t>(ctx.stage)];
+}
+
+void FinishReport(const EvalContext& ctx, double draw_adj) {
+    EvalReport* report = ctx.report;
+    report->report_stage = static_cast<int16_t>(ctx.stage);
+    for (size_t side = 0; side < 2; ++side) {
+        report->report_mtl[side] = static_cast<int16_t>(Blend(ctx.material[side], ctx.stage));
+        report->report_pos[side] = static_cast<int16_t>(Blend(ctx.score[side], ctx.stage));
+        report->report_free_rank[side] = static_cast<int8_t>(ctx.free_pawn_rank[side]);
+    }
+    report->report_hung = ctx.hung;
+    report->report_pinned = ctx.pinned;
+    report->report_draw_adj = draw_adj;
+}
+
+void StoreEval(const EvalContext& ctx, uint64_t key, int score, PlyFrame* frame, EvalHashEntry* entry) {
+    const auto narrow = static_cast<int16_t>(score);
+    const std::array<int16_t, 2> hung = {static_cast<int16_t>(ctx.hung_value[WHITE]),
+                                         static_cast<int16_t>(ctx.hung_value[BLACK])};
+    frame->eval = narrow;
+    frame->hung_value = hung;
+    frame->free_pawn_rank = {static_cast<int8_t>(ctx.free_pawn_rank[WHITE]),
+                             static_cast<int8_t>(ctx.free_pawn_rank[BLACK])};
+    *entry = {key, narrow, hung, static_cast<uint8_t>(ctx.free_pawn_rank[WHITE] | ctx.free_pawn_rank[BLACK] << 4),
+              static_cast<uint8_t>(ctx.side)};
+}
+
+void RecallEval(const EvalHashEntry& entry, PlyFrame* frame) {
+    frame->eval = entry.score;
+    frame->hung_value = entry.hung_value;
+    frame->free_pawn_rank = {static_cast<int8_t>(entry.free_pawn_ranks & 0xf),
+                             static_cast<int8_t>(entry.free_pawn_ranks >> 4)};
+}
+
+// A position of the ordinary kind that isn't in the cache.
+template <bool Root>
+int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalHashEntry* entry) {
+    const Position& pos = thread->pos;
+    EvalContext ctx;
+    [[maybe_unused]] EvalReport spare;
+    ctx.pos = &pos;
+    ctx.report = nullptr;
+    if constexpr (Root)
+        ctx.report = ReportOf(thread, &spare);
+    ctx.side = side;
+    ctx.king_sq = {KingSquare(pos, WHITE), KingSquare(pos, BLACK)};
+    ctx.occupied = Occupied(pos);
+    EvalMaterial<WHITE>(&ctx);
+    EvalMaterial<BLACK>(&ctx);
+    ctx.stage = std::max(24 - ctx.weight[WHITE] - ctx.weight[BLACK], 0);
+    ctx.pawn = ProbePawns<Root>(thread, ctx.stage, ctx.report);
+    ctx.score = ctx.pawn->score;
+    ctx.race_rank = {0, 0};
+    ctx.free_pawn_rank = {0, 0};
+    ctx.hung_value = {0, 0};
+    ctx.hung = 0;
+    ctx.pinned = 0;
+
+    EvalTerms<Root>(&ctx);
+
+    const int blended = BlendedScore(ctx);
+    const double draw_adj = ScaleFactor(pos, side, blended, ctx.pawn->passed);
+    const int score = draw_adj == 1.0 ? blended : static_cast<int>(blended * draw_adj);  // truncates towards zero
+    StoreEval(ctx, key, score, frame, entry);
+    if constexpr (Root)
+        FinishReport(ctx, draw_adj);
+    return score;
+}
+
+}  // namespace
+
+int Evaluate(SearchThread* thread, int side, int ply, bool in_check) {
+    const Position& pos = thread->pos;
+    PlyFrame* frame = &thread->frames[static_cast<size_t>(ply)];
+    const bool root = ply <= 1;
+    frame->hung_value = {0, 0};
+    frame->free_pawn_rank = {0, 0};
+    frame->eval_draw = 0;
+    if (in_check) {
+        frame->eval = NO_SCORE;
+        return NO_SCORE;
+    }
+    thread->evals.Add(1);
+
+    const Ending ending = ClassifyEnding(pos.msig[WHITE], pos.msig[BLACK]);
+    if (ending != Ending::ORDINARY) [[unlikely]] {
+        const int score = EvalSpecialEnding(thread, frame, ending, side, root);
+        frame->eval = static_cast<int16_t>(score);
+        return score;
+    }
+
+    const uint64_t key = GetFullHash(pos);
+    EvalHashEntry* entry = &thread->eval_cache[key % EVAL_CACHE_SIZE];
+    if (root)
+        return Compute<true>(thread, side, frame, key, entry);
+    if (entry->key == key && entry->side == side) {
+        thread->eval_hits.Add(1);
+        RecallEval(*entry, frame);
+        return entry->score;
+    }
+    return Compute<false>(thread, side, frame, key, entry);
+}
+
+}  // namespace vrel

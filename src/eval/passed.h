@@ -1,0 +1,124 @@
+#pragma once
+
+#include <algorithm>
+
+#include "board/attacks.h"
+#include "eval/eval_tables.h"
+#include "eval/terms.h"
+
+// Passed pawns. They are scored at every evaluation, before the attack sets exist: the path of a pawn is tested square
+// by square.
+namespace vrel {
+
+// True if a piece of the side attacks `sq`, seen over `occupied`.
+template <int Side>
+[[gnu::always_inline]] inline bool Attacks(const Position& pos, int sq, uint64_t occupied) {
+    const auto& own = pos.bb[Side];
+    const auto n = static_cast<size_t>(sq);
+    if ((BB_PawnRays[Side ^ 1][n] & own[PAWN]) | (BB_KnightRays[n] & own[KNIGHT]) | (BB_KingRays[n] & own[KING]))
+        return true;
+    uint64_t sliders = (BB_BishopRays[n] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[n] & (own[ROOK] | own[QUEEN]));
+    while (sliders)
+        if ((BB_Between(PopLSB(&sliders), sq) & occupied) == 0)
+            return true;
+    return false;
+}
+
+// The rank that a pawn on `rank` gets to on its own: up to the first square that is occupied, or attacked by the enemy
+// alone. The pawn itself is lifted from the board, so that rooks behind it reach the squares ahead.
+template <int Side>
+[[gnu::always_inline]] inline int FreePath(const Position& pos, uint64_t occupied, int sq, int rank) {
+    const uint64_t lifted = occupied & ~Bit(sq);
+    int reach = rank;
+    for (int next = sq + pawn_dir[Side]; reach < 7; next += pawn_dir[Side], ++reach) {
+        if (lifted & Bit(next))
+            break;
+        if (Attacks<Side ^ 1>(pos, next, lifted) && !Attacks<Side>(pos, next, lifted))
+            break;
+    }
+    return reach;
+}
+
+template <int Side, bool Root>
+[[gnu::always_inline]] inline void EvalPassedPawn(EvalContext* ctx, int sq) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const auto n = static_cast<size_t>(sq);
+    const int rank = RelativeRank(Side, sq);
+    // A pawn on the last rank, which only a set-up board can have, has nowhere to go.
+    if (rank == 7) [[unlikely]]
+        return;
+    const uint64_t own_pawns = pos.bb[Side][PAWN];
+    const uint64_t path = Side == WHITE ? BB_RayN[n] : BB_RayS[n];
+
+    // The rear pawn of a doubled passer has to wait.
+    if (path & own_pawns) {
+        ctx->score[Side] += BothPair(PP_ADVANCE[static_cast<size_t>(rank)] / 3);
+        return;
+    }
+
+    const int front = sq + pawn_dir[Side];
+    const int promo = Side == WHITE ? 56 + FileOf(sq) : FileOf(sq);
+    const int to_move = ctx->side == Side ? 1 : 0;
+    const int own_king = ctx->king_sq[Side];
+    const int enemy_king = ctx->king_sq[Enemy];
+    const int do_front = distance(own_king, front);
+    const int de_front = distance(enemy_king, front);
+    const int moves = 8 - rank - to_move;
+    const bool outrun = moves < distance(enemy_king, promo);
+    const bool escort =
+        rank >= 4 && FileOf(sq) != 0 && FileOf(sq) != 7 && do_front <= 1 && distance(own_king, promo) <= 1;
+
+    const int reach = FreePath<Side>(pos, ctx->occupied, sq, rank);
+    bool free = reach == 7;
+    const int value = PP_ADVANCE[static_cast<size_t>(rank)];
+    const int next_value = PP_ADVANCE[static_cast<size_t>(rank + 1)];
+    int base = value;
+    if (rank == 6 && !free) {
+        // On the seventh a capture is as good as a free path.
+        if (BB_PawnRays[Side][n] & pos.bb[Enemy][0]) {
+            base += next_value / 4;
+            free = true;
+        }
+    } else if (reach > rank) {
+        base += next_value / 4;
+    }
+
+    int v = base;
+    if (free) {
+        v += base / 4 + 4;
+        ctx->free_pawn_rank[Side] = std::max(ctx->free_pawn_rank[Side], rank);
+    }
+    if (ctx->occupied & Bit(front))
+        v -= base / 8;
+    // A neighbour beside it supports its advance, one behind only the pawn as it stands.
+    if (own_pawns & BB_AdjacentSquares[n])
+        v += base / 4;
+    else if (own_pawns & BB_PawnRays[Enemy][n])
+        v += base / 8;
+    v += (32 * de_front - 22 * do_front) * base / 256;
+    if (outrun)
+        v += base / 4;
+    if (escort)
+        v += base / 4;
+
+    // Without pieces a pawn that nobody stops decides the game: the race is judged later.
+    if (ctx->stage == 24 && (escort || outrun)) {
+        v += base / 2;
+        const int t = rank + to_move + (rank == 1 ? 1 : 0) - (free ? 0 : 1);
+        ctx->race_rank[Side] = std::max(ctx->race_rank[Side], t);
+    }
+
+    const int op = v * 165 / 256;
+    ctx->score[Side] += MakePair(op, v);
+    if constexpr (Root)
+        ReportPawn(ctx->report, &ctx->report->report_passers, Side, sq, Blend(op, v, ctx->stage));
+}
+
+template <int Side, bool Root>
+[[gnu::always_inline]] inline void EvalPassedPawns(EvalContext* ctx) {
+    for (uint64_t left = ctx->pawn->passed & ctx->pos->bb[Side][PAWN]; left;)
+        EvalPassedPawn<Side, Root>(ctx, PopLSB(&left));
+}
+
+}  // namespace vrel

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "board/position.h"
+#include "eval/eval_records.h"
+
+namespace vrel {
+
+// Computes the pawn entry of a position. At the root each pawn's share goes into the report, which needs the stage.
+void UpdatePawnHash(const Position& pos, PawnHashEntry* entry);
+void UpdatePawnHashAtRoot(const Position& pos, PawnHashEntry* entry, int stage, EvalReport* report);
+
+}  // namespace vrel

@@ -1,0 +1,226 @@
+#pragma once
+
+#include <algorithm>
+
+#include "board/attacks.h"
+#include "eval/eval_tables.h"
+#include "eval/personality.h"
+#include "eval/terms.h"
+
+// The attack sets that all terms share, and the terms of knights, bishops, rooks and queens.
+namespace vrel {
+
+// The box around a king by its square: nine squares in the middle, the king being moved off the rim first.
+constexpr SquareTable MakeKingZones() {
+    SquareTable zones{};
+    for (int sq = 0; sq < 64; ++sq) {
+        const int file = std::clamp(FileOf(sq), 1, 6);
+        const int rank = std::clamp(RankOf(sq), 1, 6);
+        const uint64_t row = 7ULL << (file - 1);
+        zones[static_cast<size_t>(sq)] = (row | row << 8 | row << 16) << (8 * (rank - 1));
+    }
+    return zones;
+}
+inline constexpr SquareTable kKingZones = MakeKingZones();
+
+// The file of a king and the files beside it.
+constexpr SquareTable MakeKingFiles() {
+    SquareTable files{};
+    for (int sq = 0; sq < 64; ++sq) {
+        const uint64_t file = FILE_A << FileOf(sq);
+        files[static_cast<size_t>(sq)] = file | (file & ~FILE_A) >> 1 | (file & ~FILE_H) << 1;
+    }
+    return files;
+}
+inline constexpr SquareTable kKingFiles = MakeKingFiles();
+
+// Per rook square: where an own pawn or king shuts a rook of an outer file in, on its rank towards the centre.
+// BBTF.
+constexpr SquareTable MakeTrappers() {
+    SquareTable squares{};
+    for (int sq = 0; sq < 64; ++sq) {
+        const int file = FileOf(sq);
+        const int row = file == 0 ? 0x06 : file == 1 ? 0x04 : file == 6 ? 0x20 : file == 7 ? 0x60 : 0;
+        squares[static_cast<size_t>(sq)] = static_cast<uint64_t>(row) << (8 * RankOf(sq));
+    }
+    return squares;
+}
+inline constexpr SquareTable BBTF = MakeTrappers();
+
+// Sets of the board of one side that need nothing but pawns and kings.
+template <int Side>
+[[gnu::always_inline]] inline void StartAttackSets(EvalContext* ctx) {
+    const Position& pos = *ctx->pos;
+    const uint64_t king = BB_KingRays[static_cast<size_t>(ctx->king_sq[Side])];
+    const uint64_t pawns = Sideways(Forward<Side>(pos.bb[Side][PAWN]));
+    ctx->attacks[PAWN][Side] = pawns;
+    ctx->attacks[KING][Side] = king;
+    ctx->attacks[0][Side] = pawns | king;
+    ctx->double_attacks[Side] = pawns & king;
+    for (int type = KNIGHT; type <= QUEEN; ++type)
+        ctx->attacks[static_cast<size_t>(type)][Side] = 0;
+}
+
+// The squares of the terms; the attacks of both sides' pawns are known.
+template <int Side>
+[[gnu::always_inline]] inline void StartSquareSets(EvalContext* ctx) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const int king = ctx->king_sq[Side];
+    const auto n = static_cast<size_t>(king);
+    ctx->mobility_area[Side] = ~(pos.bb[Side][0] | ctx->attacks[PAWN][Enemy]);
+    const uint64_t enemy_area = ~(pos.bb[Enemy][0] | ctx->attacks[PAWN][Side]);
+    ctx->king_zone[Side] = kKingZones[n];
+    ctx->king_lines[Side] = kKingFiles[n] & ~ctx->pawn->shut_ground[Side];
+    ctx->knight_checks[Side] = BB_KnightRays[n] & enemy_area;
+    ctx->bishop_checks[Side] = GenAttacksB(king, ctx->occupied) & enemy_area;
+    ctx->rook_checks[Side] = GenAttacksR(king, ctx->occupied) & enemy_area;
+    ctx->outpost[Side] = Ranks<Side>(4, 7) & ~(FILE_A | FILE_H) & ~ctx->pawn->attack_span[Enemy];
+    ctx->rank7_target[Side] =
+        ((pos.bb[Enemy][PAWN] & Ranks<Enemy>(2, 2)) | (pos.bb[Enemy][KING] & Ranks<Enemy>(1, 1))) != 0;
+    ctx->king_attackers[Side] = CountBits(Forward<Side>(kKingZones[n]) & pos.bb[Enemy][PAWN]);
+}
+
+// Joins the attacks of one more piece. `seen` may reach beyond them: it counts for squares attacked twice.
+template <int Side, int Type>
+[[gnu::always_inline]] inline void JoinAttacks(EvalContext* ctx, uint64_t attacks, uint64_t seen) {
+    ctx->double_attacks[Side] |= seen & ctx->attacks[0][Side];
+    ctx->attacks[0][Side] |= attacks;
+    ctx->attacks[Type][Side] |= attacks;
+}
+
+template <int Side>
+[[gnu::always_inline]] inline ScorePair EvalKnight(EvalContext* ctx, int sq) {
+    constexpr int Enemy = Side ^ 1;
+    const uint64_t bit = Bit(sq);
+    const uint64_t attacks = BB_KnightRays[static_cast<size_t>(sq)];
+    JoinAttacks<Side, KNIGHT>(ctx, attacks, attacks);
+    ScorePair score = MobilityPairs[KNIGHT][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
+                      SquarePairs[Side][KNIGHT][static_cast<size_t>(sq)];
+    if (attacks & ctx->king_zone[Enemy]) {
+        ctx->king_attackers[Enemy] += 2;
+        score += BothPair(8);
+    } else if (attacks & ctx->knight_checks[Enemy]) {
+        ctx->king_attackers[Enemy] += 1;
+    }
+    if (bit & ctx->outpost[Side]) {
+        score += MakePair(Personality.knight_outpost, 0);
+        if (bit & ctx->attacks[PAWN][Side])
+            score += MakePair(5, 0);
+    }
+    if (attacks & ctx->outpost[Side])
+        score += MakePair(Personality.knight_outpost / 2, 0);
+    return score;
+}
+
+// Squares where a bishop that has gone pawn hunting gets shut in: a7, h7, b8, g8, for black a2, h2, b1, g1.
+template <int Side>
+constexpr uint64_t kBishopTraps = (Ranks<Side>(7, 7) & (FILE_A | FILE_H)) |
+                                  (Ranks<Side>(8, 8) & (FILE_A << 1 | FILE_A << 6));
+
+template <int Side>
+[[gnu::always_inline]] inline ScorePair EvalBishop(EvalContext* ctx, int sq) {
+    constexpr int Enemy = Side ^ 1;
+    // A bishop sees through its own queen.
+    const uint64_t attacks = GenAttacksB(sq, ctx->occupied & ~ctx->pos->bb[Side][QUEEN]);
+    JoinAttacks<Side, BISHOP>(ctx, attacks, attacks);
+    ScorePair score = MobilityPairs[BISHOP][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
+                      SquarePairs[Side][BISHOP][static_cast<size_t>(sq)] +
+                      BothPair(4) * static_cast<ScorePair>(CountBits(attacks & kCentralSquares));
+    if (attacks & ctx->king_zone[Enemy]) {
+        ctx->king_attackers[Enemy] += 2;
+        score += BothPair(4);
+    } else if (attacks & ctx->bishop_checks[Enemy]) {
+        ctx->king_attackers[Enemy] += 1;
+    }
+    if ((Bit(sq) & kBishopTraps<Side>)&&(attacks & kInnerBoard & ~ctx->attacks[PAWN][Enemy]) == 0) [[unlikely]]
+        score += BothPair(Personality.bishop_trapped);
+    return score;
+}
+
+template <int Side>
+[[gnu::always_inline]] inline ScorePair EvalRook(EvalContext* ctx, int sq) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const int file = FileOf(sq);
+    // A rook sees through its own rooks and queens.
+    const uint64_t attacks = GenAttacksR(sq, ctx->occupied & ~(pos.bb[Side][ROOK] | pos.bb[Side][QUEEN]));
+    JoinAttacks<Side, ROOK>(ctx, attacks, attacks);
+    const int moves = CountBits(attacks & ctx->mobility_area[Side]);
+    const int beyond = CountBits(attacks & (FILE_A << file) & BBHB[Enemy]);
+    ScorePair score = MobilityPairs[ROOK][static_cast<size_t>(moves)] +
+                      SquarePairs[Side][ROOK][static_cast<size_t>(sq)] +
+                      BothPair(4) * static_cast<ScorePair>(std::min(beyond, 2));
+    if (attacks & ctx->king_zone[Enemy]) {
+        ctx->king_attackers[Enemy] += 3;
+        score += BothPair(4);
+    } else if (attacks & (ctx->king_lines[Enemy] | ctx->rook_checks[Enemy])) {
+        ctx->king_attackers[Enemy] += 1;
+    }
+    if ((ctx->pawn->pawn_files[Side] >> file & 1) == 0) {
+        const bool half_open = ctx->pawn->pawn_files[Enemy] >> file & 1;
+        score += BothPair(half_open ? Personality.rook_half_open_file : Personality.rook_open_file);
+    } else if (moves <= 4 && (BBTF[static_cast<size_t>(sq)] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
+        score += MakePair(Personality.rook_trapped, 0);
+    }
+    if (RelativeRank(Side, sq) == 6 && ctx->rank7_target[Side])
+        score += BothPair(Personality.rook_rank7);
+    return score;
+}
+
+template <int Side>
+[[gnu::always_inline]] inline ScorePair EvalQueen(EvalContext* ctx, int sq) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const uint64_t diagonal = GenAttacksB(sq, ctx->occupied);
+    const uint64_t straight = GenAttacksR(sq, ctx->occupied);
+    const uint64_t attacks = diagonal | straight;
+    // Through own bishops and rooks that move alike it backs up their attacks.
+    uint64_t seen = attacks;
+    if (diagonal & pos.bb[Side][BISHOP])
+        seen |= GenAttacksB(sq, ctx->occupied & ~pos.bb[Side][BISHOP]);
+    if (straight & pos.bb[Side][ROOK])
+        seen |= GenAttacksR(sq, ctx->occupied & ~pos.bb[Side][ROOK]);
+    JoinAttacks<Side, QUEEN>(ctx, attacks, seen);
+    ScorePair score = MobilityPairs[QUEEN][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
+                      SquarePairs[Side][QUEEN][static_cast<size_t>(sq)];
+    if (attacks & ctx->king_zone[Enemy])
+        ctx->king_attackers[Enemy] += 3;
+    else if (seen & ctx->king_zone[Enemy])
+        ctx->king_attackers[Enemy] += 2;
+    else if (attacks & (ctx->king_lines[Enemy] | ctx->bishop_checks[Enemy] | ctx->rook_checks[Enemy]))
+        ctx->king_attackers[Enemy] += 1;
+    if (RelativeRank(Side, sq) == 6 && ctx->rank7_target[Side])
+        score += BothPair(Personality.queen_rank7);
+    return score;
+}
+
+// All pieces of one side and type. The order of the list matters for queens: see JoinAttacks.
+template <int Side, int Type, bool Root>
+[[gnu::always_inline]] inline void EvalPieces(EvalContext* ctx) {
+    ScorePair sum = 0;
+    for (const uint8_t* entry = ctx->pos->plist[Side][Type].data(); *entry != NO_SQUARE; ++entry) {
+        const int sq = *entry;
+        ScorePair score;
+        if constexpr (Type == KNIGHT)
+            score = EvalKnight<Side>(ctx, sq);
+        else if constexpr (Type == BISHOP)
+            score = EvalBishop<Side>(ctx, sq);
+        else if constexpr (Type == ROOK)
+            score = EvalRook<Side>(ctx, sq);
+        else
+            score = EvalQueen<Side>(ctx, sq);
+        sum += score;
+        if constexpr (Root) {
+            EvalReport* report = ctx->report;
+            auto* sums = Type == KNIGHT   ? &report->report_knights
+                         : Type == BISHOP ? &report->report_bishops
+                         : Type == ROOK   ? &report->report_rooks
+                                          : &report->report_queens;
+            ReportPiece(report, sums, Side, sq, Blend(score, ctx->stage));
+        }
+    }
+    ctx->score[Side] += sum;
+}
+
+}  // namespace vrel

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "board/exchange.h"
+#include "eval/personality.h"
+#include "eval/terms.h"
+
+// The two tactical terms: hung pieces and pinned pieces. The attack sets are complete.
+namespace vrel {
+
+// Pieces of the side that stand to be lost. Their values go to the search.
+template <int Side>
+[[gnu::always_inline]] inline void EvalHungPieces(EvalContext* ctx) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const auto& own = pos.bb[Side];
+    const uint64_t attacked = own[0] & ctx->attacks[0][Enemy];
+    if (attacked == 0)
+        return;
+
+    // Attackers of less value than the piece win it even if it is covered.
+    const uint64_t pawns = ctx->attacks[PAWN][Enemy];
+    const uint64_t minors = pawns | ctx->attacks[KNIGHT][Enemy] | ctx->attacks[BISHOP][Enemy];
+    const uint64_t rooks = minors | ctx->attacks[ROOK][Enemy];
+    uint64_t hung = (attacked & ~ctx->attacks[0][Side]) | ((own[KNIGHT] | own[BISHOP]) & pawns) | (own[ROOK] & minors) |
+                    (own[QUEEN] & rooks);
+    // Pawns that attack each other are left to the search, covered or not.
+    hung &= ~(own[PAWN] & pawns);
+    if (hung == 0)
+        return;
+
+    const ScorePair factor = static_cast<ScorePair>(2 * CountBits(hung) - 1);
+    ctx->score[Side] += factor * BothPair(Personality.hung);
+    ctx->hung |= hung;
+    do {
+        const int code = pos.board[static_cast<size_t>(PopLSB(&hung))];
+        ctx->hung_value[Side] += piece_value[static_cast<size_t>(TypeOf(code))];
+    } while (hung);
+}
+
+// Everything that stands alone between `sq` and a slider of `sliders`, which are on lines of `sq`.
+[[gnu::always_inline]] inline uint64_t LoneBlockers(uint64_t sliders, int sq, uint64_t occupied) {
+    uint64_t found = 0;
+    while (sliders) {
+        const uint64_t between = BB_Between(PopLSB(&sliders), sq) & occupied;
+        if ((between & (between - 1)) == 0)
+            found |= between;
+    }
+    return found;
+}
+
+// Pieces of the side that are pinned to its king, or to its queen if it has exactly one. A queen doesn't pin to a
+// queen, and pawns don't count.
+template <int Side>
+[[gnu::always_inline]] inline void EvalPinnedPieces(EvalContext* ctx) {
+    constexpr int Enemy = Side ^ 1;
+    const Position& pos = *ctx->pos;
+    const auto& enemy = pos.bb[Enemy];
+    const int king = ctx->king_sq[Side];
+    const auto k = static_cast<size_t>(king);
+    uint64_t pinned = LoneBlockers(
+        (BB_BishopRays[k] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[k] & (enemy[ROOK] | enemy[QUEEN])), king,
+        ctx->occupied);
+    if ((pos.msig[Side] & 0xf0000) == 0x10000) {
+        const int queen = pos.plist[Side][QUEEN][0];
+        const auto q = static_cast<size_t>(queen);
+        pinned |=
+            LoneBlockers((BB_BishopRays[q] & enemy[BISHOP]) | (BB_RookRays[q] & enemy[ROOK]), queen, ctx->occupied);
+    }
+    pinned &= pos.bb[Side][0] & ~pos.bb[Side][PAWN];
+    ctx->pinned |= pinned;
+    ctx->score[Side] += static_cast<ScorePair>(CountBits(pinned)) * BothPair(Personality.pinned);
+}
+
+}  // namespace vrel
