@@ -2,8 +2,6 @@
 
 #include <sys/mman.h>
 
-#include <cstring>
-
 namespace vrel {
 
 namespace {
@@ -25,11 +23,6 @@ void* AllocatePages(size_t bytes) {
 void FreePages(void* memory, size_t bytes) {
     if (memory != nullptr)
         munmap(memory, bytes);
-}
-
-void ClearPages(void* memory, size_t bytes) {
-    if (madvise(memory, bytes, MADV_DONTNEED) != 0)
-        std::memset(memory, 0, bytes);
 }
 
 }  // namespace vrel

@@ -10,7 +10,4 @@ void* AllocatePages(size_t bytes);
 // Gives back what AllocatePages gave, with the same size; null is fine.
 void FreePages(void* memory, size_t bytes);
 
-// Makes a whole block of AllocatePages zero again and hands its memory back to the system.
-void ClearPages(void* memory, size_t bytes);
-
 }  // namespace vrel

@@ -1,6 +1,9 @@
 #include "search/ordering.h"
 
+#include <emmintrin.h>
+
 #include <cstddef>
+#include <utility>
 
 #include "board/generate.h"
 #include "board/keys.h"
@@ -47,17 +50,14 @@ size_t RefutationIndex(const Position& pos) {
     return static_cast<size_t>((to << 4) + pos.board[static_cast<size_t>(to)]);
 }
 
-void VoidEntry(MoveEntry* entry) {
-    entry->move = NO_MOVE;
-    entry->sort_value = 0;
-}
-
-void PrescoreActive(const Position& pos, MoveEntry* list) {
-    const Move hash_move = pos.frames[pos.ply].hash_move;
-    const int last_to = LastTo(pos);
-    for (MoveEntry* entry = list; entry->move != END_OF_LIST; ++entry) {
+void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
+    const Move hash_move = pos->frames[pos->ply].hash_move;
+    const int last_to = LastTo(*pos);
+    uint8_t* order = OrderOf(ThreadOf(pos), list);
+    for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
         if (entry->move == hash_move) {
-            VoidEntry(entry);
+            entry->move = NO_MOVE;
+            *order = 0;
             continue;
         }
         int value = OTHER_ACTIVE;
@@ -67,20 +67,22 @@ void PrescoreActive(const Position& pos, MoveEntry* list) {
             value = QUEEN_PROMOTION;
         if (ToSquare(entry->move) == last_to)
             value += RECAPTURE_BONUS;
-        entry->sort_value = static_cast<uint8_t>(value);
+        *order = static_cast<uint8_t>(value);
     }
 }
 
-void PrescoreQuiet(Position* pos, MoveEntry* list) {
+void PrescoreQuiet(Position* pos, MoveEntry* list, const MoveEntry* end) {
     SearchThread* thread = ThreadOf(pos);
     const PlyFrame& frame = pos->frames[pos->ply];
     const Move refutation = GetRefutation(*pos);
     const Move followup = GetFollowup(*pos);
-    for (MoveEntry* entry = list; entry->move != END_OF_LIST; ++entry) {
+    uint8_t* order = OrderOf(thread, list);
+    for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
         const Move move = entry->move;
         const int history = HistoryOf(thread, *entry) / 128;
         if (move == frame.hash_move) {
-            VoidEntry(entry);
+            entry->move = NO_MOVE;
+            *order = 0;
             continue;
         }
         int value = history + 1;
@@ -90,19 +92,22 @@ void PrescoreQuiet(Position* pos, MoveEntry* list) {
             value = history / 2 + 61;
         else if (move == followup)
             value = history / 2 + 41;
-        entry->sort_value = static_cast<uint8_t>(value);
+        *order = static_cast<uint8_t>(value);
     }
 }
 
 // A flat scale without history: what isn't remembered stays in generation order.
-void PrescoreInCheck(const Position& pos, MoveEntry* list) {
-    const PlyFrame& frame = pos.frames[pos.ply];
-    const Move refutation = GetRefutation(pos);
-    for (MoveEntry* entry = list; entry->move != END_OF_LIST; ++entry) {
-        if (entry->move == frame.hash_move)
-            VoidEntry(entry);
-        else
-            entry->sort_value = entry->move == frame.check_killer ? 75 : entry->move == refutation ? 70 : 1;
+void PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end) {
+    const PlyFrame& frame = pos->frames[pos->ply];
+    const Move refutation = GetRefutation(*pos);
+    uint8_t* order = OrderOf(ThreadOf(pos), list);
+    for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
+        if (entry->move == frame.hash_move) {
+            entry->move = NO_MOVE;
+            *order = 0;
+        } else {
+            *order = entry->move == frame.check_killer ? 75 : entry->move == refutation ? 70 : 1;
+        }
     }
 }
 
@@ -120,43 +125,93 @@ void GenerateActive(Position* pos, MoveEntry* list) {
     const int side = pos->stm;
     MoveEntry* end = GeneratePawnCaptures(*pos, side, list);
     end = GeneratePieceCaptures(*pos, side, end);
-    CloseList(pos, GeneratePromotions(*pos, side, true, end));
-    PrescoreActive(*pos, list);
+    end = GeneratePromotions(*pos, side, true, end);
+    CloseList(pos, end);
+    PrescoreActive(pos, list, end);
 }
 
 // Best active move at `entry`, or null when only losing or low ones are left. Exchanges are computed only for moves
 // that are about to be searched; a losing capture stays in the list and competes with the quiet moves.
-MoveEntry* PickActive(const Position& pos, MoveEntry* entry) {
-    while (entry->move != END_OF_LIST) {
-        PickNextMove(entry);
+MoveEntry* PickActive(Position* pos, PlyFrame* frame) {
+    SearchThread* thread = ThreadOf(pos);
+    MoveEntry* entry = frame->current;
+    const MoveEntry* end = EndOfList(frame);
+    while (entry != end) {
+        PickHighest(thread, entry, end);
         if (entry->sort_value <= GOOD_CAPTURE)
             return nullptr;
-        if (MoveIsSafe(pos, *entry))
+        if (MoveIsSafe(*pos, *entry))
             return entry;
-        entry->sort_value = static_cast<uint8_t>(LOSING_CAPTURE + TypeOf(entry->captured));
+        *OrderOf(thread, entry) = static_cast<uint8_t>(LOSING_CAPTURE + TypeOf(entry->captured));
     }
     return nullptr;
 }
 
 // Appends the quiet moves to what is left of the list.
-void GenerateQuiet(Position* pos, MoveEntry* entry, bool in_check) {
-    while (entry->move != END_OF_LIST)
-        ++entry;
-    CloseList(pos, GenerateNonCaptures(*pos, pos->stm, entry));
+void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check) {
+    MoveEntry* list = EndOfList(frame);
+    MoveEntry* end = GenerateNonCaptures(*pos, pos->stm, list);
+    CloseList(pos, end);
     if (in_check)
-        PrescoreInCheck(*pos, entry);
+        PrescoreInCheck(pos, list, end);
     else
-        PrescoreQuiet(pos, entry);
+        PrescoreQuiet(pos, list, end);
 }
 
-MoveEntry* PickRest(PlyFrame* frame) {
+MoveEntry* PickRest(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->current;
-    if (entry->move == END_OF_LIST)
+    const MoveEntry* end = EndOfList(frame);
+    if (entry == end)
         return nullptr;
-    PickNextMove(entry);
+    PickHighest(ThreadOf(pos), entry, end);
     if (entry->sort_value <= NO_MERIT)
         frame->stage = STAGE_IN_ORDER;
     return entry;
+}
+
+MoveEntry* NextInOrder(Position* pos, PlyFrame* frame) {
+    MoveEntry* entry = frame->current;
+    if (entry == EndOfList(frame))
+        return nullptr;
+    entry->sort_value = *OrderOf(ThreadOf(pos), entry);
+    return entry;
+}
+
+// Ones for the first `count` of sixteen bytes.
+__m128i FirstBytes(ptrdiff_t count) {
+    alignas(16) static constexpr std::array<uint8_t, 32> ones_then_zeros = [] {
+        std::array<uint8_t, 32> bytes{};
+        for (size_t i = 0; i < 16; ++i)
+            bytes[i] = 0xff;
+        return bytes;
+    }();
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(ones_then_zeros.data() + 16 - count));
+}
+
+__m128i LoadBytes(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
+
+// The same highest byte in all places.
+__m128i HighestOf(__m128i bytes) {
+    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 8));
+    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 4));
+    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 2));
+    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 1));
+    return _mm_set1_epi8(static_cast<char>(_mm_cvtsi128_si32(bytes)));
+}
+
+// Place of the first highest of `count` bytes, at least one. Up to fifteen bytes behind them are read and ignored.
+ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
+    __m128i highest = _mm_setzero_si128();
+    ptrdiff_t i = 0;
+    for (; i + 16 < count; i += 16)
+        highest = _mm_max_epu8(highest, LoadBytes(bytes + i));
+    highest = HighestOf(_mm_max_epu8(highest, _mm_and_si128(LoadBytes(bytes + i), FirstBytes(count - i))));
+    // The first equal byte lies within the list: whatever stands behind it comes later.
+    for (i = 0;; i += 16) {
+        const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(LoadBytes(bytes + i), highest));
+        if (equal)
+            return i + __builtin_ctz(static_cast<unsigned>(equal));
+    }
 }
 
 }  // namespace
@@ -167,6 +222,16 @@ void InitMoveOrderingTables(SearchThread* thread) {
     thread->followup.fill(NO_MOVE);
     for (PlyFrame& frame : thread->frames)
         frame.hash_move = frame.null_killer = frame.killer1 = frame.killer2 = frame.check_killer = NO_MOVE;
+}
+
+void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end) {
+    uint8_t* order = OrderOf(thread, head);
+    const ptrdiff_t best = FirstHighest(order, end - head);
+    const uint8_t value = order[best];
+    order[best] = *order;
+    *order = value;
+    std::swap(*head, head[best]);
+    head->sort_value = value;
 }
 
 MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
@@ -185,15 +250,15 @@ MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
             frame->stage = STAGE_ACTIVE;
             [[fallthrough]];
         case STAGE_ACTIVE:
-            if (MoveEntry* entry = PickActive(*pos, frame->current))
+            if (MoveEntry* entry = PickActive(pos, frame))
                 return entry;
-            GenerateQuiet(pos, frame->current, in_check);
+            GenerateQuiet(pos, frame, in_check);
             frame->stage = STAGE_REST;
-            return PickRest(frame);
+            return PickRest(pos, frame);
         case STAGE_REST:
-            return PickRest(frame);
+            return PickRest(pos, frame);
         default:
-            return frame->current->move == END_OF_LIST ? nullptr : frame->current;
+            return NextInOrder(pos, frame);
     }
 }
 

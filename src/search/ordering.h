@@ -15,6 +15,19 @@ inline constexpr std::array<uint8_t, 8> capture_value = {20, 210, 220, 220, 230,
 // Cold start: history, refutations, followups, killers and hash moves of all frames.
 void InitMoveOrderingTables(SearchThread* thread);
 
+// Place of an entry's ordering score. The pickers keep the scores of a list side by side, where the highest is found
+// sixteen at a time; an entry's sort_value is set when it is picked.
+inline uint8_t* OrderOf(SearchThread* thread, const MoveEntry* entry) {
+    return thread->order.data() + (entry - thread->move_stack.data());
+}
+
+// Exchanges the entry with the highest score, the earliest of equals, with the one at `head`, scores included.
+// `end` is the list's terminator, behind `head`.
+void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end);
+
+// Terminator of the list of the ply that is being picked from.
+inline MoveEntry* EndOfList(const PlyFrame* frame) { return frame[1].first - 1; }
+
 // Next entry of frames[pos->ply], or null at the end; `current` is left on it. An entry with move 0 is void: the
 // caller passes over it. Generation is lazy, stage by stage.
 MoveEntry* GetNextMoveFW(Position* pos, bool in_check);

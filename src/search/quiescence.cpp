@@ -21,23 +21,25 @@ constexpr int DELTA_MARGIN = 150;
 // Values of frame.stage.
 enum QuietStage : uint16_t { STAGE_START = 0, STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
 
-void PrescoreQU(const Position& pos, MoveEntry* list) {
-    const int last_to = pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE;
-    for (MoveEntry* entry = list; entry->move != END_OF_LIST; ++entry) {
+void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
+    const int last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
+    uint8_t* order = OrderOf(ThreadOf(pos), list);
+    for (const MoveEntry* entry = list; entry != end; ++entry, ++order) {
         int value = (entry->move & PROMOTE_QUEEN) ? 200 : 1;
         if (entry->captured)
             value = capture_value[static_cast<size_t>(TypeOf(entry->captured))] - TypeOf(entry->piece);
         if (ToSquare(entry->move) == last_to)
             value += 6;
-        entry->sort_value = static_cast<uint8_t>(value);
+        *order = static_cast<uint8_t>(value);
     }
 }
 
 void GenerateActive(Position* pos, PlyFrame* frame, int side) {
     MoveEntry* end = GeneratePawnCaptures(*pos, side, frame->first);
     end = GeneratePieceCaptures(*pos, side, end);
-    CloseList(pos, GeneratePromotions(*pos, side, false, end));
-    PrescoreQU(*pos, frame->first);
+    end = GeneratePromotions(*pos, side, false, end);
+    CloseList(pos, end);
+    PrescoreQU(pos, frame->first, end);
     frame->stage = STAGE_ACTIVE;
     frame->current = frame->first;
 }
@@ -49,12 +51,13 @@ void GenerateQuietChecks(Position* pos, PlyFrame* frame, int side) {
 }
 
 // The entry at `current`, or null at the end of the stage. Checks come in generation order.
-MoveEntry* GetNextMoveQU(PlyFrame* frame) {
+MoveEntry* GetNextMoveQU(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->current;
-    if (entry->move == END_OF_LIST)
+    const MoveEntry* end = EndOfList(frame);
+    if (entry == end)
         return nullptr;
     if (frame->stage == STAGE_ACTIVE)
-        PickNextMove(entry);
+        PickHighest(ThreadOf(pos), entry, end);
     return entry;
 }
 
@@ -94,7 +97,7 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
     PvLine local_pv;
     GenerateActive(pos, frame, side);
     while (true) {
-        while (MoveEntry* entry = GetNextMoveQU(frame)) {
+        while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
             if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, checks, side, eval, a)) {
                 MakeMove(pos, move);

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 #include "board/keys.h"
 #include "interface/pblock.h"
@@ -92,6 +93,13 @@ bool MoveFits(const Position& pos, Move move) {
            (!(move & PROMOTION_BITS) || TypeOf(pos.board[static_cast<size_t>(FromSquare(move))]) == PAWN);
 }
 
+void ForgetFill() {
+    for (FillCounter& counter : ttcnt)
+        counter.count = 0;
+    PBlock.hash_fill = 0.0;
+    PBlock.tt_age = 0;
+}
+
 void Find(const Position& pos, TTData* result) {
     const uint64_t key = GetFullHash(pos);
     TTEntry* entry = Bucket(key, pos.stm);
@@ -122,18 +130,15 @@ int InitTTable() {
     slots = entries / 2;
     htable[WHITE] = hashtable;
     htable[BLACK] = hashtable + slots + BUCKET;
-    ClearTTable();
+    ForgetFill();
     FillKeyTables();
     return 0;
 }
 
 void ClearTTable() {
     if (hashtable != nullptr)
-        ClearPages(hashtable, block_bytes);
-    for (FillCounter& counter : ttcnt)
-        counter.count = 0;
-    PBlock.hash_fill = 0.0;
-    PBlock.tt_age = 0;
+        std::memset(static_cast<void*>(hashtable), 0, block_bytes);
+    ForgetFill();
 }
 
 void KillTTable() {
