@@ -33,7 +33,7 @@ inline constexpr const char* kBenchPositions[] = {
     "8/p4k2/1p3p2/3p1Pp1/P2P2P1/1P2K3/8/8 w - -",      // pawns alone
     "8/k7/3p4/p2P1p2/P2P1P2/8/8/K7 w - -",             // the same, only the long way wins
     "8/8/8/3k4/8/2K5/4B3/5N2 w - -",                   // mate with bishop and knight
-    "8/8/8/8/8/1k6/1p6/4K2Q w - -",                    // queen against a pawn on the seventh
+    "8/8/8/8/5R2/2pk4/8/5K2 b - -",                    // rook against a pawn
 };
 
 }  // namespace vrel

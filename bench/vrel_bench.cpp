@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr int kDepth = 11;
+constexpr int kDepth = 12;
 
 }  // namespace
 
