@@ -20,7 +20,8 @@ char* MoveToStr(Move move, char* buffer);
 // All forms of a pseudo-legal move, read before it is made.
 void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char* file_form, char* rank_form);
 
-// Reads a move of the game record; `text` is normalised in place. 1 if exactly one legal move matches, else 0.
+// Reads a move of the game record: 1 if exactly one legal move has the text as one of its forms, else 0. `result` is
+// the last move that matched, 0 if none did. `text` is normalised in place, which may make it one character longer.
 int IsValidMove(char* text, Move* result);
 
 }  // namespace vrel
