@@ -92,11 +92,18 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, ToSquare(pos->last_move), Occupied(*pos)));
 
     const int child_type = node_opp[static_cast<size_t>(node_type)];
-    const uint64_t restricted = RestrictedMovers(*pos, side, false);
-    const CheckContext checks = MakeCheckContext(*pos, side);
+    // Nothing about legality and checks is found out for a node without moves.
+    uint64_t restricted = 0;
+    CheckContext checks;
+    bool prepared = false;
     PvLine local_pv;
     GenerateActive(pos, frame, side);
     while (true) {
+        if (!prepared && frame->current != EndOfList(frame)) {
+            restricted = RestrictedMovers(*pos, side, false);
+            checks = MakeCheckContext(*pos, side);
+            prepared = true;
+        }
         while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
             if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, checks, side, eval, a)) {
