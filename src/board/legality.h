@@ -44,4 +44,14 @@ inline int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry,
     return MoveGivesCheck(pos, side, entry);
 }
 
+// What a result of MoveGivesCheck says about the position after the move: the moves whose checks it may miss stay open.
+inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, int gives_check) {
+    if (gives_check)
+        return CHECK_YES;
+    const int step = ToSquare(entry.move) - FromSquare(entry.move);
+    const bool castling = TypeOf(entry.piece) == KING && (step == 2 || step == -2);
+    const bool open = castling || ToSquare(entry.move) == pos.ep_square || (entry.move & PROMOTION_BITS);
+    return open ? CHECK_UNKNOWN : CHECK_NO;
+}
+
 }  // namespace vrel

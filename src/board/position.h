@@ -70,6 +70,9 @@ struct UndoRecord {
 // Written by MakeMove so that UnmakeMove takes back exactly what was done, whatever position the move was made in.
 enum UndoSpecial : uint8_t { UNDO_PLAIN = 0, UNDO_EN_PASSANT = 1, UNDO_CASTLED = 2 };
 
+// Whether the move in work leaves the opponent in check, as far as its node has found out.
+enum GivesCheck : uint8_t { CHECK_NO = 0, CHECK_YES = 1, CHECK_UNKNOWN = 2 };
+
 // What each ply of a line keeps; the root is ply 1.
 struct PlyFrame {
     MoveEntry* first;                      // start of this ply's list in the move stack
@@ -83,8 +86,8 @@ struct PlyFrame {
     int8_t ext;                            // 1 if this node earned the accumulated extension
     uint8_t reduction;                     // reduction of the move in work; the child reads its parent's
     uint8_t node_type;
-    uint8_t iid;  // 1 during internal deepening at this node
-    uint8_t in_check;
+    uint8_t iid;          // 1 during internal deepening at this node
+    uint8_t gives_check;  // what is known of the move in work: one of GivesCheck; the child reads it
     Move hash_move;
     Move null_killer, killer1, killer2, check_killer;
     uint16_t stage;  // state of the staged picker

@@ -135,6 +135,7 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
             continue;
 
         const Move move = entry->move;
+        frame->gives_check = no_flags ? CHECK_UNKNOWN : CheckAfter(*pos, *entry, entry->flags & FLAG_CHECK);
         MakeMove(pos, move);
         PrefetchTTable(GetFullHash(*pos), pos->stm);
         const int v = SearchMove(&loop, *entry, depth + ext + frame->ext, reduction);

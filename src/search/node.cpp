@@ -58,6 +58,12 @@ void ResetFrame(const Node& node, Move* pv) {
     pv[node.ply + 1] = NO_MOVE;
 }
 
+bool IsInCheck(const Position& pos, int side, int gives_check) {
+    if (gives_check != CHECK_UNKNOWN)
+        return gives_check == CHECK_YES;
+    return SqAtakd(pos, KingSquare(pos, side), side ^ 1);
+}
+
 // Earlier occurrences of the placement since the last irreversible move. The keys leave out side to move, rights and
 // en passant square; only even distances are compared.
 int CountRepetitions(const Position& pos) {
@@ -160,6 +166,7 @@ int NullMoveSearch(const Node& node, Move* pv) {
     list[0] = {};
     list[1].move = END_OF_LIST;
     node.frame->current = list;
+    node.frame->gives_check = CHECK_NO;
     node.frame[1].first = list + 2;
     MakeNullMove(pos);
     const int v = -Search(pos, node.side ^ 1, node.ply + 1, depth, -node.b, -node.a, NODE_ANY, pv);
@@ -210,7 +217,7 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int
     Node node{pos, pos->frames + ply, side, ply, depth, a, b, node_type, 0, false, {}, false, false};
     PlyFrame* frame = node.frame;
     ResetFrame(node, pv);
-    node.in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
+    node.in_check = IsInCheck(*pos, side, frame[-1].gives_check);
 
     if (pos->fifty >= 4 && IsDraw(pos, ply, node.in_check))
         return PBlock.draw_score[static_cast<size_t>(side)];

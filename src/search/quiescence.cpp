@@ -70,8 +70,7 @@ bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
 
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
 // anything else must promise enough besides.
-bool WorthTrying(const Position& pos, const MoveEntry& entry, const CheckContext& checks, int side, int eval, int a) {
-    const int check = MoveGivesCheck(pos, side, entry, checks);
+bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, int side, int eval, int a) {
     if (check == 2 || EndgamePruneExclusion(pos, entry))
         return true;
     if (check == 0 && TooLittleToGain(entry, side, eval, a))
@@ -106,7 +105,9 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
         }
         while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
-            if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, checks, side, eval, a)) {
+            const int check = MoveGivesCheck(*pos, side, *entry, checks);
+            if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, check, side, eval, a)) {
+                frame->gives_check = CheckAfter(*pos, *entry, check);
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
                 UnmakeMove(pos);

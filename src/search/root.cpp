@@ -184,6 +184,7 @@ RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
     frame->ext = 0;
     frame->reduction = 0;
     frame->iid = 0;
+    frame->gives_check = CHECK_UNKNOWN;
     thread->ext_count = 0;
     const bool master = thread->id == 1;
     const int prev = thread->score;
