@@ -71,27 +71,34 @@ void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
     }
 }
 
+// To-square of a remembered move as a set, empty for none.
+uint64_t MarkOf(Move move) { return move ? Bit(ToSquare(move)) : 0; }
+
 void PrescoreQuiet(Position* pos, MoveEntry* list, const MoveEntry* end) {
     SearchThread* thread = ThreadOf(pos);
     const PlyFrame& frame = pos->frames[pos->ply];
     const Move refutation = GetRefutation(*pos);
     const Move followup = GetFollowup(*pos);
+    // Most moves go to a square that no remembered move goes to and needn't be compared with them.
+    const uint64_t marked = MarkOf(frame.hash_move) | MarkOf(frame.null_killer) | MarkOf(frame.killer1) |
+                            MarkOf(frame.killer2) | MarkOf(refutation) | MarkOf(followup);
     uint8_t* order = OrderOf(thread, list);
     for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
         const Move move = entry->move;
-        const int history = HistoryOf(thread, *entry) / 128;
-        if (move == frame.hash_move) {
-            entry->move = NO_MOVE;
-            *order = 0;
-            continue;
+        const unsigned history = static_cast<unsigned>(HistoryOf(thread, *entry)) / 128;
+        unsigned value = history + 1;
+        if ((marked >> ToSquare(move)) & 1) {
+            if (move == frame.hash_move) {
+                entry->move = NO_MOVE;
+                value = 0;
+            } else if (move == frame.null_killer || move == frame.killer1) {
+                value = history / 2 + 81;
+            } else if (move == frame.killer2 || move == refutation) {
+                value = history / 2 + 61;
+            } else if (move == followup) {
+                value = history / 2 + 41;
+            }
         }
-        int value = history + 1;
-        if (move == frame.null_killer || move == frame.killer1)
-            value = history / 2 + 81;
-        else if (move == frame.killer2 || move == refutation)
-            value = history / 2 + 61;
-        else if (move == followup)
-            value = history / 2 + 41;
         *order = static_cast<uint8_t>(value);
     }
 }
