@@ -5,6 +5,9 @@ namespace vrel {
 // Takes what has arrived on standard input and handles at most one line of it. Never blocks on a pipe.
 void UserInput();
 
+// True if the input has ended and all of it has been handled.
+bool InputIsOver();
+
 // Sleeps for so many milliseconds.
 void UI_Sleep(int milliseconds);
 

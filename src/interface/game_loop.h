@@ -1,0 +1,9 @@
+#pragma once
+
+namespace vrel {
+
+// Polls input, watches the clock, starts the searches that commands ask for and reports them, until the program is
+// told to quit or the input has ended and nothing is left to answer.
+void RunGameLoop();
+
+}  // namespace vrel

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace vrel {
+
+// The number at the start of a text as atoi reads it, brought into a range; 0 (brought into the range) for no number.
+int ReadInteger(const char* text, int lowest, int highest);
+long long ReadLongInteger(const char* text, long long lowest, long long highest);
+
+// The same as atof reads it; what is no finite number counts as 0.
+double ReadReal(const char* text, double lowest, double highest);
+
+}  // namespace vrel

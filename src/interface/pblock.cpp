@@ -1,0 +1,25 @@
+#include "interface/pblock.h"
+
+#include <cstring>
+#include <new>
+
+namespace vrel {
+
+ControlBlock PBlock;
+
+Relaxed<int> uci_extra{0};
+int computer = 2;
+int selfplay = 0;
+
+void SetDefaults() {
+    PBlock.~ControlBlock();
+    new (&PBlock) ControlBlock();
+    CopyText(&PBlock.book_file, "vrel.opn");
+}
+
+void CopyText(std::array<char, FILE_NAME>* dest, const char* text) {
+    std::strncpy(dest->data(), text, dest->size() - 1);
+    dest->back() = '\0';
+}
+
+}  // namespace vrel

@@ -1,0 +1,184 @@
+#include "interface/time_control.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+
+#include "board/fen.h"
+#include "eval/personality.h"
+#include "interface/messages.h"
+#include "interface/pblock.h"
+#include "platform/clock.h"
+#include "search/search.h"
+#include "search/search_thread.h"
+#include "search/thread_pool.h"
+
+namespace vrel {
+
+namespace {
+
+double start = 0.0;  // of the search, on the monotonic clock
+
+constexpr double SHORTEST_TARGET = 0.002;
+constexpr double EXTEND_FROM = 0.02;  // seconds of search before the target is lengthened
+constexpr int CLEARLY = 20;           // centipawns that make one worker's score differ from the published one
+
+void ResetPublishedLine(const Position& game) {
+    const auto side = static_cast<size_t>(game.stm);
+    PBlock.stop = STOP_NONE;
+    PBlock.score = NO_SCORE;
+    PBlock.depth = 0;
+    PBlock.done_depth = 0;
+    PBlock.change_depth = 0;
+    PBlock.easy = 0;
+    PBlock.pv[1] = NO_MOVE;
+    PBlock.draw_score[side] = Personality.contempt;
+    PBlock.draw_score[side ^ 1] = static_cast<int16_t>(-Personality.contempt);
+    PBlock.tt_age = static_cast<uint16_t>(game.game_ply);
+    if (PBlock.hash_mb == 0)
+        PBlock.use_hash = 0;
+    for (auto& score : PBlock.depth_score)
+        score = NO_SCORE;
+    for (auto& move : PBlock.depth_move)
+        move = NO_MOVE;
+}
+
+int MovesToGo(int ply) {
+    const int level_moves = PBlock.level_moves;
+    if (level_moves == 0)
+        return ply > 25 ? 24 : 36 - ply / 2;
+    if (level_moves > 1 && PBlock.mode == MODE_CONSOLE)
+        return level_moves - (ply / 2) % level_moves;
+    return PBlock.moves_to_go;
+}
+
+// Target of a search under a clock of `left` seconds.
+double TargetTime(double left, int moves) {
+    const double base = left / (moves + 1);
+    double target = PBlock.ponder && moves > 2 ? base * 1.1 : base * 0.9;
+    // The bonus tends to the increment with a large clock and fades with a small one.
+    if (left > 4 * PBlock.overhead)
+        target += PBlock.inc * left / (2 * PBlock.inc + left);
+    target = std::min(target, left * 0.65 - 4 * PBlock.overhead);
+    return std::max(target, SHORTEST_TARGET);
+}
+
+void SetTimeBudget(const Position& game) {
+    const auto side = static_cast<size_t>(game.stm);
+    if (PBlock.level_moves == 1) {
+        PBlock.trg_time = PBlock.level_time.Get();
+        PBlock.clock[side] = PBlock.level_time.Get();
+        return;
+    }
+    PBlock.moves_to_go = static_cast<int16_t>(MovesToGo(game.game_ply));
+    PBlock.trg_time = TargetTime(PBlock.clock[side], PBlock.moves_to_go);
+}
+
+void ShowStart(const Position& game) {
+    if (PBlock.noise >= SILENT)
+        return;
+    std::array<char, EPD_TEXT> fen;
+    MakeEPD(game, fen.data());
+    const auto text = [](const char* format, auto... values) {
+        std::array<char, 256> line;
+        std::snprintf(line.data(), line.size(), format, values...);
+        return line;
+    };
+    if (PBlock.mode == MODE_UCI) {
+        LogMessage(text("info string fen %s", fen.data()).data());
+        LogMessage(text("info string ply= %d, trg_time= %0.3f sec", game.game_ply, PBlock.trg_time.Get()).data());
+    } else {
+        ShowFormatted("fen %s", fen.data());
+        ShowFormatted("Ply= %d, Clock= %0.2fs  Target time= %0.2fs", game.game_ply, PBlock.clock[game.stm].Get(),
+                      PBlock.trg_time.Get());
+    }
+}
+
+// Percentage of the time left by which the workers' disagreement lengthens the target.
+int DisagreementExtension() {
+    const int score = PBlock.score;
+    const Move best = PBlock.pv[1];
+    int extension = 0;
+    for (int i = 1; i <= PBlock.nthreads; ++i) {
+        const SearchThread& worker = *GetThread(i);
+        const int other = worker.score;
+        if (worker.pv[1] == best) {
+            if (other < score - CLEARLY)
+                extension = 15;
+        } else if (other > score + CLEARLY) {
+            extension = std::max(extension, 10);
+        } else if (other > score) {
+            extension = std::max(extension, 4);
+        }
+    }
+    return extension;
+}
+
+// The same for a score that falls against the last finished iteration, and for a best move that has just changed.
+int TrendExtension() {
+    const int before = PBlock.depth_score[static_cast<size_t>(PBlock.done_depth)];
+    if (before == NO_SCORE)
+        return 0;
+    const int margin = std::abs(before) / 16 + 20;
+    const int score = PBlock.score;
+    if (score < before - 2 * margin)
+        return 14;
+    if (score < before - margin)
+        return 5;
+    return PBlock.done_depth <= PBlock.change_depth ? 1 : 0;
+}
+
+bool TimeIsOver() {
+    const double elapsed = PBlock.elapsed;
+    int extension = 0;
+    if (PBlock.depth > 1 && elapsed > EXTEND_FROM)
+        extension = std::max(DisagreementExtension(), TrendExtension());
+    const double left = std::max(PBlock.clock[GamePosition()->stm] - elapsed, 0.0);
+    const double limit = PBlock.trg_time + extension * 0.01 * left;
+    if (PBlock.level_moves == 1)
+        return elapsed >= limit;
+    return elapsed >= limit - PBlock.overhead || 5 * PBlock.overhead > left;
+}
+
+}  // namespace
+
+void GetElapsedTime(int flag) {
+    if (flag == 0) {
+        start = MonotonicSeconds();
+        PBlock.elapsed = 0.0;
+    } else {
+        PBlock.elapsed = SecondsSince(start);
+    }
+}
+
+void InitSearch() {
+    const Position& game = *GamePosition();
+    ResetPublishedLine(game);
+    PBlock.state = PBlock.request.Get();
+    SetTimeBudget(game);
+    PrepareThreads();
+    ShowStart(game);
+}
+
+void SearchTimeout() {
+    GetElapsedTime(1);
+    if (PBlock.state == STATE_PONDERING || PBlock.stop)
+        return;
+    if (TimeIsOver()) {
+        // A search never stops before it has a line of depth 2.
+        if (PBlock.depth <= 1)
+            return;
+        if (PBlock.state == STATE_THINKING)
+            PBlock.stop = STOP_TIME;
+        else if (PBlock.state == STATE_ANALYSING)
+            PBlock.stop = STOP_COMMAND;
+        return;
+    }
+    if (PBlock.easy == 1 || (PBlock.easy == 2 && PBlock.elapsed >= 0.5 * PBlock.trg_time))
+        PBlock.stop = STOP_TIME;
+}
+
+}  // namespace vrel

@@ -1,0 +1,41 @@
+#include "tools/perft.h"
+
+#include "board/attacks.h"
+#include "board/generate.h"
+#include "board/legality.h"
+#include "board/make_move.h"
+
+namespace vrel {
+
+namespace {
+
+// The leaves below a node, whose moves are all generated and tested; the last ply is counted without being made.
+uint64_t CountLeaves(Position* pos, int side, int ply, int depth) {
+    GenerateAll(pos);
+    const bool in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
+    const uint64_t restricted = RestrictedMovers(*pos, side, in_check);
+    PlyFrame* frame = pos->frames + ply;
+    uint64_t leaves = 0;
+    for (MoveEntry* entry = frame->first; entry->move != END_OF_LIST; ++entry) {
+        if (!MoveIsLegal(*pos, side, entry->move, restricted))
+            continue;
+        frame->current = entry;
+        if (depth == 1) {
+            ++leaves;
+            continue;
+        }
+        MakeMove(pos, entry->move);
+        leaves += CountLeaves(pos, side ^ 1, ply + 1, depth - 1);
+        UnmakeMove(pos);
+    }
+    return leaves;
+}
+
+}  // namespace
+
+void Perft(SearchThread* thread, int side, int ply, int depth) {
+    if (depth >= 1)
+        thread->nodes.Add(CountLeaves(&thread->pos, side, ply, depth));
+}
+
+}  // namespace vrel

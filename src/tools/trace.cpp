@@ -1,0 +1,52 @@
+#include "tools/trace.h"
+
+#include <cstddef>
+#include <cstdlib>
+
+#include "interface/move_text.h"
+#include "interface/pblock.h"
+#include "platform/file.h"
+#include "search/search_thread.h"
+
+namespace vrel {
+
+namespace {
+
+File out;
+int last_ply = 0;     // of the last move written
+int last_depth = -1;  // iteration of the last move written
+
+constexpr const char* COLUMN = "         ";
+
+// Siblings line up under each other, one column a ply.
+void StartLine(int ply) {
+    out.WriteText("\n");
+    for (int i = 1; i < ply; ++i)
+        out.WriteText(COLUMN);
+}
+
+}  // namespace
+
+void TraceMove(const Position& pos, Move move) {
+    if (!PBlock.trace)
+        return;
+    if (!out) {
+        out = File("trace.txt", "w");
+        if (!out)
+            std::_Exit(0);
+    }
+    const int ply = pos.ply;
+    if (ply > PBlock.trace)
+        return;
+    const int depth = ThreadOf(pos)->depth;
+    if (depth > last_depth)
+        out.Print("\n\nSEARCH DEPTH= %d\n", depth);
+    if (ply <= last_ply)
+        StartLine(ply);
+    MoveText text;
+    out.Print("(%2d)%s ", pos.frames[ply].depth, MoveToStr(move, text.data()));
+    last_ply = ply;
+    last_depth = depth;
+}
+
+}  // namespace vrel
