@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <mutex>
 
 #include "interface/move_text.h"
 #include "interface/pblock.h"
@@ -11,6 +12,9 @@
 namespace vrel {
 
 namespace {
+
+// Moves of several workers mix in the file, but each is written whole.
+std::mutex writing;
 
 File out;
 int last_ply = 0;     // of the last move written
@@ -30,6 +34,7 @@ void StartLine(int ply) {
 void TraceMove(const Position& pos, Move move) {
     if (!PBlock.trace)
         return;
+    const std::lock_guard guard(writing);
     if (!out) {
         out = File("trace.txt", "w");
         if (!out)
