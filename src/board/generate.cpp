@@ -272,6 +272,14 @@ void RemoveIllegalMoves(const Position& pos, MoveEntry* list) {
     kept->move = END_OF_LIST;
 }
 
+bool MoveIsPossible(Position* pos, Move move) {
+    GenerateAll(pos);
+    for (const MoveEntry* entry = pos->frames[pos->ply].first; entry->move != END_OF_LIST; ++entry)
+        if (entry->move == move)
+            return MoveIsLegal(*pos, pos->stm, move);
+    return false;
+}
+
 void PickNextMove(MoveEntry* list) {
     MoveEntry* best = list;
     if (list->move == END_OF_LIST)

@@ -24,6 +24,9 @@ void GenerateAll(Position* pos);
 // Drops the illegal entries of a closed list, keeping the order of the others.
 void RemoveIllegalMoves(const Position& pos, MoveEntry* list);
 
+// True if `move` is one of the legal moves of the side to move. Overwrites the list of the ply.
+bool MoveIsPossible(Position* pos, Move move);
+
 // Moves the entry with the highest sort_value to the head; the earliest of equals wins.
 void PickNextMove(MoveEntry* list);
 

@@ -209,9 +209,13 @@ void PlayGameMove(Position* pos, Move move) {
         std::copy(pos->undo + RECORDS_DROPPED, pos->undo + UNDO_RECORDS, pos->undo);
         pos->game_ply = static_cast<int16_t>(pos->game_ply - RECORDS_DROPPED);
     }
+    // Moves that were taken back stay ahead for as long as the game follows them.
+    const bool known = pos->undo[pos->game_ply].move == move;
     pos->ply = 1;
     MakeMove(pos, move);
     pos->ply = 1;
+    if (!known)
+        pos->undo[pos->game_ply].move = NO_MOVE;
 }
 
 void TakeBackGameMove(Position* pos) {

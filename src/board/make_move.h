@@ -13,7 +13,8 @@ void MakeNullMove(Position* pos);
 void UnmakeNullMove(Position* pos);
 
 // Moves of the game itself, on the game record: the list start stays at ply 1, and in a game longer than the undo
-// stack can hold beside a search the oldest records give way.
+// stack can hold beside a search the oldest records give way. undo[game_ply].move is the move ahead, if moves have been
+// taken back, else 0.
 void PlayGameMove(Position* pos, Move move);
 void TakeBackGameMove(Position* pos);
 

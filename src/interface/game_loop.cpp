@@ -5,6 +5,7 @@
 #include <string>
 
 #include "board/attacks.h"
+#include "board/generate.h"
 #include "board/make_move.h"
 #include "book/book_lookup.h"
 #include "interface/board_display.h"
@@ -87,7 +88,8 @@ void ContinueSelfPlay() {
     Position* game = GamePosition();
     auto& clock = PBlock.clock[game->stm];
     clock = clock + PBlock.inc - PBlock.elapsed;
-    if (PBlock.pv[1] == NO_MOVE) {
+    // A command may have changed the board meanwhile, so that the move no longer fits.
+    if (!MoveIsPossible(game, PBlock.pv[1])) {
         selfplay = 0;
         return;
     }
@@ -144,7 +146,8 @@ void RunGameLoop() {
     PBlock.request = 0;
     PBlock.quit = 0;
     while (!PBlock.quit) {
-        if (PBlock.request == 0)
+        // A line that has waited for the engine comes before the next search of self-play.
+        if (PBlock.request == 0 || (LineIsHeld() && PBlock.state == STATE_IDLE))
             TakeTurn();
         else if (PBlock.state == STATE_IDLE)
             StartSearch();

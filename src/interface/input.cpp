@@ -108,6 +108,8 @@ void UserInput() {
 
 bool InputIsOver() { return ended && used == 0; }
 
+bool LineIsHeld() { return held; }
+
 void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
 
 bool ReadDialogueLine(char* line, int size) {

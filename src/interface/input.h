@@ -8,6 +8,9 @@ void UserInput();
 // True if the input has ended and all of it has been handled.
 bool InputIsOver();
 
+// True if the next line has been tried and waits for the engine to be free.
+bool LineIsHeld();
+
 // Sleeps for so many milliseconds.
 void UI_Sleep(int milliseconds);
 

@@ -13,7 +13,7 @@ int ready_owed = 0;
 
 }  // namespace
 
-bool EngineIsFree() { return PBlock.state == STATE_IDLE && PBlock.request == 0 && WorkersIdle(); }
+bool EngineIsFree() { return PBlock.state == STATE_IDLE && WorkersIdle(); }
 
 void EndRunningSearch() {
     if (PBlock.state == STATE_IDLE)

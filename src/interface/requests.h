@@ -3,7 +3,7 @@
 // How commands and the game loop deal with a search that is in the way.
 namespace vrel {
 
-// True if no search runs and none waits to be reported or started.
+// True if no search runs and none waits to be reported.
 bool EngineIsFree();
 
 // Asks a running search to end and to be reported, a pondering one as well.

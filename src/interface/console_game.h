@@ -1,0 +1,26 @@
+#pragma once
+
+// Console commands that step through games and keep them in files. All work on the game record.
+namespace vrel {
+
+// The board, or the evaluation report while `debug` is set.
+void ShowGame();
+
+// Plays a move given as text, if it names exactly one; nothing otherwise.
+void PlayMoveText(const char* text);
+
+void UndoMove();
+void RedoMove();
+// Goes to a ply of the game, or to its last move.
+void JumpToPly(int ply);
+
+// Loads a position from "test.epd" by its identifier.
+void GetTestPosition(const char* identifier);
+
+// Loads a game from a PGN file: by number, or the first with a line that contains the text.
+void LoadGame(const char* file, const char* which);
+
+// Appends the game to "tmp.pgn".
+void SaveGame();
+
+}  // namespace vrel
