@@ -27,7 +27,7 @@ namespace {
 constexpr int TURN = 2;  // milliseconds between looks at input and clock
 constexpr int BOOK_PLIES = 35;
 constexpr int FIFTY_LIMIT = 100;
-constexpr double ENDLESS = 90000.0;  // seconds: a fixed time from here on is no limit
+constexpr double ENDLESS = 90000.0;  // seconds: a target time from here on is no limit
 
 // A position that can't arise in chess is answered without a search.
 bool CanBeSearched(const Position& pos) {
@@ -83,7 +83,10 @@ void ShowSummary() {
     ShowMessage("");
 }
 
-// The game ends when the root has no move or the fifty-move counter has run out.
+bool reply_due = false;  // self-play goes on when a line that waits for a free engine has had its turn
+
+// The game ends when the root has no move or the fifty-move counter has run out, and when a command has replaced the
+// position by one where the move can't be made.
 void ContinueSelfPlay() {
     Position* game = GamePosition();
     auto& clock = PBlock.clock[game->stm];
@@ -111,16 +114,17 @@ void Report() {
 }
 
 bool SearchHasNoEnd() {
-    return PBlock.state == STATE_PONDERING || (PBlock.level_moves == 1 && PBlock.level_time >= ENDLESS &&
-                                               PBlock.max_depth >= MAX_DEPTH && PBlock.max_nodes == 0);
+    const bool limited = PBlock.max_depth < MAX_DEPTH || PBlock.max_nodes != 0;
+    return PBlock.state == STATE_PONDERING || (PBlock.trg_time >= ENDLESS && !limited);
 }
 
-// After the last line a search that ends by itself is waited for; any other is stopped and answered.
+// After the last line a search that ends by itself is waited for; any other is stopped, as soon as it has an answer to
+// give, and answered.
 void FinishAfterInput() {
     if (PBlock.state == STATE_IDLE) {
         if (PBlock.request == 0)
             PBlock.quit = 1;
-    } else if (SearchHasNoEnd()) {
+    } else if (SearchHasNoEnd() && (PBlock.depth > 1 || WorkersIdle())) {
         EndRunningSearch();
     }
 }
@@ -136,6 +140,10 @@ void TakeTurn() {
     UI_Sleep(TURN);
     SearchTimeout();
     UserInput();
+    if (reply_due && PBlock.request == 0) {
+        PBlock.request = STATE_THINKING;
+        reply_due = false;
+    }
     if (InputIsOver())
         FinishAfterInput();
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "interface/console.h"
 #include "interface/messages.h"
@@ -24,9 +25,15 @@ constexpr size_t QUEUE = 2 * LONGEST_LINE;
 // Bytes that have arrived and not been handled yet. What has no room stays in the pipe.
 std::array<char, QUEUE> inbuf;
 size_t used = 0;
+size_t searched = 0;    // so many bytes of them hold no line end
 bool ended = false;     // no more bytes will come
 bool too_long = false;  // the rest of an overlong line is being read over
-bool held = false;      // the first line has been tried and waits for the engine
+
+// A line that has been taken from the queue and waits for a free engine; it goes before all others.
+std::string held_line;
+bool held = false;
+
+int dispatching = 0;  // lines in work: a tool started by one may ask for input itself
 
 bool EndsLine(char c) { return c == '\n' || c == '\0' || c == '@'; }
 
@@ -48,30 +55,43 @@ void ReadInputChunk(bool wait) {
 void DropBytes(size_t count) {
     std::memmove(inbuf.data(), inbuf.data() + count, used - count);
     used -= count;
+    searched = 0;
+}
+
+// Ends of lines without a character.
+void DropEmptyLines() {
+    const char* first = std::find_if_not(inbuf.data(), inbuf.data() + used, EndsLine);
+    const auto count = static_cast<size_t>(first - inbuf.data());
+    if (count > 0)
+        DropBytes(count);
 }
 
 // Length of the first line without its end, or `used` if its end hasn't come.
 size_t FirstLineLength() {
-    return static_cast<size_t>(std::find_if(inbuf.begin(), inbuf.begin() + used, EndsLine) - inbuf.begin());
+    const char* end = std::find_if(inbuf.data() + searched, inbuf.data() + used, EndsLine);
+    searched = static_cast<size_t>(end - inbuf.data());
+    return searched;
 }
 
 // A line longer than can be handled is refused whole.
 bool RefusedOverlong(size_t length) {
     const bool complete = length < used;
-    if (too_long) {
-        DropBytes(complete ? length + 1 : used);
-        too_long = !complete && !ended;
-        return true;
+    if (!too_long && length > LONGEST_LINE) {
+        ShowFormatted("info string line of more than %d characters refused", static_cast<int>(LONGEST_LINE));
+        too_long = true;
     }
-    if (length <= LONGEST_LINE)
+    if (!too_long)
         return false;
-    ShowFormatted("info string line of more than %d characters refused", static_cast<int>(LONGEST_LINE));
-    too_long = true;
+    DropBytes(complete ? length + 1 : used);
+    too_long = !complete && !ended;
     return true;
 }
 
-// The first line of the queue without taking it out. The last line before the end of the input needs no end.
-bool NextLine(std::string* line, size_t* length) {
+// Finds the first line of the queue, cut at its first line end of any kind, and how many bytes it takes there. The last
+// line before the end of the input needs no end.
+bool FindLine(std::string* line, size_t* length) {
+    if (!too_long)
+        DropEmptyLines();
     const size_t n = FirstLineLength();
     if (RefusedOverlong(n))
         return false;
@@ -83,11 +103,26 @@ bool NextLine(std::string* line, size_t* length) {
     return true;
 }
 
-void Dispatch(const std::string& line) {
+// The line that is next in turn, taken out of the queue.
+bool NextLine(std::string* line) {
+    if (held) {
+        held = false;
+        *line = std::move(held_line);
+        return true;
+    }
+    size_t length = 0;
+    if (!FindLine(line, &length))
+        return false;
+    DropBytes(length);
+    return true;
+}
+
+// `again` if the line was held back before.
+void Dispatch(const std::string& line, bool again) {
     if (line.empty())
         return;
     if (PBlock.mode == MODE_UCI || line == "uci")
-        UciCommand(line.c_str(), !held);
+        UciCommand(line.c_str(), !again);
     else
         ConsoleCommand(line.c_str());
 }
@@ -95,18 +130,27 @@ void Dispatch(const std::string& line) {
 }  // namespace
 
 void UserInput() {
-    ReadInputChunk(false);
-    std::string line;
-    size_t length = 0;
-    if (!NextLine(&line, &length))
+    // A tool may be run by a line that another tool has read, but not deeper.
+    if (dispatching == 2)
         return;
-    Dispatch(line);
-    held = LineWasHeld();
-    if (!held)
-        DropBytes(length);
+    ReadInputChunk(false);
+    PayReadyOk();
+    const bool again = held;
+    std::string line;
+    if (!NextLine(&line))
+        return;
+    ++dispatching;
+    Dispatch(line, again);
+    --dispatching;
+    if (LineWasHeld()) {
+        held_line = std::move(line);
+        held = true;
+    }
 }
 
-bool InputIsOver() { return ended && used == 0; }
+bool InputIsOver() { return ended && used == 0 && !held; }
+
+bool LineWaits() { return held; }
 
 bool LineIsHeld() { return held; }
 
@@ -115,7 +159,7 @@ void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
 bool ReadDialogueLine(char* line, int size) {
     std::string text;
     size_t length = 0;
-    while (!NextLine(&text, &length)) {
+    while (!FindLine(&text, &length)) {
         if (InputIsOver() || PBlock.quit)
             return false;
         ReadInputChunk(true);

@@ -1,11 +1,17 @@
 #include "interface/messages.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
+#include <cstring>
+#include <mutex>
 #include <string>
 
 #include "interface/pblock.h"
 #include "platform/file.h"
+#include "platform/file_lock.h"
+#include "platform/standard_output.h"
 
 namespace vrel {
 
@@ -14,66 +20,97 @@ const char* const version = "Vrel 2.6";
 namespace {
 
 constexpr const char* logfile = "vrel.log";
-File fdlog;
+constexpr size_t USUAL_LINE = 2048;
 
-// A whole line goes out with one call, so that lines of different threads never mix.
-void WriteOut(const std::string& text) {
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (std::fflush(stdout) == 0 && written)
+File fdlog;
+FileLock log_lock;
+
+// Workers report while the main thread answers commands: one line at a time, the same order in output and log.
+std::mutex output;
+
+// With `output` held.
+void WriteOut(const char* text, size_t size, const char* end) {
+    if (WriteOutput(text, size, end, std::strlen(end)))
         return;
     // Nobody reads any more.
     PBlock.stop = STOP_COMMAND;
     PBlock.quit = 1;
 }
 
-std::string Formatted(const char* format, va_list arguments) {
+// With `output` held. A log that can't be written is no reason to end.
+void WriteLog(const char* text, size_t size) {
+    if (!PBlock.log || !fdlog)
+        return;
+    fdlog.Write(text, size);
+    fdlog.WriteText("\n");
+    fdlog.Flush();
+}
+
+void ShowLine(const char* text, size_t size) {
+    const std::lock_guard<std::mutex> guard(output);
+    WriteOut(text, size, "\n");
+    WriteLog(text, size);
+}
+
+void PrintText(const char* text, size_t size) {
+    const std::lock_guard<std::mutex> guard(output);
+    WriteOut(text, size, "");
+}
+
+// Hands the formatted text to `sink`. Memory is only asked for if the text is unusually long.
+void WithFormatted(const char* format, va_list arguments, void (*sink)(const char* text, size_t size)) {
+    std::array<char, USUAL_LINE> line;
     va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
-    if (length > 0)
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+    const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
+    const auto size = static_cast<size_t>(length < 0 ? 0 : length);
+    if (size < line.size()) {
+        sink(line.data(), size);
+    } else {
+        std::string text(size, '\0');
+        std::vsnprintf(text.data(), size + 1, format, again);
+        sink(text.data(), size);
+    }
     va_end(again);
-    return text;
 }
 
 }  // namespace
 
-void ShowMessage(const char* text) {
-    WriteOut(std::string(text) + '\n');
-    LogMessage(text);
-}
+void ShowMessage(const char* text) { ShowLine(text, std::strlen(text)); }
 
 void ShowFormatted(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Formatted(format, arguments);
+    WithFormatted(format, arguments, ShowLine);
     va_end(arguments);
-    ShowMessage(text.c_str());
 }
 
 void LogMessage(const char* text) {
-    if (!PBlock.log || !fdlog)
-        return;
-    fdlog.WriteText((std::string(text) + '\n').c_str());
-    fdlog.Flush();
+    const std::lock_guard<std::mutex> guard(output);
+    WriteLog(text, std::strlen(text));
 }
 
 void Print(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    WriteOut(Formatted(format, arguments));
+    WithFormatted(format, arguments, PrintText);
     va_end(arguments);
 }
 
 void OpenLog() {
-    if (FileExists(logfile) && !DeleteFile(logfile)) {
+    // The name of a file in use can be taken away here, which would leave the other program's log without one.
+    if (FileIsHeld(logfile) || (FileExists(logfile) && !DeleteFile(logfile))) {
         Print("log file in use\n\n");
         return;
     }
     fdlog = File(logfile, "w");
+    if (fdlog)
+        log_lock.Hold(logfile);
 }
 
-void CloseLog() { fdlog.Close(); }
+void CloseLog() {
+    fdlog.Close();
+    log_lock.Release();
+}
 
 }  // namespace vrel

@@ -2,6 +2,7 @@
 
 #include "interface/messages.h"
 #include "interface/pblock.h"
+#include "platform/clock.h"
 #include "search/thread_pool.h"
 
 namespace vrel {
@@ -11,9 +12,16 @@ namespace {
 bool line_held = false;
 int ready_owed = 0;
 
+// Workers that search while the state is idle belong to a tool, which counts on nobody but itself to see them end.
+void EndSearchOfTool() {
+    PBlock.stop = STOP_COMMAND;
+    while (!WorkersIdle())
+        SleepMilliseconds(1);
+}
+
 }  // namespace
 
-bool EngineIsFree() { return PBlock.state == STATE_IDLE && WorkersIdle(); }
+bool EngineIsFree() { return PBlock.state == STATE_IDLE && PBlock.request == 0 && WorkersIdle(); }
 
 void EndRunningSearch() {
     if (PBlock.state == STATE_IDLE)
@@ -25,6 +33,8 @@ void EndRunningSearch() {
 }
 
 bool MustWait() {
+    if (PBlock.state == STATE_IDLE && !WorkersIdle())
+        EndSearchOfTool();
     if (EngineIsFree())
         return false;
     EndRunningSearch();
@@ -40,9 +50,14 @@ bool LineWasHeld() {
     return held;
 }
 
-void OweReadyOk() { ++ready_owed; }
+void OweReadyOk() {
+    ++ready_owed;
+    PayReadyOk();
+}
 
 void PayReadyOk() {
+    if (!WorkersIdle())
+        return;
     for (; ready_owed > 0; --ready_owed)
         ShowMessage("readyok");
 }

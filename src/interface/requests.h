@@ -3,14 +3,14 @@
 // How commands and the game loop deal with a search that is in the way.
 namespace vrel {
 
-// True if no search runs and none waits to be reported.
+// True if no search runs and none waits to be reported or started.
 bool EngineIsFree();
 
 // Asks a running search to end and to be reported, a pondering one as well.
 void EndRunningSearch();
 
 // For a command that needs a free engine: ends the search in its way. True if it can't be carried out yet; the line is
-// then held back and handled again when the engine is free.
+// then held back and handled again when the engine is free. A tool that searches without the game loop is waited for.
 bool MustWait();
 
 // Keeps the line in work at the head of the queue: it is handled again on the next turn.
@@ -19,7 +19,7 @@ void HoldLine();
 // For the input: true if the line just handled is to stay at the head of the queue. Resets itself.
 bool LineWasHeld();
 
-// `isready` is answered once all workers are idle, by the game loop.
+// `isready` is answered once all workers are idle: at once if they are, else when that is seen.
 void OweReadyOk();
 void PayReadyOk();
 

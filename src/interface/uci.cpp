@@ -20,8 +20,8 @@ namespace vrel {
 
 namespace {
 
-constexpr double LONGEST_TIME = 1e12;         // milliseconds that a clock may show
-constexpr double NO_TIME_LIMIT = 10000000.0;  // seconds
+constexpr long long LONGEST_TIME = 1000000000000;  // milliseconds that a clock may show
+constexpr double NO_TIME_LIMIT = 10000000.0;       // seconds
 
 void Introduce() {
     ShowFormatted("id name %s", version);
@@ -212,7 +212,9 @@ void SetGame(const char* rest) {
 
 // Searches -----------------------------------------------------------------------------------------------------------
 
-double Seconds(const char* value) { return ReadReal(value, 0.0, LONGEST_TIME) / 1000; }
+double Seconds(const char* milliseconds) {
+    return static_cast<double>(ReadLongInteger(milliseconds, 0, LONGEST_TIME)) / 1000;
+}
 
 void LimitToTime(double seconds) {
     PBlock.level_moves = 1;

@@ -1,0 +1,53 @@
+#include "platform/standard_output.h"
+
+#include <poll.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+
+namespace vrel {
+
+namespace {
+
+// The output may have been set not to block by whoever shares it.
+void WaitUntilWritable() {
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    poll(&output, 1, -1);
+}
+
+bool ReaderIsGone(int error) { return error == EPIPE || error == ECONNRESET || error == EIO; }
+
+// Takes the first `count` bytes off the two pieces.
+void Advance(std::array<iovec, 2>* pieces, size_t count) {
+    for (iovec& piece : *pieces) {
+        const size_t taken = std::min(count, piece.iov_len);
+        piece.iov_base = static_cast<char*>(piece.iov_base) + taken;
+        piece.iov_len -= taken;
+        count -= taken;
+    }
+}
+
+}  // namespace
+
+bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size) {
+    // The call takes both by a pointer to what it could change, and doesn't.
+    std::array<iovec, 2> pieces = {iovec{const_cast<char*>(text), size}, iovec{const_cast<char*>(end), end_size}};
+    while (pieces[0].iov_len + pieces[1].iov_len > 0) {
+        const ssize_t written = writev(STDOUT_FILENO, pieces.data(), static_cast<int>(pieces.size()));
+        if (written >= 0)
+            Advance(&pieces, static_cast<size_t>(written));
+        else if (errno == EAGAIN || errno == EWOULDBLOCK)
+            WaitUntilWritable();
+        else if (errno != EINTR)
+            return !ReaderIsGone(errno);
+    }
+    return true;
+}
+
+void IgnoreBrokenPipe() { std::signal(SIGPIPE, SIG_IGN); }
+
+}  // namespace vrel

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+
+// Standard output as a stream of bytes, without a buffer: what is written is out when the call returns.
+namespace vrel {
+
+// Writes `text` and, behind it, `end`, if possible in one piece. Waits for a slow reader. False if there is no reader
+// any more; output that is lost in another way, such as on a full disk, is no reason to end.
+bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size);
+
+// Lets a write without a reader fail, instead of ending the program there and then.
+void IgnoreBrokenPipe();
+
+}  // namespace vrel
