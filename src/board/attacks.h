@@ -4,27 +4,45 @@
 
 #include "board/position.h"
 
-// Who attacks what. Attack sets are made from pairs of opposite rays by obstruction difference; yes-or-no questions
+// Who attacks what. Attack sets are made from the lines of a square by subtraction; yes-or-no questions
 // build no set but walk the few sliders on the lines of a square.
 namespace vrel {
 
-// The squares that a slider reaches along one line, first blockers included. `lower` and `upper` are the two rays of
-// the line, towards the lower and the higher squares. The difference of the nearest blockers covers just the squares
-// from one to the other (obstruction difference).
-inline uint64_t LineAttacks(uint64_t lower, uint64_t upper, uint64_t occ) {
-    const uint64_t above = upper & occ;
-    const uint64_t from_below = ~0ULL << GetMSB((lower & occ) | 1);
-    return (lower | upper) & (2 * (above & (0 - above)) + from_below);
+// What the attack sets of a slider need about its square, in one cache line. "No square" has empty lines.
+struct alignas(64) SquareLines {
+    uint64_t file, diagonal, antidiagonal;  // without the square itself
+    uint64_t west, east;
+    uint64_t bit;
+    uint64_t turned_bit;  // on the board turned upside down
+};
+extern const std::array<SquareLines, SQUARES> square_lines;
+
+// The squares that a slider reaches along one line that isn't a rank, first blockers included. Taking the slider from
+// the occupied squares of its line borrows from the nearest blocker above, and so changes just what lies between; on
+// the board turned upside down the same holds for the blocker below.
+inline uint64_t LineAttacks(const SquareLines& lines, uint64_t line, uint64_t occ) {
+    const uint64_t blockers = line & occ;
+    const uint64_t above = blockers - lines.bit;
+    const uint64_t below = __builtin_bswap64(__builtin_bswap64(blockers) - lines.turned_bit);
+    return (above ^ below) & line;
+}
+
+// The same along a rank, which turning the board doesn't reverse: the difference of the nearest blockers covers just
+// the squares from one to the other.
+inline uint64_t RankAttacks(const SquareLines& lines, uint64_t occ) {
+    const uint64_t right = lines.east & occ;
+    const uint64_t from_left = ~0ULL << GetMSB((lines.west & occ) | 1);
+    return (lines.west | lines.east) & (2 * (right & (0 - right)) + from_left);
 }
 
 // Attack sets of a slider on `sq` over the occupied set `occ`, the first blocker of each direction included.
 inline uint64_t GenAttacksB(int sq, uint64_t occ) {
-    const auto n = static_cast<size_t>(sq);
-    return LineAttacks(BB_RaySW[n], BB_RayNE[n], occ) | LineAttacks(BB_RaySE[n], BB_RayNW[n], occ);
+    const SquareLines& lines = square_lines[static_cast<size_t>(sq)];
+    return LineAttacks(lines, lines.diagonal, occ) | LineAttacks(lines, lines.antidiagonal, occ);
 }
 inline uint64_t GenAttacksR(int sq, uint64_t occ) {
-    const auto n = static_cast<size_t>(sq);
-    return LineAttacks(BB_RayS[n], BB_RayN[n], occ) | LineAttacks(BB_RayW[n], BB_RayE[n], occ);
+    const SquareLines& lines = square_lines[static_cast<size_t>(sq)];
+    return LineAttacks(lines, lines.file, occ) | RankAttacks(lines, occ);
 }
 
 // True if a slider of `set`, which lies on lines of `sq`, sees it over `occ`.
