@@ -123,8 +123,12 @@ template <bool Root>
     EvalPinnedPieces<BLACK>(ctx);
 
     // Kings in opposition, the white one below: whoever is to move gives way. The mirror case doesn't count.
-    if (ctx->stage == 24 && ctx->king_sq[BLACK] == ctx->king_sq[WHITE] + 16 && ctx->king_sq[BLACK] != NO_SQUARE)
-        ctx->score[static_cast<size_t>(ctx->side)] -= MakePair(0, 5);
+    if (ctx->stage == 24 && ctx->king_sq[BLACK] == ctx->king_sq[WHITE] + 16 && ctx->king_sq[BLACK] != NO_SQUARE) {
+        if (ctx->side == WHITE)
+            ctx->score[WHITE] -= MakePair(0, 5);
+        else
+            ctx->score[BLACK] -= MakePair(0, 5);
+    }
 }
 
 // Blends opening and ending, for the side to move.

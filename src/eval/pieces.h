@@ -57,8 +57,10 @@ template <int Side>
     ctx->attacks[KING][Side] = king;
     ctx->attacks[0][Side] = pawns | king;
     ctx->double_attacks[Side] = pawns & king;
-    for (int type = KNIGHT; type <= QUEEN; ++type)
-        ctx->attacks[static_cast<size_t>(type)][Side] = 0;
+    ctx->attacks[KNIGHT][Side] = 0;
+    ctx->attacks[BISHOP][Side] = 0;
+    ctx->attacks[ROOK][Side] = 0;
+    ctx->attacks[QUEEN][Side] = 0;
 }
 
 // The squares of the terms; the attacks of both sides' pawns are known.
