@@ -1,42 +1,65 @@
 #include "book/book_keys.h"
 
 #include <array>
+#include <bit>
 #include <cstddef>
 
 namespace vrel {
+
+static_assert(std::endian::native == std::endian::little, "book records are read and written as they lie in memory");
 
 uint16_t hash1 = 0;
 uint32_t hash2 = 0;
 
 namespace {
 
-std::array<uint16_t, 772> hasharea;
+constexpr size_t HASH_NUMBERS = 772;
+
+// Random numbers of the book's own.
+constexpr std::array<uint16_t, HASH_NUMBERS> hasharea = [] {
+    std::array<uint16_t, HASH_NUMBERS> numbers{};
+    uint32_t x = 77;
+    for (uint16_t& number : numbers) {
+        x = (x * 33 + 12345) % 65536;
+        number = static_cast<uint16_t>(x);
+    }
+    return numbers;
+}();
+
+// Place of a piece type's first number; a black piece stands 64 numbers behind a white one.
 constexpr std::array<size_t, 7> of2 = {0, 0, 128, 256, 384, 512, 640};
 
-}  // namespace
+// What a piece on a square adds to either hash, by piece code.
+struct PieceHash {
+    std::array<std::array<uint16_t, 64>, 16> first;
+    std::array<std::array<uint32_t, 64>, 16> second;
+};
 
-void InitBookKeys() {
-    uint32_t x = 77;
-    for (uint16_t& value : hasharea) {
-        x = (x * 33 + 12345) & 0xffff;
-        value = static_cast<uint16_t>(x);
-    }
-}
+constexpr PieceHash kPieceHash = [] {
+    PieceHash hash{};
+    for (int side = WHITE; side <= BLACK; ++side)
+        for (int type = PAWN; type <= KING; ++type)
+            for (size_t sq = 0; sq < 64; ++sq) {
+                const auto code = static_cast<size_t>(PieceCode(side, type));
+                const size_t i = of2[static_cast<size_t>(type)] + sq + (side == BLACK ? 64 : 0);
+                hash.first[code][sq] = hasharea[i];
+                hash.second[code][sq] = (static_cast<uint32_t>(hasharea[i + 1]) << 16) + hasharea[i + 2];
+            }
+    return hash;
+}();
+
+}  // namespace
 
 void UpdatePosHash(const Position& pos) {
     hash1 = 0;
     hash2 = 0;
-    for (size_t side = 0; side < 2; ++side) {
-        const bool to_move = side == pos.stm;
-        for (size_t type = PAWN; type <= KING; ++type) {
-            uint64_t set = pos.bb[side][type];
-            while (set) {
-                const size_t i = of2[type] + side * 64 + static_cast<size_t>(PopLSB(&set));
-                if (to_move)
-                    hash1 ^= hasharea[i];
-                hash2 ^= (static_cast<uint32_t>(hasharea[i + 1]) << 16) + hasharea[i + 2];
-            }
-        }
+    uint64_t pieces = Occupied(pos);
+    while (pieces) {
+        const auto sq = static_cast<size_t>(PopLSB(&pieces));
+        const size_t code = pos.board[sq];
+        if (SideOf(static_cast<int>(code)) == pos.stm)
+            hash1 ^= kPieceHash.first[code][sq];
+        hash2 ^= kPieceHash.second[code][sq];
     }
     hash2 += pos.ep_square;
 }

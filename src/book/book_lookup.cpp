@@ -4,15 +4,13 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
-#include <memory>
-#include <new>
+#include <limits>
 
 #include "board/generate.h"
 #include "board/legality.h"
 #include "board/make_move.h"
-#include "book/book_keys.h"
-#include "book/book_record.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
@@ -22,127 +20,145 @@ namespace vrel {
 
 namespace {
 
-constexpr int BUFFER = 2048;    // records of the file held at a time
-constexpr size_t INDEX = 1024;  // by the top ten bits of a key
-constexpr double COLOUR_BIAS = 0.02;
+constexpr size_t BUFFER_RECORDS = 2048;
+constexpr int PREFIX_SHIFT = 6;  // the index goes by the top ten bits of a key
+constexpr int NOT_IN_BOOK = -1;
 
-// First record of the file with each prefix, -1 if there is none.
-std::unique_ptr<int32_t[]> bktable;
-std::unique_ptr<BookRecord[]> bkbuffr;
-int32_t bkrecnum = 0;  // records in the file; 0 means no book
+// By the top ten bits of the key: number of the first record of the file that begins so.
+std::array<int32_t, 1024> bktable;
 
-// The part of the file in the buffer: highest and lowest key, and its length. No key lies in the range at first.
-struct {
-    uint16_t first = 0;
-    uint16_t last = 1;
-    int cnt = 0;
-} held;
+// The part of the file last read, and how many records that is.
+std::array<BookRecord, BUFFER_RECORDS> bkbuffr;
+size_t cnt = 0;
 
-size_t Prefix(uint16_t key) { return key >> 6; }
+// Number of records in the file, 0 for no book.
+int32_t bkrecnum = 0;
 
-bool ReadRecord(File* in, BookRecord* record) { return in->Read(record, sizeof *record) == sizeof *record; }
+// Highest and lowest key in the buffer. Before the first load no key lies between them.
+int first = 0;
+int last = 1;
 
-void BuildIndex(File* in) {
-    BookRecord record;
-    while (ReadRecord(in, &record)) {
-        int32_t& start = bktable[Prefix(record.key)];
-        if (start == -1)
-            start = bkrecnum;
-        ++bkrecnum;
-    }
+constexpr int PrefixOf(int key) { return key >> PREFIX_SHIFT; }
+
+void ForgetBuffer() {
+    first = 0;
+    last = 1;
+    cnt = 0;
 }
 
-// Loads the records from the prefix of `key` on, up to the first beyond it. The file is opened anew for each load, so
-// that it may be replaced meanwhile.
-bool Load(uint16_t key) {
-    held = {};
-    const int32_t start = bktable[Prefix(key)];
-    if (PBlock.book_file[0] == '\0' || start < 0)
+// Reads the records from the first one with the prefix of `key` up to one with a lower prefix, which stays in the
+// buffer. False, with the buffer as it was, if the book has no such prefix or can't be opened.
+bool LoadBuffer(int key) {
+    if (PBlock.book_file[0] == 0)
         return false;
-    File in(PBlock.book_file.data(), "rb");
-    if (!in || !in.Seek(static_cast<long>(start) * static_cast<long>(sizeof(BookRecord))))
+    File file(PBlock.book_file.data(), "rb");
+    const int32_t start = bktable[static_cast<size_t>(PrefixOf(key))];
+    if (!file || start == NOT_IN_BOOK)
         return false;
-    int n = 0;
-    while (n < BUFFER && ReadRecord(&in, &bkbuffr[static_cast<size_t>(n)])) {
-        const uint16_t read = bkbuffr[static_cast<size_t>(n)].key;
-        ++n;
-        if (Prefix(read) < Prefix(key))
+    ForgetBuffer();
+    if (!file.Seek(static_cast<long>(start) * static_cast<long>(sizeof(BookRecord))))
+        return false;
+    while (cnt < BUFFER_RECORDS && file.Read(&bkbuffr[cnt], sizeof(BookRecord)) == sizeof(BookRecord))
+        if (PrefixOf(bkbuffr[cnt++].key) < PrefixOf(key))
             break;
-    }
-    if (n == 0)
+    // The file may have become shorter since it was indexed.
+    if (cnt == 0)
         return false;
-    held = {bkbuffr[0].key, bkbuffr[static_cast<size_t>(n - 1)].key, n};
+    first = bkbuffr[0].key;
+    last = bkbuffr[cnt - 1].key;
     return true;
 }
 
-// The record of the last hashes with `side` to move, null if the book hasn't the position. The copy is valid until
-// the next call.
-const BookRecord* FindPosition(int side) {
-    static BookRecord h;
-    if (bkrecnum == 0)
-        return nullptr;
-    const uint16_t key = BookKey(hash1, side);
-    if (hash1 == 0)
-        held = {};
-    if ((key < held.last || key > held.first) && !Load(key))
-        return nullptr;
-    const uint64_t sought = static_cast<uint64_t>(key) << 32 | hash2;
-    int low = 0;
-    int high = held.cnt - 1;
-    while (low <= high) {
-        const int middle = (low + high) / 2;
-        h = bkbuffr[static_cast<size_t>(middle)];
-        if (sought < OrderOf(h))
+// Counts the records and notes where each prefix begins. The buffer holds the part of the file in work.
+void IndexBook() {
+    bktable.fill(NOT_IN_BOOK);
+    if (PBlock.book_file[0] == 0)
+        return;
+    File file(PBlock.book_file.data(), "rb");
+    size_t count;
+    do {
+        count = file.Read(bkbuffr.data(), sizeof bkbuffr) / sizeof(BookRecord);
+        for (size_t i = 0; i < count && bkrecnum < std::numeric_limits<int32_t>::max(); ++i, ++bkrecnum) {
+            int32_t& start = bktable[static_cast<size_t>(PrefixOf(bkbuffr[i].key))];
+            if (start == NOT_IN_BOOK)
+                start = bkrecnum;
+        }
+    } while (count == BUFFER_RECORDS);
+}
+
+// Binary search in the buffer, whose order falls; null if it isn't there. Ends in a buffer without order as well.
+const BookRecord* SearchBuffer(uint64_t order) {
+    size_t low = 0;
+    size_t high = cnt;  // one behind the range
+    while (low < high) {
+        const size_t middle = (low + high - 1) / 2;
+        const uint64_t found = BookOrder(bkbuffr[middle]);
+        if (order == found)
+            return &bkbuffr[middle];
+        if (order < found)
             low = middle + 1;
-        else if (sought > OrderOf(h))
-            high = middle - 1;
         else
-            return &h;
+            high = middle;
     }
     return nullptr;
 }
 
-// How well the chooser has done with a move, and how much that is worth with a random share.
-struct Candidate {
-    int wins, losses, draws;
-    double score, value;
-};
+// The share of the points that the chooser got, the games counted with one loss more.
+double BookScore(int w, int l, int d) { return (w + d / 2.0) / (w + l + d + 1); }
 
-Candidate Judge(const BookRecord& child, double bias) {
-    Candidate c{child.losses, child.wins, child.draws, 0.0, 0.0};
-    const int random = std::rand();
-    c.score = (c.wins + c.draws / 2.0) / (c.wins + c.losses + c.draws + 1);
-    if (c.wins <= 1 || c.wins < c.losses / 2)
-        return c;
-    const int spread = PBlock.book_random;
-    const double chance = spread > 0 ? (random % spread) * 0.01 : 0.0;
-    const int good = c.wins + c.draws;
-    c.value = 2 * c.score + bias + chance - 1.25 * std::sqrt(good) / (good + 1);
-    return c;
+// A little chance, so that games differ. The draw happens for every child found, whether it is used or not.
+double RandomTerm() {
+    const int r = std::rand();
+    const int range = PBlock.book_random;
+    return range == 0 ? 0.0 : (r % range) * 0.01;
+}
+
+// What a move is worth by the games behind it; 0 if there are too few wins to play it.
+double BookValue(int w, int l, int d, double bias, double random) {
+    if (w <= 1 || w < l / 2)
+        return 0.0;
+    // The last term holds against moves with few games.
+    return 2 * BookScore(w, l, d) + bias + random - 1.25 * std::sqrt(w + d) / (w + d + 1);
+}
+
+// The record of the position behind a legal move; null if the book doesn't hold it.
+const BookRecord* FindChild(Position* pos, Move move) {
+    MakeMove(pos, move);
+    UpdatePosHash(*pos);
+    const BookRecord* child = FindPosition(pos->stm);
+    UnmakeMove(pos);
+    return child;
 }
 
 }  // namespace
 
 void InitBook() {
-    InitBookKeys();
-    bkbuffr.reset(new (std::nothrow) BookRecord[BUFFER]());
-    bktable.reset(new (std::nothrow) int32_t[INDEX]);
-    bkrecnum = 0;
-    if (!bkbuffr || !bktable)
-        return;
-    std::fill_n(bktable.get(), INDEX, -1);
-    if (PBlock.book_file[0] != '\0')
-        if (File in(PBlock.book_file.data(), "rb"); in)
-            BuildIndex(&in);
+    KillBook();
+    IndexBook();
     hash1 = 0;
     hash2 = 0;
     FindPosition(WHITE);
 }
 
 void KillBook() {
-    bkbuffr.reset();
-    bktable.reset();
     bkrecnum = 0;
+    ForgetBuffer();
+}
+
+const BookRecord* FindPosition(int side) {
+    static BookRecord h;
+    if (bkrecnum == 0)
+        return nullptr;
+    const int key = BookKey(side);
+    if (hash1 == 0)
+        ForgetBuffer();
+    if ((key < last || key > first) && !LoadBuffer(key))
+        return nullptr;
+    const BookRecord* found = SearchBuffer(BookOrder(static_cast<uint16_t>(key), hash2));
+    if (found == nullptr)
+        return nullptr;
+    h = *found;
+    return &h;
 }
 
 void GetCandidates(Position* pos, bool verbose) {
@@ -152,10 +168,10 @@ void GetCandidates(Position* pos, bool verbose) {
         return;
     GenerateAll(pos);
     UpdatePosHash(*pos);
-    // The first position of a game isn't in the book, but its children may be.
+    // A game that has left the book stays outside. A position that was set up may come back to it by its children.
     if (pos->game_ply > 0 && FindPosition(pos->stm) == nullptr)
         return;
-    const double bias = pos->stm == WHITE ? -COLOUR_BIAS : COLOUR_BIAS;
+    const double bias = pos->stm == WHITE ? -0.02 : 0.02;
     double best = 0.0;
     MoveText text;
     for (MoveEntry* entry = pos->frames[pos->ply].first; entry->move != END_OF_LIST; ++entry) {
@@ -163,19 +179,20 @@ void GetCandidates(Position* pos, bool verbose) {
         const Move move = entry->move;
         if (!MoveIsLegal(*pos, pos->stm, move))
             continue;
-        MakeMove(pos, move);
-        UpdatePosHash(*pos);
-        if (const BookRecord* child = FindPosition(pos->stm)) {
-            const Candidate c = Judge(*child, bias);
-            if (c.value > best) {
-                PBlock.pv[1] = move;
-                best = c.value;
-            }
-            if (verbose)
-                Print("%s   %5d - %5d - %5d   %0.3f  %0.3f\n", MoveToStr(move, text.data()), c.wins, c.losses, c.draws,
-                      c.score, c.value);
+        const BookRecord* child = FindChild(pos, move);
+        if (child == nullptr)
+            continue;
+        const int w = child->losses;
+        const int l = child->wins;
+        const int d = child->draws;
+        const double value = BookValue(w, l, d, bias, RandomTerm());
+        if (value > best) {
+            best = value;
+            PBlock.pv[1] = move;
         }
-        UnmakeMove(pos);
+        if (verbose)
+            Print("%s   %5d - %5d - %5d   %0.3f  %0.3f\n", MoveToStr(move, text.data()), w, l, d, BookScore(w, l, d),
+                  value);
     }
     if (verbose && PBlock.pv[1] != NO_MOVE)
         Print("book move is %s\n", MoveToStr(PBlock.pv[1], text.data()));

@@ -1,12 +1,19 @@
 #pragma once
 
 #include "board/position.h"
+#include "book/book_keys.h"
 
 namespace vrel {
 
-// Allocates the tables and indexes PBlock.book_file; a missing file is no error.
+// Indexes PBlock.book_file; a missing file is no error, then there is no book.
 void InitBook();
+
+// From here on there is no book.
 void KillBook();
+
+// The record of the position last given to UpdatePosHash, with `side` to move; null if the book doesn't hold it. Good
+// until the next call.
+const BookRecord* FindPosition(int side);
 
 // Chooses a book move and leaves it in pv[1] of PBlock, with pv[2] 0; pv[1] is 0 if there is none. `verbose` prints
 // what is considered.
