@@ -96,6 +96,17 @@ bool File::Close() {
 
 bool FileExists(const char* name) { return access(name, F_OK) == 0; }
 
+bool ReadFileStamp(const char* name, FileStamp* stamp) {
+    struct stat status {};
+    if (stat(name, &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    stamp->device = status.st_dev;
+    stamp->number = status.st_ino;
+    stamp->size = status.st_size;
+    stamp->changed = status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec;
+    return true;
+}
+
 bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }

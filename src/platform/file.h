@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -51,6 +52,22 @@ private:
 };
 
 bool FileExists(const char* name);
+
+// What tells one state of a file from another.
+struct FileStamp {
+    uint64_t device = 0;
+    uint64_t number = 0;  // of the file on its device
+    int64_t size = 0;     // bytes
+    int64_t changed = 0;  // nanoseconds of the last change of its contents
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+// False if there is no regular file of that name.
+bool ReadFileStamp(const char* name, FileStamp* stamp);
+
+// True if two stamps are of one file, whatever was written to it in between.
+inline bool SameFile(const FileStamp& a, const FileStamp& b) { return a.device == b.device && a.number == b.number; }
 
 // True on success. A directory is not deleted.
 bool DeleteFile(const char* name);
