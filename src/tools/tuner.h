@@ -4,10 +4,12 @@
 
 namespace vrel {
 
-// Gradient descent over all weights, on the positions of PBlock.epd_file.
+// Gradient descent over all weights, on the positions of PBlock.epd_file. The result is left in Personality and told
+// in "tune.log".
 void Tune();
 
-// Brackets the best value of one weight within `range`, restores it and returns what was found.
+// Brackets the best value of one weight within `range` on either side, on the positions of PBlock.epd_file. Restores
+// the weight and returns what was found.
 int PTune(const char* name, int16_t* param, int range);
 
 }  // namespace vrel

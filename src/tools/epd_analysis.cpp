@@ -1,0 +1,214 @@
+#include "tools/epd_analysis.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "board/fen.h"
+#include "eval/eval_tables.h"
+#include "interface/board_display.h"  // shows each position to the person who watches
+#include "interface/input.h"          // the tools stand in for the game loop and keep the input alive
+#include "interface/messages.h"
+#include "interface/move_text.h"
+#include "interface/pblock.h"
+#include "interface/time_control.h"
+#include "search/search.h"
+#include "search/search_report.h"
+#include "search/search_thread.h"
+#include "search/thread_pool.h"
+#include "search/transposition.h"
+#include "tools/epd_file.h"
+#include "tools/expected_result.h"
+#include "tools/training_set.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr Move NOT_LOOKED_FOR = END_OF_LIST;  // epd_best when nothing is searched
+constexpr int WORKER_DEPTH = 5;               // deeper searches run on the workers
+constexpr int TABLE_DEPTH = 1;                // so do those that profit from the table
+constexpr int POLL_INTERVAL = 16;             // positions between looks at the input
+
+// Sums over the positions analysed.
+struct Totals {
+    int positions = 0;
+    int correct = 0;
+    double time = 0.0;
+    double nodes = 0.0;
+    double depth = 0.0;
+    double branching = 0.0;
+    double error = 0.0;
+};
+
+bool IsSilent() { return PBlock.noise == SILENT; }
+
+// Where the positions come from: the kept set, or the file line by line.
+class Source {
+public:
+    explicit Source(const char* name) : file_(name) {
+        if (file_ && PBlock.max_depth <= 0 && IsSilent())
+            set_ = GetTrainingSet(name);
+    }
+
+    explicit operator bool() const { return static_cast<bool>(file_); }
+
+    // The next line, empty if the kept set serves. False at the end.
+    bool Next() { return set_ != nullptr ? next_ < set_->size() : file_.Next(line_.data()); }
+
+    // Puts the position on the board of the game and returns its target.
+    double SetUp() {
+        if (set_ != nullptr) {
+            const TrainingPosition& entry = (*set_)[next_++];
+            PlaceOnBoard(entry);
+            return entry.target;
+        }
+        SetPosition(GamePosition(), line_.data());
+        return ReadTarget(line_.data());
+    }
+
+    const char* line() const { return line_.data(); }
+
+private:
+    EpdFile file_;
+    const TrainingSet* set_ = nullptr;
+    size_t next_ = 0;
+    std::array<char, EPD_LINE> line_{};
+};
+
+void PollInput() {
+    SearchTimeout();
+    UserInput();
+}
+
+// The workers search; this thread keeps the clock and the input alive. It doesn't sleep before there is a result, so
+// that the quickest searches lose no time.
+void SearchOnWorkers() {
+    StartWorkers();
+    while (!WorkersIdle()) {
+        PollInput();
+        if (PBlock.quit)
+            PBlock.stop = STOP_COMMAND;
+        if (PBlock.depth > 1 && PBlock.done_depth > 0)
+            UI_Sleep(1);
+    }
+}
+
+// A search of a few plies isn't worth a worker's time to wake up.
+void SearchHere(int position) {
+    SearchIterations(1);
+    PBlock.score = GetThread(1)->score;
+    if (position % POLL_INTERVAL == 0)
+        PollInput();
+}
+
+void ShowPosition(int number, const char* line) {
+    ShowFormatted("pos= %d", number);
+    ShowMessage(line);
+    ShowBoard(*GamePosition());
+}
+
+void ShowResult() {
+    DisplayPublishedLine();
+    MoveText text;
+    const double elapsed = PBlock.elapsed;
+    const auto nodes = static_cast<double>(sstats[STAT_NODES]);
+    ShowFormatted("move= %s, time= %0.3f, score= %d, nodes= %0.0f, %0.0fK nps\n", MoveToStr(PBlock.pv[1], text.data()),
+                  elapsed, PBlock.score.Get(), nodes, nodes / (elapsed + 0.001) / 1000);
+}
+
+// One search of the position on the board.
+void Search(int position) {
+    GetElapsedTime(0);
+    InitSearch();
+    // The search has a limit of time as any other one; nobody asked for it by a command.
+    PBlock.state = STATE_THINKING;
+    if (PBlock.max_depth > WORKER_DEPTH)
+        SearchOnWorkers();
+    else
+        SearchHere(position);
+}
+
+void AddSearch(Totals* totals, double target) {
+    Collect();
+    totals->time += PBlock.elapsed;
+    totals->nodes += static_cast<double>(sstats[STAT_NODES]);
+    totals->depth += PBlock.depth;
+    totals->branching += EffectiveBranchingFactor();
+    totals->error += std::fabs(target - ExpectedResult(PBlock.score));
+}
+
+void AnalysePosition(Source* source, File* unsolved, bool timed, Totals* totals) {
+    ++totals->positions;
+    const double target = source->SetUp();
+    PBlock.epd_best = PBlock.max_depth > 0 ? ReadBestMove(source->line()) : NOT_LOOKED_FOR;
+    if (PBlock.max_depth > TABLE_DEPTH)
+        ClearTTable();
+    if (!IsSilent())
+        ShowPosition(totals->positions, source->line());
+    Search(totals->positions);
+    // Reading the clock takes a good part of the time of a position without a search.
+    if (timed || !IsSilent())
+        GetElapsedTime(1);
+    AddSearch(totals, target);
+    if (PBlock.pv[1] == PBlock.epd_best)
+        ++totals->correct;
+    else if (*unsolved)
+        unsolved->Print("%s\n", source->line());
+    if (!IsSilent())
+        ShowResult();
+    PBlock.state = STATE_IDLE;
+}
+
+// Turns sums into means; without a position they are 0 already.
+struct Means {
+    explicit Means(const Totals& totals) {
+        const double n = totals.positions > 0 ? totals.positions : 1;
+        depth = totals.depth / n;
+        nodes = totals.nodes / n;
+        branching = totals.branching / n;
+        error = totals.error / n;
+    }
+    double depth, nodes, branching, error;
+};
+
+void ShowSummary(const Totals& totals, const Means& means) {
+    ShowFormatted("%d / %d correct best moves", totals.correct, totals.positions);
+    ShowFormatted("total nodes= %0.0f", totals.nodes);
+    ShowFormatted("total time= %0.2f seconds", totals.time);
+    ShowFormatted("avg depth= %0.1f", means.depth);
+    ShowFormatted("avg nodes= %0.1f", means.nodes);
+    ShowFormatted("node_rate= %0.0f", totals.nodes / (totals.time + 0.01));
+    ShowFormatted("avg bf= %0.2f", means.branching);
+    ShowFormatted("avg error= %0.5f\n", means.error);
+}
+
+}  // namespace
+
+double Analyze_EPD_File(bool show) {
+    const char* name = PBlock.epd_file.data();
+    Source source(name);
+    if (!source)
+        return 1.0;
+    File unsolved;
+    if (PBlock.max_depth > 0) {
+        unsolved = CreateOutput("unsolved.epd", name);
+        if (!unsolved)
+            return 1.0;
+    }
+    InitEval();
+    if (show)
+        ShowFormatted("Analyzing %s...", name);
+    if (PBlock.max_depth <= TABLE_DEPTH)
+        PBlock.use_hash = 0;
+    Totals totals;
+    const bool timed = show || PBlock.max_depth > 0;
+    while (!PBlock.quit && source.Next())
+        AnalysePosition(&source, &unsolved, timed, &totals);
+    const Means means(totals);
+    if (show)
+        ShowSummary(totals, means);
+    return means.error;
+}
+
+}  // namespace vrel

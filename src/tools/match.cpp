@@ -1,0 +1,152 @@
+#include "tools/match.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+
+#include "board/fen.h"
+#include "board/make_move.h"
+#include "book/book_lookup.h"
+#include "eval/eval_tables.h"
+#include "eval/personality.h"
+#include "interface/input.h"  // the tools stand in for the game loop and keep the input alive
+#include "interface/messages.h"
+#include "interface/pblock.h"
+#include "interface/time_control.h"
+#include "search/search.h"
+#include "search/search_report.h"
+#include "search/search_thread.h"
+#include "search/transposition.h"
+#include "tools/match_record.h"
+#include "tools/player_file.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int GAMES = 8000;
+constexpr int BOOK_PLIES = 12;
+constexpr int POLL_INTERVAL = 16;  // moves between looks at the input
+constexpr int DECIDED_SCORE = 900;
+constexpr int FIFTY_LIMIT = 100;
+
+using Players = std::array<PersonalityRecord, 2>;
+
+void ApplySettings() {
+    PBlock.book_random = 100;
+    PBlock.noise = SILENT;
+    PBlock.clock[WHITE] = 1.0;
+    PBlock.clock[BLACK] = 1.0;
+    PBlock.level_time = 1.0;
+    PBlock.level_moves = 1;
+    PBlock.max_nodes = 250 * (95 + std::rand() % 11);
+}
+
+// True if the position has been on the board twice before since the last move that can't be taken back.
+bool IsThirdOccurrence(const Position& pos) {
+    if (pos.fifty <= 3)
+        return false;
+    int equal = 0;
+    for (int i = pos.game_ply - 4; i >= 0 && i >= pos.game_ply - pos.fifty; i -= 2)
+        equal += pos.undo[i].hash == pos.hash;
+    return equal >= 2;
+}
+
+// Leaves the move of the side to move and its score in PBlock; no move in a repeated position.
+void FindMove(Position* pos, const PersonalityRecord& player) {
+    GetElapsedTime(0);
+    InitSearch();
+    Personality = player;
+    if (pos->game_ply < BOOK_PLIES) {
+        GetCandidates(pos, false);
+        PBlock.score = 0;
+    }
+    if (PBlock.pv[1] == NO_MOVE) {
+        InitEval();
+        if (IsThirdOccurrence(*pos))
+            PBlock.score = 0;
+        else
+            SearchIterations(1);
+    }
+    GetElapsedTime(1);
+}
+
+// What ends the game before the move found is made. False if it goes on.
+bool Adjudicate(const Position& pos, MatchResult* result) {
+    const MatchResult won = pos.stm == WHITE ? WHITE_WINS : BLACK_WINS;
+    const MatchResult lost = pos.stm == WHITE ? BLACK_WINS : WHITE_WINS;
+    const int score = PBlock.score;
+    if (score < -DECIDED_SCORE)
+        *result = lost;
+    else if (score > DECIDED_SCORE)
+        *result = won;
+    else if (pos.fifty > FIFTY_LIMIT || PBlock.pv[1] == NO_MOVE)
+        *result = DRAWN;
+    else
+        return false;
+    return true;
+}
+
+// Plays one game; false if the match is to end instead.
+bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
+    Position* pos = GamePosition();
+    SetPosition(pos, fen_opn);
+    game->white = std::rand() & 1;
+    game->count = 0;
+    game->result = DRAWN;
+    PBlock.use_hash = 0;
+    ClearTTable();
+    // A game that the record can't hold is a draw.
+    while (game->count < MATCH_MOVES) {
+        FindMove(pos, players[static_cast<size_t>(game->white ^ pos->stm)]);
+        if (++*moves_played % POLL_INTERVAL == 0) {
+            SearchTimeout();
+            UserInput();
+        }
+        if (PBlock.quit)
+            return false;
+        Collect();
+        const bool over = Adjudicate(*pos, &game->result);
+        RecordMove(game, PBlock.pv[1], PBlock.score, PBlock.depth);
+        if (over)
+            break;
+        PlayGameMove(pos, PBlock.pv[1]);
+    }
+    return true;
+}
+
+void ShowScore(const MatchScore& score, int games) {
+    const double rate = MatchRate(score, games);
+    ShowFormatted("%4d games,  %3d %3d %3d  %0.3f (+/- %0.3f) %c", games, score.wins, score.losses, score.draws, rate,
+                  MatchMargin(games), MatchMark(rate, games));
+}
+
+}  // namespace
+
+void PlayMatch() {
+    Players players = {DefaultPersonality, DefaultPersonality};
+    if (!ReadPlayerFile("player2.par", &players[1]))
+        return;
+    InitEval();
+    File out(PBlock.match_file.data(), "w");
+    if (!out) {
+        Print("can't open %s\n", PBlock.match_file.data());
+        return;
+    }
+    ApplySettings();
+    ShowMessage("Starting match...");
+    MatchScore score;
+    MatchGame game;
+    int moves_played = 0;
+    for (game.number = 1; game.number <= GAMES; ++game.number) {
+        if (!PlayGame(players, &game, &moves_played))
+            return;
+        CountResult(game, &score);
+        if (game.number % 10 == 9)
+            ShowScore(score, game.number);
+        WriteGame(&out, game);
+        out.Flush();  // whoever looks on sees whole games
+    }
+}
+
+}  // namespace vrel

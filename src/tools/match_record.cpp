@@ -1,0 +1,60 @@
+#include "tools/match_record.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+
+#include "interface/move_text.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int FEWEST_GAMES = 200;  // up to here a rate tells nothing
+
+const char* PlayerName(int player) { return player == 0 ? "Player1" : "Player2"; }
+
+const char* ResultText(MatchResult result) {
+    return result == WHITE_WINS ? "1-0" : result == BLACK_WINS ? "0-1" : "1/2-1/2";
+}
+
+}  // namespace
+
+void RecordMove(MatchGame* game, Move move, int score, int depth) {
+    MatchMove& entry = game->moves[static_cast<size_t>(game->count++)];
+    std::snprintf(entry.text.data(), entry.text.size(), "%s%s", algbr(FromSquare(move)), algbr(ToSquare(move)));
+    entry.score = static_cast<int16_t>(score);
+    entry.depth = static_cast<int16_t>(depth);
+}
+
+void CountResult(const MatchGame& game, MatchScore* score) {
+    if (game.result == DRAWN)
+        ++score->draws;
+    else if ((game.result == WHITE_WINS) == (game.white == 0))
+        ++score->wins;
+    else
+        ++score->losses;
+}
+
+double MatchRate(const MatchScore& score, int games) { return (score.wins + score.draws / 2.0) / games; }
+
+double MatchMargin(int games) { return 1.5 * std::sqrt(games + 10.0) / (games + 1.0); }
+
+char MatchMark(double rate, int games) {
+    return games > FEWEST_GAMES && std::fabs(rate - 0.5) > MatchMargin(games) ? '*' : ' ';
+}
+
+void WriteGame(File* out, const MatchGame& game) {
+    out->Print("[Event selfplay]\n[Game %d]\n", game.number);
+    out->Print("[White \"%s\"]\n[Black \"%s\"]\n", PlayerName(game.white), PlayerName(game.white ^ 1));
+    out->Print("[Result \"%s\"]\n", ResultText(game.result));
+    for (int i = 0; i < game.count; ++i) {
+        const MatchMove& move = game.moves[static_cast<size_t>(i)];
+        const bool black = i & 1;
+        out->Print("%s%s {%0.2f/%d}%s", black ? "   " : "", move.text.data(), move.score / 100.0, move.depth,
+                   black ? "\n" : "");
+    }
+    out->WriteText("\n\n");
+}
+
+}  // namespace vrel

@@ -1,0 +1,77 @@
+#include "tools/player_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <sstream>
+#include <string>
+
+#include "interface/messages.h"
+#include "platform/file.h"
+
+namespace vrel {
+
+namespace {
+
+// True if the whole word is a number that the field can hold.
+template <typename Field>
+bool ReadValue(const std::string& word, Field* value) {
+    char* end = nullptr;
+    errno = 0;
+    const long number = std::strtol(word.c_str(), &end, 10);
+    if (word.empty() || *end != '\0' || errno != 0 || number < std::numeric_limits<Field>::min() ||
+        number > std::numeric_limits<Field>::max())
+        return false;
+    *value = static_cast<Field>(number);
+    return true;
+}
+
+template <typename Field>
+bool ChangeField(const std::string& name, const std::string& word, Field* field) {
+    const Field old = *field;
+    if (!ReadValue(word, field))
+        return false;
+    if (*field != old)
+        ShowFormatted("Player2: %s %d -> %d", name.c_str(), static_cast<int>(old), static_cast<int>(*field));
+    return true;
+}
+
+// Carries out one line. The result tells what is wrong with it, null if nothing is.
+const char* ReadPlayerLine(const std::string& line, PersonalityRecord* record) {
+    std::istringstream words(line.substr(0, line.find('#')));
+    std::string name, value, more;
+    words >> name >> value >> more;
+    if (name.empty())
+        return nullptr;
+    int16_t* weight = FindWeight(record, name.c_str());
+    int8_t* setting = weight == nullptr ? FindSelectivity(record, name.c_str()) : nullptr;
+    if (weight == nullptr && setting == nullptr)
+        return "unknown name";
+    const bool changed = weight != nullptr ? ChangeField(name, value, weight) : ChangeField(name, value, setting);
+    return changed && more.empty() ? nullptr : "no valid number";
+}
+
+}  // namespace
+
+bool ReadPlayerFile(const char* file, PersonalityRecord* record) {
+    if (!FileExists(file))
+        return true;
+    File in(file, "r");
+    if (!in) {
+        ShowFormatted("can't open %s", file);
+        return false;
+    }
+    std::string line;
+    for (int number = 1; in.ReadLine(&line); ++number) {
+        line.resize(std::min(line.find_first_of("\r\n"), line.size()));
+        if (const char* fault = ReadPlayerLine(line, record)) {
+            ShowFormatted("%s, line %d: %s: %s", file, number, fault, line.c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace vrel

@@ -1,0 +1,167 @@
+#include "tools/tuner.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+#include "eval/eval_tables.h"
+#include "eval/personality.h"
+#include "interface/messages.h"
+#include "interface/pblock.h"
+#include "platform/file.h"
+#include "tools/epd_analysis.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr double GAIN = 4000.0;
+constexpr double OFFSET = 0.51;  // keeps small weights moving
+constexpr double RELATIVE_STEP = 0.02;
+constexpr int PASSES = 30;
+
+using Vector = std::array<double, TUNED_WEIGHTS>;
+
+// "tune.log" while a tuning runs.
+File fdtune;
+
+int16_t Narrow(double value) {
+    constexpr double low = std::numeric_limits<int16_t>::min();
+    constexpr double high = std::numeric_limits<int16_t>::max();
+    return static_cast<int16_t>(static_cast<int>(std::clamp(std::round(value), low, high)));
+}
+
+void WriteBoth(const std::string& text) {
+    Print("%s", text.c_str());
+    fdtune.WriteText(text.c_str());
+}
+
+template <typename... Arguments>
+std::string Formatted(const char* format, Arguments... arguments) {
+    std::array<char, 128> text;
+    std::snprintf(text.data(), text.size(), format, arguments...);
+    return text.data();
+}
+
+void WriteWeight(int index) {
+    WriteBoth(Formatted("** param_%d, value= %d\n", index, static_cast<int>(*TunedWeight(&Personality, index))));
+}
+
+void WriteError(double error) {
+    WriteBoth(Formatted("\nerr= %0.5f\n\n", error));
+    fdtune.Flush();
+}
+
+std::string PassLine(int pass) { return Formatted("pass= %d, k0= %0.3e\n", pass, GAIN); }
+
+// Moves x[index] against the slope of the error, a one-sided difference quotient. The weight itself stays.
+void ImproveWeight(int index, double e0, double* x) {
+    int16_t* weight = TunedWeight(&Personality, index);
+    const int16_t p = *weight;
+    const double d = std::abs(p) * RELATIVE_STEP + OFFSET;
+    *weight = Narrow(p + std::round(d));
+    const int p1 = *weight;
+    const double e1 = Analyze_EPD_File(false);
+    *weight = p;
+    const double g = (e1 - e0) / std::round(d);
+    *x += std::clamp(-GAIN * (std::fabs(*x) + OFFSET) * g, -d, d);
+    Print("p0=%d, p1=%d, e0=%0.3e, e1=%0.3e, g=%0.5e, p0 = %0.3f\n", p, p1, e0, e1, g, *x);
+}
+
+// The new values take effect together, once all slopes are known.
+void ApplyWeights(const Vector& x) {
+    for (int i = 0; i < TUNED_WEIGHTS; ++i) {
+        *TunedWeight(&Personality, i) = Narrow(x[static_cast<size_t>(i)]);
+        WriteWeight(i);
+    }
+}
+
+double RunPass(int pass, double e0, Vector* x) {
+    Print("%s", PassLine(pass).c_str());
+    for (int i = 0; i < TUNED_WEIGHTS; ++i)
+        ImproveWeight(i, e0, &(*x)[static_cast<size_t>(i)]);
+    Print("\n");
+    fdtune.WriteText("*********************************\n");
+    fdtune.WriteText(PassLine(pass).c_str());
+    ApplyWeights(*x);
+    const double error = Analyze_EPD_File(false);
+    WriteError(error);
+    return error;
+}
+
+// The interval that still holds the best value, and the error there.
+struct Bracket {
+    int best, min, max;
+    double error;
+};
+
+// A value on the wider side of the best one.
+int Probe(const Bracket& b) { return b.max - b.best >= b.best - b.min ? (b.best + b.max) / 2 : (b.best + b.min) / 2; }
+
+void Shrink(Bracket* b, int probe, double error) {
+    if (error < b->error) {
+        (probe < b->best ? b->max : b->min) = b->best;
+        b->best = probe;
+        b->error = error;
+    } else {
+        (probe > b->best ? b->max : b->min) = probe;
+    }
+}
+
+// Values that a weight can't have are no part of the interval.
+int WithinWeight(long long value) {
+    return static_cast<int>(
+        std::clamp<long long>(value, std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max()));
+}
+
+}  // namespace
+
+void Tune() {
+    fdtune = File("tune.log", "w");
+    if (!fdtune)
+        return;
+    PBlock.noise = SILENT;
+    PBlock.max_depth = 0;
+    double e0 = Analyze_EPD_File(false);
+    WriteBoth("\n");
+    Vector x;
+    for (int i = 0; i < TUNED_WEIGHTS; ++i) {
+        x[static_cast<size_t>(i)] = *TunedWeight(&Personality, i);
+        WriteWeight(i);
+    }
+    WriteError(e0);
+    for (int pass = 0; pass < PASSES && !PBlock.quit; ++pass)
+        e0 = RunPass(pass, e0, &x);
+    fdtune.Close();
+}
+
+int PTune(const char* name, int16_t* param, int range) {
+    const int16_t orig = *param;
+    const long long width = range;
+    Bracket b = {orig, WithinWeight(orig - width), WithinWeight(orig + width), Analyze_EPD_File(false)};
+    const int limit = range / 12 + 2;
+    while (b.max - b.min > limit) {
+        Print("best= %d, err= %0.5e, min= %d, max= %d\n\n", b.best, b.error, b.min, b.max);
+        const int probe = Probe(b);
+        *param = static_cast<int16_t>(probe);
+        if (probe == b.best)
+            break;
+        const double error = Analyze_EPD_File(false);
+        Print("%s= %d, err= %0.5e\n", name, probe, error);
+        Shrink(&b, probe, error);
+    }
+    *param = orig;
+    InitEval();  // what comes next plays with the old value
+    if (fdtune) {
+        fdtune.Print("%-24s  %4d  %0.5f\n", name, b.best, b.error);
+        fdtune.Flush();
+    }
+    return b.best;
+}
+
+}  // namespace vrel
