@@ -85,8 +85,7 @@ void ShowSummary() {
 
 bool reply_due = false;  // self-play goes on when a line that waits for a free engine has had its turn
 
-// The game ends when the root has no move or the fifty-move counter has run out, and when a command has replaced the
-// position by one where the move can't be made.
+// The game ends when the root has no move or the fifty-move counter has run out.
 void ContinueSelfPlay() {
     Position* game = GamePosition();
     auto& clock = PBlock.clock[game->stm];
@@ -98,7 +97,10 @@ void ContinueSelfPlay() {
     }
     PlayGameMove(game, PBlock.pv[1]);
     ShowBoard(*game);
-    PBlock.request = STATE_THINKING;
+    if (LineIsHeld())
+        reply_due = true;
+    else
+        PBlock.request = STATE_THINKING;
 }
 
 void Report() {
@@ -154,8 +156,7 @@ void RunGameLoop() {
     PBlock.request = 0;
     PBlock.quit = 0;
     while (!PBlock.quit) {
-        // A line that has waited for the engine comes before the next search of self-play.
-        if (PBlock.request == 0 || (LineIsHeld() && PBlock.state == STATE_IDLE))
+        if (PBlock.request == 0)
             TakeTurn();
         else if (PBlock.state == STATE_IDLE)
             StartSearch();

@@ -150,8 +150,6 @@ void UserInput() {
 
 bool InputIsOver() { return ended && used == 0 && !held; }
 
-bool LineWaits() { return held; }
-
 bool LineIsHeld() { return held; }
 
 void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }

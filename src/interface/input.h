@@ -8,9 +8,6 @@ void UserInput();
 // True if the input has ended and all of it has been handled.
 bool InputIsOver();
 
-// True if a line has been taken that waits for a free engine.
-bool LineWaits();
-
 // True if the next line has been tried and waits for the engine to be free.
 bool LineIsHeld();
 

@@ -66,6 +66,11 @@ class Engine:
             if line is not None:
                 self.seen.append(line)
         errors = self.process.stderr.read().decode("latin-1")
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            try:
+                stream.close()
+            except BrokenPipeError:
+                pass
         assert not errors, errors
         return status
 
