@@ -6,6 +6,7 @@
 
 #include "board/attacks.h"
 #include "board/generate.h"
+#include "board/legality.h"
 #include "board/make_move.h"
 #include "book/book_lookup.h"
 #include "interface/board_display.h"
@@ -29,6 +30,8 @@ constexpr int BOOK_PLIES = 35;
 constexpr int FIFTY_LIMIT = 100;
 constexpr double ENDLESS = 90000.0;  // seconds: a target time from here on is no limit
 
+bool workers_started = false;  // the search to be reported has been run by the workers
+
 // A position that can't arise in chess is answered without a search.
 bool CanBeSearched(const Position& pos) {
     return CountBits(pos.bb[WHITE][KING]) == 1 && CountBits(pos.bb[BLACK][KING]) == 1 &&
@@ -51,9 +54,22 @@ void StartSearch() {
     GetElapsedTime(0);
     InitSearch();
     ConsultBook(game);
-    if (game->fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && CanBeSearched(*game))
+    workers_started = game->fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && CanBeSearched(*game);
+    if (workers_started)
         StartWorkers();
     PBlock.request = 0;
+}
+
+// A search that was stopped before it had a line answers with a legal move all the same, if there is one.
+void PublishAnyMove() {
+    if (PBlock.pv[1] != NO_MOVE || PBlock.max_depth <= 0 || PBlock.stop == STOP_NO_MOVE || !workers_started)
+        return;
+    const SearchThread& master = *GetThread(1);
+    const Move move = master.frames[1].first->move;
+    if (move == END_OF_LIST || !MoveIsLegal(master.pos, master.pos.stm, move))
+        return;
+    PBlock.pv[1] = move;
+    PBlock.pv[2] = NO_MOVE;
 }
 
 // A reply without a move names no ponder move either.
@@ -106,6 +122,9 @@ void ContinueSelfPlay() {
 void Report() {
     Collect();
     DisplayPublishedLine();
+    if (PBlock.mode == MODE_UCI || selfplay)
+        PublishAnyMove();
+    workers_started = false;
     if (PBlock.mode == MODE_UCI)
         SendBestMove();
     else

@@ -24,6 +24,7 @@ double start = 0.0;  // of the search, on the monotonic clock
 
 constexpr double SHORTEST_TARGET = 0.002;
 constexpr double EXTEND_FROM = 0.02;  // seconds of search before the target is lengthened
+constexpr double PATIENCE = 2.0;      // seconds beyond the target that a line of depth 2 is waited for
 constexpr int CLEARLY = 20;           // centipawns that make one worker's score differ from the published one
 
 void ResetPublishedLine(const Position& game) {
@@ -168,8 +169,8 @@ void SearchTimeout() {
     if (PBlock.state == STATE_PONDERING || PBlock.stop)
         return;
     if (TimeIsOver()) {
-        // A search never stops before it has a line of depth 2.
-        if (PBlock.depth <= 1)
+        // A search never stops before it has a line of depth 2, unless the board is so crowded that it gets none.
+        if (PBlock.depth <= 1 && PBlock.elapsed < PBlock.trg_time + PATIENCE)
             return;
         if (PBlock.state == STATE_THINKING)
             PBlock.stop = STOP_TIME;

@@ -27,6 +27,8 @@ void SearchQuiet(SearchThread* thread, int side, bool in_check) {
     if (thread->id != 1 || in_check)
         return;
     PvLine line{};
+    thread->quiet_limit = thread->nodes + QUIET_TREE_LIMIT;
+    thread->frames[1].depth = 0;
     thread->score = static_cast<int16_t>(Q_Search(&thread->pos, side, 1, 0, NO_SCORE, -NO_SCORE, NODE_PV, line.data()));
     std::copy(line.begin(), line.end(), thread->pv.begin());
 }

@@ -217,6 +217,8 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int
     Node node{pos, pos->frames + ply, side, ply, depth, a, b, node_type, 0, false, {}, false, false};
     PlyFrame* frame = node.frame;
     ResetFrame(node, pv);
+    if (depth <= 0 && frame[-1].depth > 0)
+        thread->quiet_limit = thread->nodes + QUIET_TREE_LIMIT;
     node.in_check = IsInCheck(*pos, side, frame[-1].gives_check);
 
     if (pos->fifty >= 4 && IsDraw(pos, ply, node.in_check))

@@ -6,6 +6,7 @@
 #include "board/legality.h"
 #include "board/make_move.h"
 #include "board/move_kind.h"
+#include "interface/pblock.h"
 #include "search/ordering.h"
 #include "search/search.h"
 #include "search/search_report.h"
@@ -90,6 +91,7 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
     if (depth < CAPTURE_HORIZON && node_type != NODE_PV)
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, ToSquare(pos->last_move), Occupied(*pos)));
 
+    SearchThread* thread = ThreadOf(pos);
     const int child_type = node_opp[static_cast<size_t>(node_type)];
     // Nothing about legality and checks is found out for a node without moves.
     uint64_t restricted = 0;
@@ -111,6 +113,8 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
                 UnmakeMove(pos);
+                if (PBlock.stop || thread->nodes > thread->quiet_limit)
+                    return a;
                 if (v > a) {
                     pv[ply] = move;
                     pv[ply + 1] = NO_MOVE;

@@ -18,6 +18,10 @@ inline constexpr int NO_SCORE = -10000;  // no score yet; also the evaluation of
 inline constexpr int MATE_BOUND = 9898;  // scores above it, and below -MATE_BOUND - 1, are mates
 inline constexpr int MAX_PLY = 65;
 
+// Nodes of one quiescence tree. Chess positions stay below a thousand; only boards crowded with queens reach the
+// limit, whose trees would not end in a lifetime.
+inline constexpr uint64_t QUIET_TREE_LIMIT = 200000;
+
 // A line of moves from pv[1] on, closed by 0. The shared form is looked at by other threads.
 using PvLine = std::array<Move, FRAMES>;
 using SharedLine = std::array<Relaxed<Move>, FRAMES>;

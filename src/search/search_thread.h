@@ -41,6 +41,7 @@ struct alignas(64) SearchThread {
     std::atomic<uint8_t> work_flag;  // the main thread sets it (release), the worker clears it
     uint8_t root_state;              // 99 if this worker gave up the iteration
     int8_t ext_count;                // path counter of the accumulated extension
+    uint64_t quiet_limit;            // value of `nodes` at which the quiescence tree in work is cut short
     uint32_t seed;                   // random state for root perturbation
     int16_t root_eval;               // static evaluation of the root
 
