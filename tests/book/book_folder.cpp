@@ -65,7 +65,7 @@ PlainRecord Plain(const BookRecord& r) {
     return {r.key, static_cast<uint32_t>(r.hash2_high) * 65536 + r.hash2_low, r.wins, r.losses, r.draws, r.reserved};
 }
 
-std::vector<PlainRecord> Plain(const std::vector<BookRecord>& records) {
+std::vector<PlainRecord> PlainAll(const std::vector<BookRecord>& records) {
     std::vector<PlainRecord> plain;
     for (const BookRecord& record : records)
         plain.push_back(Plain(record));

@@ -30,7 +30,7 @@ struct PlainRecord {
 };
 std::ostream& operator<<(std::ostream& out, const PlainRecord& record);
 PlainRecord Plain(const BookRecord& record);
-std::vector<PlainRecord> Plain(const std::vector<BookRecord>& records);
+std::vector<PlainRecord> PlainAll(const std::vector<BookRecord>& records);
 
 // The records as a book file has them: sorted by falling key and second hash.
 std::vector<BookRecord> SortedRecords(std::vector<BookRecord> records);
