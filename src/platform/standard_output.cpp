@@ -48,6 +48,9 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
     return true;
 }
 
-void IgnoreBrokenPipe() { std::signal(SIGPIPE, SIG_IGN); }
+void IgnoreBrokenPipe() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+}
 
 }  // namespace vrel

@@ -9,7 +9,8 @@ namespace vrel {
 // any more; output that is lost in another way, such as on a full disk, is no reason to end.
 bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size);
 
-// Lets a write without a reader fail, instead of ending the program there and then.
+// Lets a write without a reader, or beyond the limit that is set for the size of files, fail instead of ending the
+// program there and then.
 void IgnoreBrokenPipe();
 
 }  // namespace vrel
