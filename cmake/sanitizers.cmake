@@ -3,3 +3,10 @@ if(VREL_SANITIZE)
     add_compile_options(-fsanitize=${VREL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${VREL_SANITIZE})
 endif()
+
+# The fuzzer watches which branches an input takes, and both sanitizers stand behind it.
+if(VREL_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -g)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+    add_link_options(-fsanitize=address,undefined)
+endif()

@@ -120,6 +120,7 @@ void Make(Position* pos, Move move) {
     pos->last_move = move;
     pos->ep_square = NO_SQUARE;
     pos->castling &= static_cast<uint8_t>(~(csbits[static_cast<size_t>(from)] | csbits[static_cast<size_t>(to)]));
+    // Long past the limit the counter stays, so that a game of shuffling never looks young again.
     if (pos->fifty < UINT8_MAX)
         ++pos->fifty;
     pos->stm = Side ^ 1;

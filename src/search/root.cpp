@@ -69,7 +69,8 @@ int AspirationSearch(RootPass* pass, Move move) {
     while (((v <= lo && lo > LOWEST_BOUND) || (v >= hi && hi < HIGHEST_BOUND)) && !PBlock.stop) {
         NoteFailure(pass, move, v, true);
         delta *= 2;
-        if (v <= lo)
+        // With an evaluation beyond the bounds the window may be empty: the bound that can still move does.
+        if (v <= lo && lo > LOWEST_BOUND)
             lo -= delta;
         else
             hi += delta;

@@ -167,6 +167,12 @@ TEST_F(SearchTest, LineIsCopiedUpToItsEnd) {
     EXPECT_EQ(pv[6], NO_MOVE);
 }
 
+// The static evaluation lies beyond every bound, so that the first window is empty.
+TEST_F(SearchTest, HugeEvaluationAtDepthOneEnds) {
+    EXPECT_LT(SearchFen("5k2/4pppp/8/8/3Q4/QQ1Q4/QQQQQQ2/KQQ2R2 b - -", 1).root_eval, -9999);
+    EXPECT_NE(PBlock.pv[1], NO_MOVE);
+}
+
 // Boards that no game leads to: the search takes them as they come.
 TEST_F(SearchTest, OddBoardsAreSearched) {
     for (const char* fen : {
