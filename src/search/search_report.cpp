@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <string>
 
 #include "interface/messages.h"
 #include "interface/move_text.h"
@@ -35,46 +34,64 @@ Rates CurrentRates() {
     return {elapsed * 1000, nodes, elapsed > 0.001 ? nodes / elapsed : 0.0};
 }
 
-std::string LineText(const Move* pv) {
-    std::string text;
-    MoveText move;
+// Text of a line of moves. Nothing is allocated while a search runs.
+class LineText {
+public:
+    void Append(const char* text) {
+        while (*text != '\0' && length_ + 1 < text_.size())
+            text_[length_++] = *text++;
+        text_[length_] = '\0';
+    }
+    void Append(Move move) {
+        MoveText text;
+        Append(MoveToStr(move, text.data()));
+    }
+    const char* c_str() const { return text_.data(); }
+
+private:
+    std::array<char, 1024> text_{};
+    size_t length_ = 0;
+};
+
+LineText UciLine(const Move* pv) {
+    LineText text;
     for (int i = 1; i <= SHOWN_MOVES && pv[i]; ++i) {
         if (i > 1)
-            text += ' ';
-        text += MoveToStr(pv[i], move.data());
+            text.Append(" ");
+        text.Append(pv[i]);
     }
     return text;
 }
 
 // The line cut to what a person reads; long ones continue under the first move.
-std::string ConsoleLineText(const Move* pv, int most) {
-    std::string text;
-    MoveText move;
+LineText ConsoleLine(const Move* pv, int most) {
+    constexpr const char* new_line = "\n                              ";
+    LineText text;
     for (int i = 1; i <= most && pv[i]; ++i) {
         if (i > 1)
-            text += (i - 1) % MOVES_A_LINE == 0 ? "\n" + std::string(30, ' ') : " ";
-        text += MoveToStr(pv[i], move.data());
+            text.Append((i - 1) % MOVES_A_LINE == 0 ? new_line : " ");
+        text.Append(pv[i]);
     }
     return text;
 }
 
 void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
     const Rates rates = CurrentRates();
-    const std::string line = LineText(pv);
+    const LineText line = UciLine(pv);
     if (uci_extra) {
         ShowFormatted("info [%02d%c] depth %d time %.0f score cp %d nodes %.0f nps %.0f pv %s", id, mark, depth,
                       rates.milliseconds, score, rates.nodes, rates.nps, line.c_str());
         return;
     }
-    std::string head = "info";
+    std::array<char, 32> head{"info"};
     if (PBlock.multipv > 1)
-        head += " multipv " + std::to_string(mpv + 1);
-    ShowFormatted("%s depth %d time %.0f score cp %d nodes %.0f nps %.0f pv %s", head.c_str(), depth,
-                  rates.milliseconds, score, rates.nodes, rates.nps, line.c_str());
+        std::snprintf(head.data(), head.size(), "info multipv %d", mpv + 1);
+    ShowFormatted("%s depth %d time %.0f score cp %d nodes %.0f nps %.0f pv %s", head.data(), depth, rates.milliseconds,
+                  score, rates.nodes, rates.nps, line.c_str());
 }
 
 void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
-    const std::string line = ConsoleLineText(pv, mpv == -1 ? SHORT_LINE : LONG_LINE);
+    const LineText line = ConsoleLine(pv, mpv == -1 ? SHORT_LINE : LONG_LINE);
     ShowFormatted("%02d] %02d%c %5.1f %7.0fK %5d  %s", id, depth, mark, PBlock.elapsed.Get(),
                   CurrentRates().nodes / 1000, score, line.c_str());
 }
