@@ -25,8 +25,7 @@ void* SearchThreadFunc(void* arg) {
         std::_Exit(0);
     SearchThread* self = GetThread(id);
     while (true) {
-        while (self->work_flag.load(std::memory_order_acquire) == WORK_IDLE)
-            SleepMilliseconds(1);
+        self->work_flag.wait(WORK_IDLE, std::memory_order_acquire);
         if (self->work_flag.load(std::memory_order_acquire) == WORK_END) {
             // The record may be replaced from here on.
             self->work_flag.store(WORK_IDLE, std::memory_order_release);
@@ -35,6 +34,13 @@ void* SearchThreadFunc(void* arg) {
         SearchIterations(id);
         self->work_flag.store(WORK_IDLE, std::memory_order_release);
     }
+}
+
+// Hands work to an idle worker, or tells it to end.
+void WakeWorker(int id, WorkFlag flag) {
+    SearchThread* worker = GetThread(id);
+    worker->work_flag.store(flag, std::memory_order_release);
+    worker->work_flag.notify_one();
 }
 
 void WaitUntilIdle() {
@@ -93,7 +99,7 @@ void KillThreadPool(int n) {
     PBlock.stop = STOP_POOL;
     WaitUntilIdle();
     for (int i = 1; i <= n; ++i)
-        GetThread(i)->work_flag.store(WORK_END, std::memory_order_release);
+        WakeWorker(i, WORK_END);
     WaitUntilIdle();
 }
 
@@ -106,7 +112,7 @@ bool WorkersIdle() {
 
 void StartWorkers() {
     for (int i = 1; i <= PBlock.nthreads; ++i)
-        GetThread(i)->work_flag.store(WORK_SEARCH, std::memory_order_release);
+        WakeWorker(i, WORK_SEARCH);
 }
 
 int InitLocks() {
