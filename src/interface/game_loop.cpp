@@ -161,10 +161,10 @@ void TakeTurn() {
     UI_Sleep(TURN);
     SearchTimeout();
     UserInput();
-    if (reply_due && PBlock.request == 0) {
+    // A search that the line has asked for takes the place of the reply, and the game goes on with its result.
+    if (reply_due && PBlock.request == 0)
         PBlock.request = STATE_THINKING;
-        reply_due = false;
-    }
+    reply_due = false;
     if (InputIsOver())
         FinishAfterInput();
 }
