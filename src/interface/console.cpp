@@ -35,7 +35,9 @@ namespace {
 
 constexpr size_t MOST_WORDS = 10;
 constexpr size_t LONGEST_WORD = 127;
-constexpr double LONGEST_TIME = 1e9;
+constexpr int MOST_SECONDS = 1000000000;
+constexpr int MOST_MINUTES = MOST_SECONDS / 60;
+constexpr double LONGEST_TIME = MOST_SECONDS;
 constexpr double ANALYSIS_TIME = 99999.0;  // seconds
 constexpr int DEEPEST_PERFT = 20;
 
@@ -127,12 +129,12 @@ double ReadLevelTime(const char* text) {
     const char* colon = std::strchr(text, ':');
     if (colon == nullptr)
         return ReadReal(text, -LONGEST_TIME, LONGEST_TIME);
-    return ReadInteger(text, 0, 1000000) * 60.0 + ReadInteger(colon + 1, 0, 1000000);
+    return ReadInteger(text, -MOST_MINUTES, MOST_MINUTES) * 60.0 + ReadInteger(colon + 1, -MOST_SECONDS, MOST_SECONDS);
 }
 
 void SetLevel(const Command& command) {
     const double time = ReadLevelTime(command.Word(3));
-    PBlock.level_moves = static_cast<int8_t>(command.Integer(2, 0, INT8_MAX));
+    PBlock.level_moves = static_cast<int8_t>(command.Integer(2, INT8_MIN, INT8_MAX));
     PBlock.level_time = time;
     PBlock.inc = command.Real(4);
     SetClocks(time);
@@ -162,8 +164,24 @@ void ShowSwaps(const Command&) {
     }
 }
 
+// Keeps the moves that have been taken back while a command makes moves of its own on the game record.
+class MovesAhead {
+public:
+    explicit MovesAhead(Position* game) : next_(game->undo + game->game_ply) {
+        std::copy_n(next_, records_.size(), records_.begin());
+    }
+    ~MovesAhead() { std::copy(records_.begin(), records_.end(), next_); }
+    MovesAhead(const MovesAhead&) = delete;
+    MovesAhead& operator=(const MovesAhead&) = delete;
+
+private:
+    std::array<UndoRecord, DEEPEST_PERFT> records_;
+    UndoRecord* next_;
+};
+
 void RunPerft(const Command& command) {
     SearchThread* game = GetThread(0);
+    const MovesAhead ahead(&game->pos);
     InitSearch();
     GetElapsedTime(0);
     Perft(game, game->pos.stm, 1, command.Integer(2, 0, DEEPEST_PERFT));
@@ -174,6 +192,7 @@ void RunPerft(const Command& command) {
 }
 
 void ShowBook(const Command&) {
+    const MovesAhead ahead(GamePosition());
     GetCandidates(GamePosition(), true);
     ShowMessage("");
 }
@@ -278,7 +297,7 @@ constexpr Entry later_commands[] = {
     {"tune", FREE, TuneOne},
     {"perft", FREE, RunPerft},
     {"swap", AT_ONCE, ShowSwaps},
-    {"move", FREE_DEBUG, [](const Command& command) { PlayMoveText(command.Word(2)); }},
+    {"move", AT_ONCE, [](const Command& command) { PlayMoveText(command.Word(2)); }},
 };
 
 bool NeedsFreeEngine(Need need) { return need == FREE || (need == FREE_DEBUG && PBlock.debug); }
@@ -297,7 +316,7 @@ const Entry* Find(const Entry (&table)[N], const std::string& word) {
     return nullptr;
 }
 
-constexpr Entry any_other = {"", FREE_DEBUG, [](const Command& command) { PlayMoveText(command.Word(1)); }};
+constexpr Entry any_other = {"", AT_ONCE, [](const Command& command) { PlayMoveText(command.Word(1)); }};
 
 }  // namespace
 

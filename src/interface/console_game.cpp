@@ -15,6 +15,7 @@
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
+#include "interface/requests.h"
 #include "platform/clock.h"
 #include "platform/file.h"
 #include "search/search_thread.h"
@@ -31,6 +32,7 @@ constexpr size_t PGN_MOVE = 32;
 constexpr size_t SHORTEST_EPD = 8;
 constexpr int LAST_GAME_NUMBER = 1000;
 constexpr int MOVES_A_LINE = 11;
+constexpr size_t MOST_PENDING = 65536;
 
 // Room for a move's text, which may grow by one character when it is read.
 using MoveBuffer = std::array<char, MOVE_WORD + 2>;
@@ -45,29 +47,15 @@ void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-bool IsNumber(const char* text) { return *text != '\0' && text[std::strspn(text, "+-0123456789")] == '\0'; }
+bool IsNumber(const char* text) {
+    if (*text == '+' || *text == '-')
+        ++text;
+    return *text != '\0' && text[std::strspn(text, "0123456789")] == '\0';
+}
 
 void TakeBackAll(Position* game) {
     while (game->game_ply > 0)
         TakeBackGameMove(game);
-}
-
-// Which game of a PGN file is wanted.
-struct Wanted {
-    int number = 1;
-    std::string text;  // empty: by number
-};
-
-Wanted ReadWanted(const char* which) {
-    Wanted wanted;
-    if (IsNumber(which)) {
-        const int number = ReadInteger(which, 0, LAST_GAME_NUMBER + 1);
-        wanted.number = number >= 1 && number <= LAST_GAME_NUMBER ? number : 1;
-    } else if (*which != '\0') {
-        wanted.number = -1;
-        wanted.text = which;
-    }
-    return wanted;
 }
 
 // Plays the moves of a text; what holds no letter is no move. False at the first that can't be read.
@@ -80,11 +68,10 @@ bool PlayText(Position* game, const std::string& text) {
         const auto first = std::find_if(word.begin(), word.end(), IsLetter);
         if (first == word.end())
             continue;
-        const std::string name(first, word.end());
-        MoveBuffer buffer = CutTo(PGN_MOVE, name.c_str());
+        MoveBuffer buffer = CutTo(PGN_MOVE, std::string(first, word.end()).c_str());
         Move move = NO_MOVE;
         if (!IsValidMove(buffer.data(), &move)) {
-            ShowFormatted("can't parse move '%s'", CutTo(PGN_MOVE, name.c_str()).data());
+            ShowFormatted("can't parse move '%s'", buffer.data());
             return false;
         }
         PlayGameMove(game, move);
@@ -92,39 +79,92 @@ bool PlayText(Position* game, const std::string& text) {
     return true;
 }
 
-// Takes the comments out of a line and appends the rest. `depth` counts the open brackets, also over lines.
-void AppendWithoutComments(const char* line, int* depth, std::string* text) {
-    for (; *line != '\0'; ++line) {
-        if (*line == '{')
-            ++*depth;
-        else if (*line == '}' && *depth > 0)
-            --*depth;
-        else if (*depth == 0)
-            *text += *line == '\t' ? ' ' : *line;
+// A line of a file, or a part of it if it is longer than the buffer.
+struct Piece {
+    std::array<char, TEXT_LINE> text{};
+    bool unfinished = false;  // the rest of the line comes with the next piece
+
+    bool Read(File* in) {
+        const bool any = in->ReadLine(text.data(), TEXT_LINE);
+        const size_t length = std::strlen(text.data());
+        unfinished = length == TEXT_LINE - 1 && text[length - 1] != '\n';
+        return any;
     }
-    *text += ' ';
+    bool Contains(const char* what) const { return std::strstr(text.data(), what) != nullptr; }
+};
+
+// Number of the first game with a line that contains the text, -1 if there is none. What stands before the first
+// game counts as game 0.
+int FindGame(File* in, const char* text) {
+    Piece piece;
+    int count = 0;
+    while (piece.Read(in)) {
+        count += piece.Contains("[Event ");
+        if (piece.Contains(text))
+            return in->Seek(0) ? count : -1;
+    }
+    return -1;
 }
 
-void ReadGame(File* in, Position* game, Wanted wanted) {
-    std::array<char, TEXT_LINE> line;
+// The game of a PGN file that is wanted: by number, or the first that holds a text; -1 if there is no such game.
+int ChooseGame(File* in, const char* which) {
+    if (*which == '\0')
+        return 1;
+    if (!IsNumber(which))
+        return FindGame(in, which);
+    const int number = ReadInteger(which, 0, LAST_GAME_NUMBER + 1);
+    return number >= 1 && number <= LAST_GAME_NUMBER ? number : 1;
+}
+
+// Text of a game outside its comments that hasn't been played yet.
+struct PendingText {
     std::string text;
-    int count = 0;
-    int depth = 0;
-    while (in->ReadLine(line.data(), TEXT_LINE)) {
-        CutLineEnd(line.data());
-        if (std::strstr(line.data(), "[Event "))
-            ++count;
-        if (wanted.number < 0 && std::strstr(line.data(), wanted.text.c_str()))
-            wanted.number = count;
-        if (count != wanted.number || (depth == 0 && line[0] == '['))
-            continue;
-        AppendWithoutComments(line.data(), &depth, &text);
-        if (depth > 0)
-            continue;
-        if (!PlayText(game, text))
-            return;
-        text.clear();
+    int depth = 0;  // open brackets, also over lines
+
+    void Append(const char* line) {
+        for (; *line != '\0'; ++line) {
+            if (*line == '{')
+                ++depth;
+            if (depth == 0)
+                text += std::strchr("\t\r\n", *line) ? ' ' : *line;
+            if (*line == '}' && depth > 0 && --depth == 0)
+                text += ' ';
+        }
     }
+
+    // Takes the text out, but for a last word of which more is to come.
+    std::string Take(bool unfinished) {
+        const size_t end = unfinished && text.size() < MOST_PENDING ? text.rfind(' ') + 1 : text.size();
+        std::string taken = text.substr(0, end);
+        text.erase(0, end);
+        return taken;
+    }
+};
+
+// Plays the moves of one game, up to the first that can't be read. The text of a line in which a comment opens waits
+// for the comment's end.
+void ReadGame(File* in, Position* game, int wanted) {
+    Piece piece;
+    PendingText pending;
+    int count = 0;
+    bool starts_line = true;
+    bool is_tag = false;
+    while (count <= wanted && piece.Read(in)) {
+        count += piece.Contains("[Event ");
+        if (starts_line)
+            is_tag = pending.depth == 0 && piece.text[0] == '[';
+        starts_line = !piece.unfinished;
+        if (count != wanted || is_tag)
+            continue;
+        pending.Append(piece.text.data());
+        if (pending.depth > 0 && pending.text.size() < MOST_PENDING)
+            continue;
+        if (!PlayText(game, pending.Take(piece.unfinished)))
+            return;
+    }
+    // The last line may end with the file.
+    if (pending.depth == 0)
+        PlayText(game, pending.Take(false));
 }
 
 }  // namespace
@@ -141,6 +181,8 @@ void PlayMoveText(const char* text) {
     MoveBuffer buffer = CutTo(MOVE_WORD, text);
     Move move = NO_MOVE;
     if (!IsValidMove(buffer.data(), &move))
+        return;
+    if (PBlock.debug && MustWait())
         return;
     PBlock.stop = STOP_COMMAND;
     while (!WorkersIdle())
@@ -172,14 +214,11 @@ void RedoMove() {
 }
 
 void JumpToPly(int ply) {
+    PBlock.stop = STOP_COMMAND;
     Position* game = GamePosition();
     TakeBackAll(game);
-    while (game->game_ply < ply && MoveIsPossible(game, game->undo[game->game_ply].move)) {
-        const int before = game->game_ply;
-        PlayGameMove(game, game->undo[before].move);
-        if (game->game_ply <= before)
-            break;
-    }
+    while (game->game_ply < ply && MoveIsPossible(game, game->undo[game->game_ply].move))
+        PlayGameMove(game, game->undo[game->game_ply].move);
     ShowBoard(*game);
 }
 
@@ -208,7 +247,7 @@ void LoadGame(const char* file, const char* which) {
     Position* game = GamePosition();
     if (File in(file, "r"); in) {
         SetPosition(game, fen_opn);
-        ReadGame(&in, game, ReadWanted(which));
+        ReadGame(&in, game, ChooseGame(&in, which));
         game->undo[game->game_ply].move = NO_MOVE;
         ShowBoard(*game);
     }
