@@ -174,6 +174,7 @@ void TakeTurn() {
 void RunGameLoop() {
     PBlock.request = 0;
     PBlock.quit = 0;
+    LetLinesWait(true);
     while (!PBlock.quit) {
         if (PBlock.request == 0)
             TakeTurn();

@@ -139,9 +139,13 @@ void UserInput() {
     std::string line;
     if (!NextLine(&line))
         return;
+    // Nobody brings a line of a tool within a command again.
+    const bool may_wait = LetLinesWait(false);
+    LetLinesWait(may_wait && dispatching == 0);
     ++dispatching;
     Dispatch(line, again);
     --dispatching;
+    LetLinesWait(may_wait);
     if (LineWasHeld()) {
         held_line = std::move(line);
         held = true;

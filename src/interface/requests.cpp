@@ -1,5 +1,7 @@
 #include "interface/requests.h"
 
+#include <utility>
+
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
@@ -9,14 +11,16 @@ namespace vrel {
 
 namespace {
 
+bool lines_may_wait = false;
 bool line_held = false;
 int ready_owed = 0;
 
-// Workers that search while the state is idle belong to a tool, which counts on nobody but itself to see them end.
+// Ends what the workers search for a tool, which counts on nobody but itself to see them end.
 void EndSearchOfTool() {
-    PBlock.stop = STOP_COMMAND;
-    while (!WorkersIdle())
+    while (!WorkersIdle()) {
+        PBlock.stop = STOP_COMMAND;
         SleepMilliseconds(1);
+    }
 }
 
 }  // namespace
@@ -33,22 +37,28 @@ void EndRunningSearch() {
 }
 
 bool MustWait() {
-    if (PBlock.state == STATE_IDLE && !WorkersIdle())
+    if (!lines_may_wait)
         EndSearchOfTool();
-    if (EngineIsFree())
-        return false;
-    EndRunningSearch();
-    HoldLine();
-    return true;
+    else if (!EngineIsFree()) {
+        EndRunningSearch();
+        line_held = true;
+    }
+    return line_held;
 }
 
-void HoldLine() { line_held = true; }
-
-bool LineWasHeld() {
-    const bool held = line_held;
-    line_held = false;
-    return held;
+bool MustWaitForWorkers() {
+    if (!lines_may_wait)
+        EndSearchOfTool();
+    else if (!WorkersIdle()) {
+        PBlock.stop = STOP_COMMAND;
+        line_held = true;
+    }
+    return line_held;
 }
+
+bool LetLinesWait(bool may) { return std::exchange(lines_may_wait, may); }
+
+bool LineWasHeld() { return std::exchange(line_held, false); }
 
 void OweReadyOk() {
     ++ready_owed;

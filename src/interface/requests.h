@@ -10,11 +10,15 @@ bool EngineIsFree();
 void EndRunningSearch();
 
 // For a command that needs a free engine: ends the search in its way. True if it can't be carried out yet; the line is
-// then held back and handled again when the engine is free. A tool that searches without the game loop is waited for.
+// then held back and handled again when the engine is free.
 bool MustWait();
 
-// Keeps the line in work at the head of the queue: it is handled again on the next turn.
-void HoldLine();
+// The same for one that needs idle workers, but no report of what they have found.
+bool MustWaitForWorkers();
+
+// Says whether a line may be held back: only the game loop brings it again. A tool's search is waited for instead.
+// Returns what held before.
+bool LetLinesWait(bool may);
 
 // For the input: true if the line just handled is to stay at the head of the queue. Resets itself.
 bool LineWasHeld();

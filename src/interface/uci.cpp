@@ -130,11 +130,8 @@ void SetOptionLine(const char* rest) {
 
 void NewGame() {
     // The table may be cleared once the workers are idle; a pondering search keeps its result for later.
-    if (!WorkersIdle()) {
-        PBlock.stop = STOP_COMMAND;
-        HoldLine();
+    if (MustWaitForWorkers())
         return;
-    }
     PBlock.stop = STOP_COMMAND;
     PBlock.level_moves = 0;
     PBlock.level_time = 60.0;

@@ -92,6 +92,7 @@ void SearchOnWorkers() {
         if (PBlock.depth > 1 && PBlock.done_depth > 0)
             UI_Sleep(1);
     }
+    PollInput();  // a question that waits for idle workers is answered
 }
 
 // A search of a few plies isn't worth a worker's time to wake up.
