@@ -204,8 +204,11 @@ double Analyze_EPD_File(bool show) {
         PBlock.use_hash = 0;
     Totals totals;
     const bool timed = show || PBlock.max_depth > 0;
-    while (!PBlock.quit && source.Next())
+    while (source.Next()) {
         AnalysePosition(&source, &unsolved, timed, &totals);
+        if (PBlock.quit)
+            break;
+    }
     const Means means(totals);
     if (show)
         ShowSummary(totals, means);
