@@ -1,6 +1,7 @@
 #include "support/engine.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "board/bitboards.h"
 #include "board/fen.h"
@@ -51,7 +52,8 @@ void StartEngine() {
         SetPosition(GamePosition(), fen_opn);
         return record && table && locks && InitNewThread(1) == 0;
     }();
-    ASSERT_TRUE(started);
+    if (!started)
+        std::abort();
 }
 
 TestPosition::TestPosition(const std::string& fen) : thread_(std::make_unique<SearchThread>()) {
@@ -59,8 +61,10 @@ TestPosition::TestPosition(const std::string& fen) : thread_(std::make_unique<Se
     pos.undo = thread_->undo.data();
     pos.frames = thread_->frames.data();
     pos.frames[0].first = pos.frames[1].first = thread_->move_stack.data();
-    SetPosition(&pos, fen.c_str());
+    Set(fen);
 }
+
+void TestPosition::Set(const std::string& fen) { SetPosition(get(), fen.c_str()); }
 
 std::string FenOf(const Position& pos) {
     char text[EPD_TEXT];

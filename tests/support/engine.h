@@ -28,6 +28,9 @@ class TestPosition {
 public:
     explicit TestPosition(const std::string& fen);
 
+    // Another position on the same stacks.
+    void Set(const std::string& fen);
+
     Position& operator*() const { return thread_->pos; }
     Position* operator->() const { return &thread_->pos; }
     Position* get() const { return &thread_->pos; }

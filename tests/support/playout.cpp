@@ -96,4 +96,13 @@ std::string RandomSetup(uint32_t seed) {
     return oracle::WriteFen(board);
 }
 
+std::vector<std::string> ManyPositions(size_t games, size_t setups) {
+    std::vector<std::string> positions = RandomPositions(games, 20240229);
+    for (const NamedPosition& tricky : kTrickyPositions)
+        positions.emplace_back(tricky.fen);
+    for (uint32_t seed = 0; seed < setups; ++seed)
+        positions.push_back(RandomSetup(seed));
+    return positions;
+}
+
 }  // namespace vrel

@@ -24,4 +24,7 @@ std::vector<std::string> RandomPositions(size_t count, uint32_t seed);
 // unlike those from games. Either side may stand in check.
 std::string RandomSetup(uint32_t seed);
 
+// The tricky positions, `games` from random games and `setups` random boards: what most properties are tried on.
+std::vector<std::string> ManyPositions(size_t games, size_t setups);
+
 }  // namespace vrel
