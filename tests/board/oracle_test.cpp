@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/playout.h"
 #include "support/positions.h"
 
@@ -54,6 +56,8 @@ TEST(Oracle, TrickyPositionsAreLegal) {
         oracle::Board board;
         ASSERT_TRUE(oracle::ReadFen(row.fen, &board)) << row.name;
         EXPECT_FALSE(oracle::InCheck(board, !board.white_to_move)) << row.name;
+        for (const char king : {'K', 'k'})
+            EXPECT_EQ(std::count(board.squares.begin(), board.squares.end(), king), 1) << row.name;
     }
 }
 

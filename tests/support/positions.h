@@ -38,7 +38,7 @@ inline constexpr NamedPosition kTrickyPositions[] = {
     {"the same for black", "r3k2r/1P4P1/8/8/8/8/1p4p1/R3K2R b KQkq -"},
     {"under-promotion to a knight checks", "8/5P1k/8/8/8/8/8/K7 w - -"},
     {"promotion in check", "4k3/1P6/8/8/8/8/8/K3r3 w - -"},
-    {"pinned to the king on a file, a rank and two diagonals", "4r2b/8/8/8/1r2NK2/8/3P1B2/b3R2q w - -"},
+    {"pinned to the king on a file, a rank and two diagonals", "k3r2b/8/8/8/1r2NK2/8/3P1B2/b3R2q w - -"},
     {"double check", "4k3/8/8/8/8/4n3/5P2/4K2r w - -"},
     {"double check, one of them discovered", "r3k3/8/8/8/8/3n4/4r3/4K3 w - -"},
     {"king between two rooks on its rank", "4k3/8/8/8/r3K2r/8/8/8 w - -"},
