@@ -130,7 +130,7 @@ TEST_F(BookLookupTest, ShowsWhatItConsiders) {
 
 TEST_F(BookLookupTest, ChoosesForBlackWithItsOwnBias) {
     UseBook({{kAfterE4, 3, 3, 3}, {kAfterE4E5, 5, 10, 5}});
-    MakeMove(GamePosition(), MakeMoveValue(12, 28));
+    PlayGameMove(GamePosition(), MakeMoveValue(12, 28));
     EXPECT_EQ(Consider(),
               "e7e5      10 -     5 -     5   0.595  0.908\n"
               "book move is e7e5\n");
@@ -167,7 +167,7 @@ TEST_F(BookLookupTest, AGameThatHasLeftTheBookStaysOutside) {
     SetPosition(GamePosition(), kAfterE4);
     EXPECT_EQ(Choose(), "e7e5");  // set up: its children count
     SetPosition(GamePosition(), fen_opn);
-    MakeMove(GamePosition(), MakeMoveValue(12, 28));
+    PlayGameMove(GamePosition(), MakeMoveValue(12, 28));
     EXPECT_EQ(Choose(), "null");  // played: the position itself isn't in the book
     EXPECT_EQ(Consider(), "");
     UseBook({{kAfterE4, 0, 0, 0}, {kAfterE4E5, 0, 10, 0}});
