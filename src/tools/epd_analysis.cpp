@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 
 #include "board/fen.h"
 #include "eval/eval_tables.h"
@@ -54,13 +55,13 @@ public:
     explicit operator bool() const { return static_cast<bool>(file_); }
 
     // The next line, empty if the kept set serves. False at the end.
-    bool Next() { return set_ != nullptr ? next_ < set_->size() : file_.Next(line_.data()); }
+    bool Next() { return set_ != nullptr ? next_ < set_->positions.size() : file_.Next(line_.data()); }
 
     // Puts the position on the board of the game and returns its target.
     double SetUp() {
         if (set_ != nullptr) {
-            const TrainingPosition& entry = (*set_)[next_++];
-            PlaceOnBoard(entry);
+            const TrainingPosition& entry = set_->positions[next_++];
+            PlaceOnBoard(*set_, entry);
             return entry.target;
         }
         SetPosition(GamePosition(), line_.data());
@@ -71,7 +72,7 @@ public:
 
 private:
     EpdFile file_;
-    const TrainingSet* set_ = nullptr;
+    std::shared_ptr<const TrainingSet> set_;
     size_t next_ = 0;
     std::array<char, EPD_LINE> line_{};
 };

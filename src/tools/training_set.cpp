@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "board/fen.h"
@@ -20,17 +21,16 @@ namespace {
 constexpr size_t MOST_POSITIONS = 450000;
 constexpr int64_t LARGEST_FILE = 200'000'000;
 
+uint64_t KeyInUse() { return rtable[64]; }
+
 struct KeptSet {
     std::string name;
     FileStamp stamp;
-    uint64_t key = 0;  // any key of the tables: they are drawn anew as a whole
-    bool usable = false;
-    TrainingSet positions;
+    uint64_t key = 0;
+    std::shared_ptr<const TrainingSet> set;  // null if this state of the file can't be kept
 };
 
 KeptSet kept;
-
-uint64_t KeyInUse() { return rtable[64]; }
 
 // The side to move stands one place behind the board; without it a position has the side of the one before.
 bool TellsSide(const char* line) {
@@ -38,42 +38,44 @@ bool TellsSide(const char* line) {
     return end != nullptr && (end[1] == 'w' || end[1] == 'b');
 }
 
-bool ReadPositions(const char* name, TrainingSet* positions) {
+std::shared_ptr<const TrainingSet> ReadSet(const char* name) {
     EpdFile file(name);
     if (!file)
-        return false;
+        return nullptr;
+    auto set = std::make_shared<TrainingSet>();
+    set->key = KeyInUse();
     std::array<char, EPD_LINE> line;
     while (file.Next(line.data())) {
-        if (positions->size() == MOST_POSITIONS || !TellsSide(line.data()))
-            return false;
+        if (set->positions.size() == MOST_POSITIONS || !TellsSide(line.data()))
+            return nullptr;
         SetPosition(GamePosition(), line.data());
-        positions->push_back({*GamePosition(), ReadTarget(line.data())});
+        set->positions.push_back({*GamePosition(), ReadTarget(line.data())});
     }
-    return true;
+    return set;
 }
 
 }  // namespace
 
-const TrainingSet* GetTrainingSet(const char* name) {
+std::shared_ptr<const TrainingSet> GetTrainingSet(const char* name) {
     FileStamp stamp;
     if (!ReadFileStamp(name, &stamp) || stamp.size > LARGEST_FILE)
         return nullptr;
     if (kept.name != name || !(kept.stamp == stamp) || kept.key != KeyInUse()) {
-        kept = {name, stamp, KeyInUse(), false, {}};
-        kept.usable = ReadPositions(name, &kept.positions);
-        if (!kept.usable)
-            kept.positions = {};
+        kept.set = nullptr;  // its memory serves the new one
+        kept = {name, stamp, KeyInUse(), ReadSet(name)};
     }
-    return kept.usable ? &kept.positions : nullptr;
+    return kept.set;
 }
 
-void PlaceOnBoard(const TrainingPosition& entry) {
+void PlaceOnBoard(const TrainingSet& set, const TrainingPosition& entry) {
     SearchThread* game = GetThread(0);
     game->pos = entry.setup;
     game->pos.undo = game->undo.data();
     game->pos.frames = game->frames.data();
     game->undo[0] = {};
     game->undo[1] = {};
+    if (set.key != KeyInUse())
+        SetHash(&game->pos);
 }
 
 }  // namespace vrel
