@@ -2,9 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 #include "board/fen.h"
+#include "board/keys.h"
 #include "board/make_move.h"
 #include "book/book_lookup.h"
 #include "eval/eval_tables.h"
@@ -71,16 +73,38 @@ void FindMove(Position* pos, const PersonalityRecord& player) {
     GetElapsedTime(1);
 }
 
+// What the search has found, taken out of PBlock before a command can change that.
+struct Found {
+    Move move;
+    int score;
+    int depth;
+};
+
+Found TakeResult() { return {PBlock.pv[1], PBlock.score, PBlock.depth}; }
+
+// Whatever position a command sets up meanwhile, the match goes on with its own.
+void PollInput() {
+    SearchThread* game = GetThread(0);
+    const Position pos = game->pos;
+    const auto undo = game->undo;
+    const uint64_t key = rtable[64];
+    SearchTimeout();
+    UserInput();
+    game->pos = pos;
+    game->undo = undo;
+    if (rtable[64] != key)
+        SetHash(&game->pos);  // a table of another size has new keys
+}
+
 // What ends the game before the move found is made. False if it goes on.
-bool Adjudicate(const Position& pos, MatchResult* result) {
+bool Adjudicate(const Position& pos, const Found& found, MatchResult* result) {
     const MatchResult won = pos.stm == WHITE ? WHITE_WINS : BLACK_WINS;
     const MatchResult lost = pos.stm == WHITE ? BLACK_WINS : WHITE_WINS;
-    const int score = PBlock.score;
-    if (score < -DECIDED_SCORE)
+    if (found.score < -DECIDED_SCORE)
         *result = lost;
-    else if (score > DECIDED_SCORE)
+    else if (found.score > DECIDED_SCORE)
         *result = won;
-    else if (pos.fifty > FIFTY_LIMIT || PBlock.pv[1] == NO_MOVE)
+    else if (pos.fifty > FIFTY_LIMIT || found.move == NO_MOVE)
         *result = DRAWN;
     else
         return false;
@@ -99,18 +123,17 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
     // A game that the record can't hold is a draw.
     while (game->count < MATCH_MOVES) {
         FindMove(pos, players[static_cast<size_t>(game->white ^ pos->stm)]);
-        if (++*moves_played % POLL_INTERVAL == 0) {
-            SearchTimeout();
-            UserInput();
-        }
+        const Found found = TakeResult();
+        if (++*moves_played % POLL_INTERVAL == 0)
+            PollInput();
         if (PBlock.quit)
             return false;
         Collect();
-        const bool over = Adjudicate(*pos, &game->result);
-        RecordMove(game, PBlock.pv[1], PBlock.score, PBlock.depth);
+        const bool over = Adjudicate(*pos, found, &game->result);
+        RecordMove(game, found.move, found.score, found.depth);
         if (over)
             break;
-        PlayGameMove(pos, PBlock.pv[1]);
+        PlayGameMove(pos, found.move);
     }
     return true;
 }

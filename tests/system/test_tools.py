@@ -148,6 +148,8 @@ class RoundTrip(ToolCase):
             time.sleep(0.2)
             if os.path.exists(self.path("match.pgn")) and self.read("match.pgn").count("[Event ") >= games:
                 break
+            # Positions set up meanwhile are none of the match's business.
+            engine.send("position fen 4k3/8/8/8/8/8/8/4K2R w - -", "ucinewgame")
         engine.send("quit")
         self.assertEqual(engine.wait(), 0)
         return engine.seen
@@ -171,6 +173,11 @@ class RoundTrip(ToolCase):
         self.assertGreater(positions, 0)
         for line in epd[:-1]:
             self.assertRegex(line, r"^\S+ [wb] \S+ \S+ bm \S+; ce -?\d+; tune 0\.\d{3};$")
+
+        # Every game could be replayed to its end, but for promotions, which its moves don't tell.
+        self.run_tool("-scan_pgn1", "match.pgn")
+        replayed = len(re.findall(r"^.{6}[a-h][1-8][a-h][1-8]", self.read("tmp.pgn"), re.M))
+        self.assertGreater(replayed, 0.5 * len(re.findall(r"[a-h][1-8][a-h][1-8] \{", pgn)))
 
         self.run_tool("-tune", "tmp.epd")
         errors = [float(line[5:]) for line in self.read("tune.log").splitlines() if line.startswith("err= ")]
