@@ -143,13 +143,13 @@ class BadFiles(ToolCase):
 class RoundTrip(ToolCase):
     def play(self, games):
         engine = Engine("-nolog", "-hash", "1", "-match", "match.pgn", folder=self.folder)
+        # Positions set up meanwhile are none of the match's business.
+        engine.send("position fen 4k3/8/8/8/8/8/8/4K2R w - -", "ucinewgame")
         deadline = time.monotonic() + 10 * HANG
         while time.monotonic() < deadline:
             time.sleep(0.2)
             if os.path.exists(self.path("match.pgn")) and self.read("match.pgn").count("[Event ") >= games:
                 break
-            # Positions set up meanwhile are none of the match's business.
-            engine.send("position fen 4k3/8/8/8/8/8/8/4K2R w - -", "ucinewgame")
         engine.send("quit")
         self.assertEqual(engine.wait(), 0)
         return engine.seen

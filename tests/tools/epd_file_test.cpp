@@ -40,7 +40,8 @@ TEST_F(EpdFileTest, ALongLineIsOnePosition) {
 }
 
 TEST_F(EpdFileTest, TakesOtherLineEndsAndNulCharacters) {
-    WriteFile("a.epd", std::string("1k6/8 bm a1\0; id x\r\n4k3/8/8/8\r\n", 33));
+    using namespace std::string_literals;
+    WriteFile("a.epd", "1k6/8 bm a1\0; id x\r\n4k3/8/8/8\r\n"s);
     EXPECT_EQ(Lines("a.epd"), (std::vector<std::string>{"1k6/8 bm a1 ; id x", "4k3/8/8/8"}));
 }
 
