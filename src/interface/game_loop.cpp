@@ -157,8 +157,11 @@ void WaitForRequest() {
     UI_Sleep(1);
 }
 
+// A search that has been stopped is over in a moment, and its reply is due.
+int TurnLength() { return PBlock.stop && !WorkersIdle() ? 1 : TURN; }
+
 void TakeTurn() {
-    UI_Sleep(TURN);
+    SleepForInput(TurnLength());
     SearchTimeout();
     UserInput();
     // A search that the line has asked for takes the place of the reply, and the game goes on with its result.

@@ -158,6 +158,14 @@ bool LineIsHeld() { return held; }
 
 void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
 
+void SleepForInput(int milliseconds) {
+    // With a whole line at hand, or no room, what arrives changes nothing.
+    if (held || ended || used == QUEUE || FirstLineLength() < used)
+        UI_Sleep(milliseconds);
+    else
+        SleepUntilInput(milliseconds);
+}
+
 bool ReadDialogueLine(char* line, int size) {
     std::string text;
     size_t length = 0;

@@ -14,6 +14,9 @@ bool LineIsHeld();
 // Sleeps for so many milliseconds.
 void UI_Sleep(int milliseconds);
 
+// The same, but wakes for input that UserInput can take in. Lines that have arrived already wait their turn.
+void SleepForInput(int milliseconds);
+
 // Blocking read of one line for a dialogue, its end cut off: false at the end of the input.
 bool ReadDialogueLine(char* line, int size);
 

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstddef>
 
+#include "platform/clock.h"
+
 namespace vrel {
 namespace {
 
@@ -47,6 +49,16 @@ int WaitForInput(char* buffer, int size) {
     while (count == INPUT_NOTHING)
         count = ReadWhenReady(buffer, size, -1);
     return count;
+}
+
+void SleepUntilInput(int milliseconds) {
+    if (ended) {
+        SleepMilliseconds(milliseconds);
+        return;
+    }
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (poll(&input, 1, milliseconds) < 0)
+        SleepMilliseconds(1);
 }
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
