@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdlib>
 #include <cstring>
 
 #include "interface/move_text.h"
+#include "interface/numbers.h"
 
 namespace vrel {
 
@@ -14,6 +13,9 @@ namespace {
 
 constexpr int SHORTEST_LINE = 10;  // with its end; what is shorter holds no position
 constexpr int TARGET_LENGTH = 7;   // characters of a target that are read
+
+// A result lies between 0 and 1. Sums and slopes of what lies within these limits stay numbers.
+constexpr double HIGHEST_TARGET = 1e9;
 
 bool IsSpace(char c) { return c == ' ' || c == '\t'; }
 
@@ -71,8 +73,7 @@ double ReadTarget(const char* line) {
         return 0.5;
     std::array<char, TARGET_LENGTH + 1> text{};
     std::strncpy(text.data(), operand, TARGET_LENGTH);
-    const double target = std::atof(text.data());
-    return std::isfinite(target) ? target : 0.0;
+    return ReadReal(text.data(), -HIGHEST_TARGET, HIGHEST_TARGET);
 }
 
 Move ReadBestMove(const char* line) {

@@ -31,7 +31,7 @@ RECORD_HEADERS = {
     "search/search_thread.h",
 }
 
-SERVICES = {"messages", "move_text", "words"}
+SERVICES = {"messages", "move_text", "numbers", "words"}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"(.*)$')
 

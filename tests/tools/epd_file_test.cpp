@@ -59,11 +59,11 @@ TEST_F(EpdFileTest, ReadsTargets) {
         const char* line;
         double target;
     };
-    for (const Row& row :
-         {Row{"8/8 w - - tune 0.25;", 0.25}, Row{"8/8 w - - bm e4; ce 3; tune 1.000;", 1.0},
-          Row{"8/8 w - - bm e4;", 0.5}, Row{"8/8 w - - tune none;", 0.0}, Row{"8/8 w - - tune nan;", 0.0},
-          Row{"8/8 w - - tune 1e999;", 0.0}, Row{"8/8 w - - tune 0.1234567;", 0.12345}, Row{"8/8 w - - tune", 0.5},
-          Row{"8/8 w - - id \"fortune 7\";", 0.5}})
+    for (const Row& row : {Row{"8/8 w - - tune 0.25;", 0.25}, Row{"8/8 w - - bm e4; ce 3; tune 1.000;", 1.0},
+                           Row{"8/8 w - - bm e4;", 0.5}, Row{"8/8 w - - tune none;", 0.0},
+                           Row{"8/8 w - - tune nan;", 0.0}, Row{"8/8 w - - tune 1e999;", 0.0},
+                           Row{"8/8 w - - tune 1e308;", 1e9}, Row{"8/8 w - - tune 0.1234567;", 0.12345},
+                           Row{"8/8 w - - tune", 0.5}, Row{"8/8 w - - id \"fortune 7\";", 0.5}})
         EXPECT_DOUBLE_EQ(ReadTarget(row.line), row.target) << row.line;
 }
 
