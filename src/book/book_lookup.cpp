@@ -83,7 +83,7 @@ void IndexBook() {
             if (start == NOT_IN_BOOK)
                 start = bkrecnum;
         }
-    } while (count == BUFFER_RECORDS);
+    } while (count == BUFFER_RECORDS && bkrecnum < std::numeric_limits<int32_t>::max());
 }
 
 // Binary search in the buffer, whose order falls; null if it isn't there. Ends in a buffer without order as well.

@@ -47,7 +47,7 @@ bool File::ReadLine(std::string* line) {
     if (stream_ == nullptr)
         return false;
     int c;
-    while ((c = std::getc(stream_)) != EOF) {
+    while (line->size() < LONGEST_LINE && (c = std::getc(stream_)) != EOF) {
         line->push_back(static_cast<char>(c));
         if (c == '\n')
             break;

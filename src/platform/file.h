@@ -21,13 +21,15 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
+    static constexpr size_t LONGEST_LINE = 65536;
+
     explicit operator bool() const { return stream_ != nullptr; }
 
     // Reads a line, its end included, but at most size - 1 characters of it: the rest comes with the next call. False
     // at the end of the file, with an empty text. The last line needs no end.
     bool ReadLine(char* line, int size);
 
-    // Reads a line of any length, its end included. False at the end of the file.
+    // The same for lines of up to LONGEST_LINE characters, their end included.
     bool ReadLine(std::string* line);
 
     // Number of bytes read, less than asked for at the end or on an error.

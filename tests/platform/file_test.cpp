@@ -66,20 +66,24 @@ TEST_F(FileTest, LongLinesComeInParts) {
     EXPECT_FALSE(in.ReadLine(line, 0));
 }
 
-TEST_F(FileTest, LinesOfAnyLengthComeWhole) {
-    const std::string big(100000, 'x');
-    File in(Make("lines", "\n" + big + "\r\nlast").c_str(), "r");
+TEST_F(FileTest, LinesUpToALimitComeWhole) {
+    const std::string big(File::LONGEST_LINE - 2, 'x');
+    File in(Make("lines", "\n" + big + "\r\n" + big + "xyz\nlast").c_str(), "r");
     std::string line;
     EXPECT_TRUE(in.ReadLine(&line));
     EXPECT_EQ(line, "\n");
     EXPECT_TRUE(in.ReadLine(&line));
     EXPECT_EQ(line, big + "\r\n");
     EXPECT_TRUE(in.ReadLine(&line));
+    EXPECT_EQ(line, big + "xy");
+    EXPECT_TRUE(in.ReadLine(&line));
+    EXPECT_EQ(line, "z\n");
+    EXPECT_TRUE(in.ReadLine(&line));
     EXPECT_EQ(line, "last");
     EXPECT_FALSE(in.ReadLine(&line));
 }
 
-TEST_F(FileTest, NulBytesAreKeptInLinesOfAnyLength) {
+TEST_F(FileTest, NulBytesAreKeptInLines) {
     const std::string text("a\0b\nc", 5);
     File in(Make("nul", text).c_str(), "r");
     std::string line;
