@@ -1,7 +1,10 @@
 """Commands in every order with random delays: each `go` gets exactly one reply, and nothing hangs.
 
     test_storms.py [ROUNDS [WORKERS [SEED]]]
+
+A `stop` without a search repeats the last reply; where none can be sure to have come first, one more is allowed for.
 """
+import os
 import random
 import sys
 import tempfile
@@ -9,6 +12,7 @@ import time
 
 from vrel_process import Engine
 
+HANG = 10.0  # seconds
 POSITIONS = [
     "startpos",
     "startpos moves e2e4 e7e5 g1f3",
@@ -22,94 +26,158 @@ POSITIONS = [
 ENDLESS = POSITIONS[:4]
 TIMED = ["go depth {d}", "go movetime {t}", "go nodes {n}", "go wtime {t} btime {t} winc 5 binc 5",
          "go wtime {t} btime {t} movestogo 2", "go depth 0"]
-OPTIONS = ["setoption name Hash value {h}", "setoption name Threads value {w}", "setoption name MultiPV value {m}",
-           "setoption name Clear Hash", "setoption name Communication Overhead value {o}",
-           "setoption name Ponder value true", "setoption name OwnBook value true", "setoption name Log value false",
-           "setoption name Nonsense value 7", "setoption name Hash"]
+ENDING = ["setoption name Hash value {h}", "setoption name Threads value {w}", "setoption name Clear Hash"]
+OPTIONS = ENDING + ["setoption name MultiPV value {m}", "setoption name Communication Overhead value {o}",
+                    "setoption name Ponder value {b}", "setoption name OwnBook value {b}",
+                    "setoption name Log value {b}", "setoption name Nonsense value 7", "setoption name Hash"]
+OTHERS = ["isready", "position startpos", "uci", "ponderhit", "xyzzy"]
+GAME = '[Result "{}"]\n1. e4 e5 2. Nf3 Nc6 3. Bb5 a6\n\n'
+
+
+def make_book(folder):
+    with open(os.path.join(folder, "book.pgn"), "w", encoding="ascii") as pgn:
+        for result in ["1-0", "0-1"] * 20:
+            pgn.write(GAME.format(result))
+    engine = Engine("-c", "-nolog", folder=folder)
+    engine.send("mkbook")
+    engine.wait_for("done")
+    assert engine.quit() == 0
+    os.rename(os.path.join(folder, "book.opn"), os.path.join(folder, "vrel.opn"))
 
 
 class Storm:
-    def __init__(self, engine, seed, workers):
-        self.engine = engine
+    def __init__(self, folder, seed, workers):
+        self.engine = Engine("-nolog", "-threads", str(workers), folder=folder)
         self.random = random.Random(seed)
         self.workers = workers
-        self.sent = 0     # `go`s
-        self.replies = 0  # `bestmove`s
+        self.book = False  # a search may be answered at once
+        self.commands = 0
+        self.sent = 0      # `go`s
+        self.doubtful = 0  # `stop`s that may have come when the search was over
+        self.replies = 0   # `bestmove`s
 
-    def fill(self, text):
+    def send(self, text):
         r = self.random
-        return text.format(d=r.randint(1, 9), t=r.randint(1, 60), n=r.randint(0, 20000), h=r.choice([0, 1, 3, 16]),
-                           w=r.randint(1, self.workers), m=r.randint(1, 4), o=r.randint(0, 30))
-
-    def send(self, line):
+        line = text.format(d=r.randint(1, 6), t=r.randint(1, 60), n=r.randint(1, 20000), h=r.choice([0, 1, 3, 16]),
+                           w=r.randint(1, self.workers), m=r.randint(1, 4), o=r.randint(0, 30),
+                           b=r.choice(["true", "false"]))
+        if "OwnBook" in line:
+            self.book = line.endswith("true")
+        self.book = self.book and line != "uci"
+        self.commands += 1
         self.engine.send(line)
-        time.sleep(self.random.uniform(0, 0.02))
+        time.sleep(r.uniform(0, 0.02))
 
     def go(self, line, positions):
         self.send("position " + self.random.choice(positions))
         self.sent += 1
         self.send(line)
 
-    def interrupt(self):
+    def stop(self, certain=False):
+        self.doubtful += not certain
+        self.send("stop")
+
+    def interrupt(self, most=3):
         """What may come while a search runs and ends or leaves it, without a second reply."""
-        for _ in range(self.random.randint(0, 3)):
-            self.send(self.random.choice(["isready", "position startpos", "uci", "ponderhit", "xyzzy",
-                                          self.fill(self.random.choice(OPTIONS))]))
+        for _ in range(self.random.randint(0, most)):
+            self.send(self.random.choice(OTHERS + OPTIONS))
+
+    def timed(self):
+        self.go(self.random.choice(TIMED), POSITIONS)
+        self.interrupt()
+        if self.random.random() < 0.3:
+            self.stop()
+            self.interrupt()
+
+    def endless(self):
+        self.go("go infinite", ENDLESS)
+        # Nothing else ends this search than what is sent here.
+        ending = self.random.choice(["stop", "stop", "ucinewgame"] + ENDING)
+        if ending == "stop":
+            self.stop(certain=not self.book)
+        else:
+            self.send(ending)
+            self.stop()
+
+    def pondering(self):
+        """`ponderhit` and `stop` in any order, with anything between, and at last one that surely ends it."""
+        self.go(self.random.choice(["go ponder", "go ponder wtime 50 btime 50", "go ponder depth {d}",
+                                    "go ponder nodes {n}"]), POSITIONS)
+        for _ in range(self.random.randint(0, 4)):
+            kind = self.random.randint(0, 3)
+            if kind == 0:
+                self.stop()
+            elif kind == 1:
+                self.interrupt(1)
+            else:
+                self.send(self.random.choice(["ponderhit", "ucinewgame"]))
+        self.stop()
+
+    def one_after_the_other(self):
+        for _ in range(self.random.randint(2, 5)):
+            self.go(self.random.choice(TIMED + ["go infinite", "go ponder"]), ENDLESS)
+            self.interrupt(1)
+        self.go("go depth 2", ENDLESS)
 
     def round(self):
-        kind = self.random.randint(0, 4)
-        if kind == 0:
-            self.go(self.fill(self.random.choice(TIMED)), POSITIONS)
-            self.interrupt()
-        elif kind == 1:
-            # Nothing else ends this search than what is sent here.
-            self.go("go infinite", ENDLESS)
-            self.send(self.random.choice(["stop", self.fill(self.random.choice(OPTIONS[:2])), "ucinewgame"]))
-        elif kind == 2:
-            self.go("go ponder wtime 50 btime 50", ENDLESS)
-            self.send(self.random.choice(["stop", "ponderhit"]))
-        elif kind == 3:
-            for _ in range(self.random.randint(2, 5)):
-                self.go(self.fill(self.random.choice(TIMED + ["go infinite", "go ponder"])), ENDLESS)
-            self.send("position startpos")
-            self.sent += 1
-            self.send("go depth 2")
-        else:
-            self.go("go ponder", ENDLESS)
-            self.interrupt()
-            self.go("go depth 3", ENDLESS)
-
-    def settle(self):
-        """Everything asked for is answered, and nothing more."""
-        deadline = time.monotonic() + 15
-        while self.replies < self.sent:
-            line = self.engine.read_line(max(0.0, deadline - time.monotonic()))
-            self.count(line)
-        self.engine.send("isready")
-        while True:
-            line = self.engine.read_line(15)
-            self.count(line)
-            if line == "readyok" and self.engine.lines.empty():
-                break
-        assert self.replies == self.sent, (self.sent, self.replies, self.engine.seen[-30:])
+        self.random.choice([self.timed, self.endless, self.pondering, self.one_after_the_other])()
 
     def count(self, line):
         assert line is not None, ("the engine ended", self.engine.seen[-10:])
         self.replies += line.startswith("bestmove")
 
+    def check(self):
+        assert self.sent <= self.replies <= self.sent + self.doubtful, \
+            (self.sent, self.doubtful, self.replies, self.engine.seen[-30:])
+
+    def settle(self):
+        """Everything asked for is answered, and nothing more."""
+        deadline = time.monotonic() + HANG
+        while self.replies < self.sent:
+            self.count(self.engine.read_line(max(0.0, deadline - time.monotonic())))
+        self.send("isready")
+        while True:
+            line = self.engine.read_line(HANG)
+            self.count(line)
+            if line == "readyok" and self.engine.lines.empty():
+                break
+        self.check()
+        self.sent = self.replies  # what was doubtful is settled
+        self.doubtful = 0
+
+    def end(self, quits):
+        """The program ends in the middle of anything: at once, or at the end of its input with all answers given."""
+        start = time.monotonic()
+        if quits:
+            self.engine.send("quit")
+        else:
+            self.engine.close_input()
+        assert self.engine.wait(HANG) == 0
+        assert time.monotonic() - start < HANG
+        self.replies = sum(line.startswith("bestmove") for line in self.engine.seen)
+        if not quits:
+            self.check()
+
 
 def main():
-    rounds = int(sys.argv[1]) if len(sys.argv) > 1 else 60
+    rounds = int(sys.argv[1]) if len(sys.argv) > 1 else 40
     workers = int(sys.argv[2]) if len(sys.argv) > 2 else 4
     seed = int(sys.argv[3]) if len(sys.argv) > 3 else 1
     with tempfile.TemporaryDirectory() as folder:
-        engine = Engine("-nolog", folder=folder)
-        storm = Storm(engine, seed, workers)
+        make_book(folder)
+        storm = Storm(folder, seed, workers)
         for _ in range(rounds):
             storm.round()
             storm.settle()
-        assert engine.quit() == 0
-    print(f"{rounds} rounds, {storm.sent} searches, {storm.replies} replies")
+        storm.end(quits=True)
+        commands, answers = storm.commands, storm.replies
+        for i in range(rounds // 5):
+            storm = Storm(folder, 1000 * seed + i, workers)
+            storm.round()
+            storm.end(quits=i % 2 == 0)
+            commands += storm.commands
+            answers += storm.replies
+    print(f"{rounds} rounds, {rounds // 5} endings, {commands} commands, {answers} replies")
 
 
 if __name__ == "__main__":
