@@ -29,6 +29,7 @@ constexpr double TOOL_NOISE = 1000.0;  // seconds that a batch search must take 
 
 // Builds every table and starts the pool, in an order that each step relies on. False if the program can't run.
 bool StartUp(int argc, char** argv, CommandLine* line) {
+    OccupyStandardStreams();
     IgnoreBrokenPipe();
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone
     OpenLog();

@@ -1,5 +1,6 @@
 #include "platform/standard_output.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -46,6 +47,14 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
             return !ReaderIsGone(errno);
     }
     return true;
+}
+
+void OccupyStandardStreams() {
+    int descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = open("/dev/null", O_RDWR);
+    if (descriptor >= 0)
+        close(descriptor);
 }
 
 void IgnoreBrokenPipe() {

@@ -9,6 +9,10 @@ namespace vrel {
 // any more; output that is lost in another way, such as on a full disk, is no reason to end.
 bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size);
 
+// Gives standard streams that were closed at the start to the null device, so that no file gets their place and with
+// it what is meant for them.
+void OccupyStandardStreams();
+
 // Lets a write without a reader, or beyond the limit that is set for the size of files, fail instead of ending the
 // program there and then.
 void IgnoreBrokenPipe();

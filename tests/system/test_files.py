@@ -191,8 +191,16 @@ class BrokenPipe(unittest.TestCase):
                     pass
 
 
-class Games(unittest.TestCase):
-    def test_two_programs_in_one_folder(self):
+class Surroundings(unittest.TestCase):
+    def test_output_that_is_closed_goes_nowhere(self):
+        with tempfile.TemporaryDirectory() as folder:
+            subprocess.run(["sh", "-c", '"$VREL" -c -nolog >&-'], input=b"e4\ntrace 1\ngo 2\nsave\n", timeout=HANG,
+                           cwd=folder, check=True)
+            for name in os.listdir(folder):
+                with open(os.path.join(folder, name), encoding="ascii") as file:
+                    self.assertNotIn("black", file.read())
+
+    def test_several_programs_in_one_folder(self):
         """Each works; the log belongs to the first."""
         with tempfile.TemporaryDirectory() as folder:
             engines = [Engine(folder=folder) for _ in range(4)]
