@@ -146,8 +146,8 @@ GameRecord PlayGame(const GameSettings& settings) {
             player.clock -= taken;
             record.least_clock = std::min(record.least_clock, player.clock);
             if (player.clock < 0)
-                record.faults.push_back("time forfeit after " + std::to_string(taken) + " s in " +
-                                        oracle::WriteFen(board));
+                record.faults.push_back("time forfeit after " + std::to_string(taken) + " s, allowed " +
+                                        std::to_string(longest) + " s, in " + oracle::WriteFen(board));
             player.clock += settings.increment;
             for (const std::string& line : lines) {
                 const std::string fault =

@@ -12,7 +12,7 @@ struct GameRecord {
     int plies = 0;
     std::string result;               // "1-0", "0-1", "1/2-1/2"
     std::vector<std::string> faults;  // empty for a clean game
-    double worst_overrun = 0.0;       // seconds that a move took beyond the longest time it may take
+    double worst_overrun = -1e9;      // seconds that a move took beyond its target with all extensions
     double least_clock = 0.0;         // seconds that were left at the worst moment
 };
 
