@@ -31,6 +31,11 @@ OPTIONS = ENDING + ["setoption name MultiPV value {m}", "setoption name Communic
                     "setoption name Ponder value {b}", "setoption name OwnBook value {b}",
                     "setoption name Log value {b}", "setoption name Nonsense value 7", "setoption name Hash"]
 OTHERS = ["isready", "position startpos", "uci", "ponderhit", "xyzzy"]
+CONSOLE = ["go {d}", "an", "an", ".", ".", "mv", "self", "ev", "bd", "swap", "perft 2", "book", "mkbook", "tune hung 9",
+           "set SE {m}", "set", "undo", "]", "jump {d}", "load book.pgn {d}", "save", "get one", "new", "force", "tag",
+           "depth {d}", "time 1", "level 1 0.{d} 0", "noise 0", "hash {m}", "multipv {m}", "ponder 0", "debug 1",
+           "debug 0", "trace 2", "trace 0", "lmr", "e4", "e5", "move Nf3", "edit\n#\nw Ke1\n.",
+           "fen 8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -"]
 GAME = '[Result "{}"]\n1. e4 e5 2. Nf3 Nc6 3. Bb5 a6\n\n'
 
 
@@ -46,8 +51,8 @@ def make_book(folder):
 
 
 class Storm:
-    def __init__(self, folder, seed, workers):
-        self.engine = Engine("-nolog", "-threads", str(workers), folder=folder)
+    def __init__(self, folder, seed, workers, *arguments):
+        self.engine = Engine("-nolog", "-threads", str(workers), *arguments, folder=folder)
         self.random = random.Random(seed)
         self.workers = workers
         self.book = False  # a search may be answered at once
@@ -145,6 +150,15 @@ class Storm:
         self.sent = self.replies  # what was doubtful is settled
         self.doubtful = 0
 
+    def console(self, rounds):
+        """The commands of the console: after any of them the next are still handled."""
+        for i in range(rounds):
+            for _ in range(self.random.randint(1, 8)):
+                self.send(self.random.choice(CONSOLE))
+            self.send(f"level 1 {1000 + i} 0")
+            self.engine.wait_for(f"set level to 1 moves in {1000 + i}.00", HANG)
+            self.send("level 1 0.1 0")
+
     def end(self, quits):
         """The program ends in the middle of anything: at once, or at the end of its input with all answers given."""
         start = time.monotonic()
@@ -177,7 +191,11 @@ def main():
             storm.end(quits=i % 2 == 0)
             commands += storm.commands
             answers += storm.replies
-    print(f"{rounds} rounds, {rounds // 5} endings, {commands} commands, {answers} replies")
+        storm = Storm(folder, seed, workers, "-c", "-hash", "4")
+        storm.console(rounds)
+        storm.end(quits=True)
+        commands += storm.commands
+    print(f"{2 * rounds} rounds, {rounds // 5} endings, {commands} commands, {answers} replies")
 
 
 if __name__ == "__main__":
