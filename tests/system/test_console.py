@@ -543,7 +543,8 @@ class Session:
                               "multipv 1", "noise 9999", "new")
         self.console.send("level 1 77 0")
         self.console.read_until("set level to 1 moves in 77.00 seconds")
-        self.quit()
+        self.console.send("quit")  # the last search may still report
+        self.assertEqual(self.console.wait()[0], 0)
 
     def test_lines_of_any_kind(self):
         self.start("-quiet")
