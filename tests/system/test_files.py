@@ -145,7 +145,7 @@ class Files(unittest.TestCase):
                 continue
             with self.subTest(name):
                 self.new_folder()
-                self.write(read, contents(read) * 20)
+                self.write(read, contents(read) * 5)
                 over = threading.Event()
                 changer = threading.Thread(target=self.change, args=(read, over))
                 changer.start()
@@ -166,7 +166,7 @@ class Files(unittest.TestCase):
                 self.write(name, contents(name)[:step * 37 % 900])
             elif step < 2000:
                 with open(self.path(name), "ab") as file:
-                    file.write(contents(name) * 5)
+                    file.write(contents(name) * 2)
 
 
 class BrokenPipe(unittest.TestCase):
