@@ -25,7 +25,9 @@ namespace vrel {
 
 namespace {
 
-constexpr int TURN = 2;  // milliseconds between looks at input and clock
+constexpr int TURN = 2000;             // microseconds between looks at input and clock
+constexpr int SHORT_TURN = 200;        // the same when a search is about to end
+constexpr double SHORT_SEARCH = 0.02;  // seconds
 constexpr int BOOK_PLIES = 35;
 constexpr int FIFTY_LIMIT = 100;
 constexpr double ENDLESS = 90000.0;  // seconds: a target time from here on is no limit
@@ -157,11 +159,19 @@ void WaitForRequest() {
     UI_Sleep(1);
 }
 
-// A search that has been stopped is over in a moment, and its reply is due.
-int TurnLength() { return PBlock.stop && !WorkersIdle() ? 1 : TURN; }
+// A search that has been stopped is over in a moment, and its reply is due. One with hardly any time must not lose on
+// the way what its clock gains with each move.
+int TurnLength() {
+    if (WorkersIdle())
+        return TURN;
+    const bool hurries = PBlock.trg_time < SHORT_SEARCH && PBlock.elapsed < SHORT_SEARCH;
+    return PBlock.stop || hurries ? SHORT_TURN : TURN;
+}
 
 void TakeTurn() {
-    SleepForInput(TurnLength());
+    // A free engine has nothing to look after but its input: `go` follows `position` without delay.
+    if (!EngineIsFree() || !LineIsWaiting())
+        SleepForInput(TurnLength());
     SearchTimeout();
     UserInput();
     // A search that the line has asked for takes the place of the reply, and the game goes on with its result.

@@ -154,16 +154,18 @@ void UserInput() {
 
 bool InputIsOver() { return ended && used == 0 && !held; }
 
+bool LineIsWaiting() { return held || FirstLineLength() < used || (ended && used > 0); }
+
 bool LineIsHeld() { return held; }
 
 void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
 
-void SleepForInput(int milliseconds) {
+void SleepForInput(int microseconds) {
     // With a whole line at hand, or no room, what arrives changes nothing.
-    if (held || ended || used == QUEUE || FirstLineLength() < used)
-        UI_Sleep(milliseconds);
+    if (ended || used == QUEUE || LineIsWaiting())
+        SleepMicroseconds(microseconds);
     else
-        SleepUntilInput(milliseconds);
+        SleepUntilInput(microseconds);
 }
 
 bool ReadDialogueLine(char* line, int size) {

@@ -7,6 +7,15 @@
 #include <cstdint>
 
 namespace vrel {
+namespace {
+
+// A signal ends a sleep early; the rest is slept then.
+void Sleep(timespec rest) {
+    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
+    }
+}
+
+}  // namespace
 
 double MonotonicSeconds() { return SecondsSince(0.0); }
 
@@ -24,14 +33,13 @@ unsigned int TimeOfDaySeed() {
 }
 
 void SleepMilliseconds(int milliseconds) {
-    if (milliseconds < 1)
-        return;
-    timespec rest{};
-    rest.tv_sec = milliseconds / 1000;
-    rest.tv_nsec = (milliseconds % 1000) * 1000000L;
-    // A signal ends a sleep early; the rest is slept then.
-    while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
-    }
+    if (milliseconds >= 1)
+        Sleep({milliseconds / 1000, milliseconds % 1000 * 1000000L});
+}
+
+void SleepMicroseconds(int microseconds) {
+    if (microseconds >= 1)
+        Sleep({microseconds / 1000000, microseconds % 1000000 * 1000L});
 }
 
 }  // namespace vrel

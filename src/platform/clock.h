@@ -11,7 +11,8 @@ double SecondsSince(double start);
 // A number that differs from start to start: milliseconds of the time of day, cut to what fits.
 unsigned int TimeOfDaySeed();
 
-// Sleeps for so many milliseconds; nothing for a number below 1.
+// Sleeps for so long; nothing for a number below 1.
 void SleepMilliseconds(int milliseconds);
+void SleepMicroseconds(int microseconds);
 
 }  // namespace vrel

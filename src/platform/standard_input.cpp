@@ -51,13 +51,14 @@ int WaitForInput(char* buffer, int size) {
     return count;
 }
 
-void SleepUntilInput(int milliseconds) {
+void SleepUntilInput(int microseconds) {
     if (ended) {
-        SleepMilliseconds(milliseconds);
+        SleepMicroseconds(microseconds);
         return;
     }
     pollfd input{STDIN_FILENO, POLLIN, 0};
-    if (poll(&input, 1, milliseconds) < 0)
+    const timespec rest{0, microseconds * 1000L};
+    if (ppoll(&input, 1, &rest, nullptr) < 0)
         SleepMilliseconds(1);
 }
 

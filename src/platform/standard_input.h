@@ -16,8 +16,8 @@ int ReadInput(char* buffer, int size);
 // The same, but waits until there is a byte or the end: the number of bytes or INPUT_ENDED.
 int WaitForInput(char* buffer, int size);
 
-// Sleeps for so many milliseconds, but not beyond the arrival of a byte or of the end.
-void SleepUntilInput(int milliseconds);
+// Sleeps for so many microseconds, less than a second, but not beyond the arrival of a byte or of the end.
+void SleepUntilInput(int microseconds);
 
 // True if a person types at a terminal.
 bool InputIsTerminal();
