@@ -172,7 +172,8 @@ class Files(unittest.TestCase):
 class BrokenPipe(unittest.TestCase):
     def test_every_kind_of_run_ends_when_nobody_reads(self):
         for arguments, script in [(["-c"], "go 4\n" * 20 + "self\n"), (["-c"], "perft 5\nbd\n"), (["-c"], "edit\n"),
-                                  ([], "go infinite\n"), (["-anepd", "in.epd", "-d", "8"], ""),
+                                  ([], "uci\n" * 10), ([], "go infinite\n"),
+                                  ([], "go movetime 100000\n"), (["-anepd", "in.epd", "-d", "8"], ""),
                                   (["-match", "x.pgn"], ""), (["-tune", "in.epd"], "")]:
             with self.subTest(arguments=arguments, script=script), tempfile.TemporaryDirectory() as folder:
                 with open(os.path.join(folder, "in.epd"), "w", encoding="ascii") as file:

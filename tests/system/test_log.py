@@ -76,10 +76,6 @@ class Log(unittest.TestCase):
         os.mkfifo(self.path)
         self.assertEqual(self.run_script("isready\n", "-nolog"), ["readyok"])
 
-    def test_a_full_disk_does_no_harm(self):
-        os.symlink("/dev/full", self.path)
-        self.assertEqual(self.run_script("isready\n")[-1], "readyok")
-
 
 if __name__ == "__main__":
     unittest.main()

@@ -120,18 +120,6 @@ class Suites(ToolCase):
 
 
 class BadFiles(ToolCase):
-    def test_every_tool_ends_on_every_file(self):
-        os.mkdir(self.path("folder"))
-        self.write("empty", "")
-        with open(self.path("noise"), "wb") as file:
-            file.write(os.urandom(30000))
-        self.write("odd", "qqqqqqqq/8/8/8 w\n" + "K" * 70000 + "\n[Event \"\n{{{{\n" + "e4 " * 5000 + "\n}}}}\n[%")
-        for name in ["missing", "folder", "empty", "noise", "odd", "/dev/null"]:
-            for tool in [["-anepd", name, "-d", "0"], ["-anepd", name, "-d", "1"], ["-scan_pgn1", name],
-                         ["-scan_pgn2", name], ["-scan_pgn3", name], ["-tune", name]]:
-                with self.subTest(name=name, tool=tool[0]):
-                    self.run_tool(*tool, "-quiet", script="quit\n" if tool[0] == "-tune" else "")
-
     def test_a_match_needs_a_file_and_a_second_player_it_can_read(self):
         self.assertIn("can't open folder/x.pgn\n", self.run_tool("-match", "folder/x.pgn"))
         self.write("player2.par", "hung -20\nqueen_value 900\n")
