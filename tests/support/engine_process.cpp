@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 
@@ -81,7 +82,10 @@ bool EngineProcess::ReadLine(std::string* line, int milliseconds) {
             return true;
         }
         pollfd wait{from_, POLLIN, 0};
-        if (poll(&wait, 1, MillisecondsTo(deadline)) <= 0)
+        const int ready = poll(&wait, 1, MillisecondsTo(deadline));
+        if (ready < 0 && errno == EINTR)  // as after having been stopped for a while
+            continue;
+        if (ready <= 0)
             return false;
         std::array<char, 4096> chunk;
         const ssize_t n = read(from_, chunk.data(), chunk.size());
