@@ -69,11 +69,33 @@ bool MoveIsLegal(const Position& pos, int side, Move move) {
            !AnySees(BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
 }
 
-uint64_t RestrictedMovers(const Position& pos, int side, bool in_check) {
-    if (in_check)
-        return ~0ULL;
-    const auto s = static_cast<size_t>(side);
-    return PinnedToKing(pos, side) | pos.bb[s][KING];
+LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check) {
+    const auto& own = pos.bb[static_cast<size_t>(side)];
+    if (!in_check)
+        return {PinnedToKing(pos, side) | own[KING], ~0ULL};
+    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    const int king = KingSquare(pos, side);
+    const auto n = static_cast<size_t>(king);
+    const uint64_t occ = Occupied(pos);
+    uint64_t tested = own[KING];
+    uint64_t checkers = (BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) |
+                        (BB_KnightRays[n] & enemy[KNIGHT]) | (BB_KingRays[n] & enemy[KING]);
+    uint64_t line = 0;
+    uint64_t sliders =
+        (BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]));
+    while (sliders) {
+        const int sq = PopLSB(&sliders);
+        const uint64_t squares = BB_Between(sq, king);
+        const uint64_t between = squares & occ;
+        if (between == 0) {
+            checkers |= Bit(sq);
+            line = squares;
+        } else if ((between & (between - 1)) == 0) {
+            tested |= between;
+        }
+    }
+    // No move but the king's answers two checks.
+    return {tested, (checkers & (checkers - 1)) ? 0 : checkers | line};
 }
 
 CheckContext MakeCheckContext(const Position& pos, int side) {

@@ -11,14 +11,18 @@ namespace vrel {
 // doesn't leave or cross an attacked square.
 bool MoveIsLegal(const Position& pos, int side, Move move);
 
-// What a node knows about legality before it looks at a single move: from these squares a move has to be tested, from
-// all others it is legal unless it is en passant. All squares when in check; else the king and the pinned pieces.
-uint64_t RestrictedMovers(const Position& pos, int side, bool in_check);
+// What a node knows about legality before it looks at a single move.
+struct LegalityContext {
+    uint64_t tested;   // from these squares every move has to be tested: the king, pinned pieces
+    uint64_t targets;  // from all others a move is legal if it goes here; after a check: blocks and captures
+};
 
-// The same answer as above with that knowledge.
-inline bool MoveIsLegal(const Position& pos, int side, Move move, uint64_t restricted) {
-    if (move != NO_MOVE && ((restricted >> FromSquare(move)) & 1) == 0 && ToSquare(move) != pos.ep_square)
-        return true;
+LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check);
+
+// The same answer as above with that knowledge. En passant opens lines of its own and is always tested.
+inline bool MoveIsLegal(const Position& pos, int side, Move move, const LegalityContext& context) {
+    if (move != NO_MOVE && ((context.tested >> FromSquare(move)) & 1) == 0 && ToSquare(move) != pos.ep_square)
+        return (context.targets >> ToSquare(move)) & 1;
     return MoveIsLegal(pos, side, move);
 }
 

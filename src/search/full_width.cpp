@@ -118,7 +118,7 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
                   .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0,
                   .local_pv = local_pv.data()};
     const bool no_flags = in_check || depth < 0;
-    const uint64_t restricted = RestrictedMovers(*pos, side, in_check);
+    const LegalityContext legality = MakeLegalityContext(*pos, side, in_check);
     CheckContext checks;
     if (!no_flags)
         checks = MakeCheckContext(*pos, side);
@@ -126,7 +126,7 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
     frame->stage = 0;
 
     while (MoveEntry* entry = GetNextMoveFW(pos, in_check)) {
-        if (!MoveIsLegal(*pos, side, entry->move, restricted))
+        if (!MoveIsLegal(*pos, side, entry->move, legality))
             continue;
         entry->flags = 0;
         const int ext = no_flags ? 0 : Extension(*pos, entry, checks);

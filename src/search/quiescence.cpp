@@ -94,21 +94,21 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
     SearchThread* thread = ThreadOf(pos);
     const int child_type = node_opp[static_cast<size_t>(node_type)];
     // Nothing about legality and checks is found out for a node without moves.
-    uint64_t restricted = 0;
+    LegalityContext legality{};
     CheckContext checks;
     bool prepared = false;
     PvLine local_pv;
     GenerateActive(pos, frame, side);
     while (true) {
         if (!prepared && frame->current != EndOfList(frame)) {
-            restricted = RestrictedMovers(*pos, side, false);
+            legality = MakeLegalityContext(*pos, side, false);
             checks = MakeCheckContext(*pos, side);
             prepared = true;
         }
         while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
             const int check = MoveGivesCheck(*pos, side, *entry, checks);
-            if (MoveIsLegal(*pos, side, move, restricted) && WorthTrying(*pos, *entry, check, side, eval, a)) {
+            if (MoveIsLegal(*pos, side, move, legality) && WorthTrying(*pos, *entry, check, side, eval, a)) {
                 frame->gives_check = CheckAfter(*pos, *entry, check);
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());

@@ -13,11 +13,11 @@ namespace {
 uint64_t CountLeaves(Position* pos, int side, int ply, int depth) {
     GenerateAll(pos);
     const bool in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
-    const uint64_t restricted = RestrictedMovers(*pos, side, in_check);
+    const LegalityContext legality = MakeLegalityContext(*pos, side, in_check);
     PlyFrame* frame = pos->frames + ply;
     uint64_t leaves = 0;
     for (MoveEntry* entry = frame->first; entry->move != END_OF_LIST; ++entry) {
-        if (!MoveIsLegal(*pos, side, entry->move, restricted))
+        if (!MoveIsLegal(*pos, side, entry->move, legality))
             continue;
         frame->current = entry;
         if (depth == 1) {

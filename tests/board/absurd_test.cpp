@@ -19,9 +19,9 @@ using AbsurdTest = EngineTest;
 // Asks everything that can be asked of a move.
 int AskAll(const Position& pos, const MoveEntry& entry) {
     const CheckContext context = MakeCheckContext(pos, pos.stm);
-    const uint64_t restricted = RestrictedMovers(pos, pos.stm, false);
+    const LegalityContext legality = MakeLegalityContext(pos, pos.stm, false);
     return MoveGivesCheck(pos, pos.stm, entry) + MoveGivesCheck(pos, pos.stm, entry, context) +
-           MoveIsLegal(pos, pos.stm, entry.move, restricted) + MoveIsSafe(pos, entry) + MoveIsThreat(pos, entry) +
+           MoveIsLegal(pos, pos.stm, entry.move, legality) + MoveIsSafe(pos, entry) + MoveIsThreat(pos, entry) +
            MoveIsPawnPush(pos, pos.stm, entry) + MoveIsCastle(entry) +
            swapoff1(pos, pos.stm, FromSquare(entry.move), ToSquare(entry.move), Occupied(pos));
 }

@@ -111,15 +111,15 @@ TEST_F(LegalityTest, AgreesWithTheRules) {
         pos.Set(fen);
         const oracle::Board board = OracleBoard(*pos);
         const bool in_check = SqAtakd(*pos, KingSquare(*pos, pos->stm), pos->stm ^ 1);
-        const uint64_t restricted = RestrictedMovers(*pos, pos->stm, in_check);
+        const LegalityContext legality = MakeLegalityContext(*pos, pos->stm, in_check);
         for (const MoveEntry& entry : AllMoves(pos.get())) {
             const bool legal = oracle::IsLegal(board, OracleMove(entry.move));
             const std::string text = fen + ' ' + oracle::MoveText(OracleMove(entry.move));
             ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move), legal) << text;
-            ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move, restricted), legal) << text;
+            ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move, legality), legal) << text;
         }
         EXPECT_FALSE(MoveIsLegal(*pos, pos->stm, NO_MOVE));
-        EXPECT_FALSE(MoveIsLegal(*pos, pos->stm, NO_MOVE, restricted));
+        EXPECT_FALSE(MoveIsLegal(*pos, pos->stm, NO_MOVE, legality));
     }
 }
 
