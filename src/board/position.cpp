@@ -1,5 +1,7 @@
 #include "board/position.h"
 
+#include <emmintrin.h>
+
 #include <cstddef>
 
 namespace vrel {
@@ -8,12 +10,26 @@ namespace {
 
 using Row = std::array<uint8_t, MAX_ROW + 1>;
 
-// Length of a row. The king's is not part of the material signature, so the terminator tells.
-int RowLength(const Row& row) {
-    int n = 0;
-    while (n < MAX_ROW && row[static_cast<size_t>(n)] != NO_SQUARE)
-        ++n;
-    return n;
+// The rows are searched as a whole: where a piece stands in its row can't be predicted, and a loop would pay for that.
+static_assert(sizeof(Row) == 16);
+__m128i LoadRow(const Row& row) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(row.data())); }
+
+// Place of a square that is in the row; NO_SQUARE gives its length. The king's isn't part of the material signature, so
+// the terminator tells.
+size_t PlaceOf(__m128i row, int sq) {
+    const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(row, _mm_set1_epi8(static_cast<char>(sq))));
+    return static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(equal)));
+}
+
+// Ones from the given place of a row on.
+__m128i PlacesFrom(size_t place) {
+    alignas(16) static constexpr std::array<uint8_t, 32> zeros_then_ones = [] {
+        std::array<uint8_t, 32> bytes{};
+        for (size_t i = 16; i < 32; ++i)
+            bytes[i] = 0xff;
+        return bytes;
+    }();
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(zeros_then_ones.data() + 16 - place));
 }
 
 }  // namespace
@@ -38,7 +54,7 @@ void AddPiece(Position* pos, int side, int piece, int sq) {
     const auto type = static_cast<size_t>(piece & 7);
     const auto s = static_cast<size_t>(side);
     Row& row = pos->plist[s][type];
-    const auto n = static_cast<size_t>(RowLength(row));
+    const size_t n = PlaceOf(LoadRow(row), NO_SQUARE);
     if (n == MAX_ROW)
         return;
     row[n] = static_cast<uint8_t>(sq);
@@ -55,13 +71,13 @@ void RemovePiece(Position* pos, int sq) {
     const auto type = static_cast<size_t>(TypeOf(code));
     const auto s = static_cast<size_t>(SideOf(code));
     pos->board[static_cast<size_t>(sq)] = 0;
-    uint8_t* entry = pos->plist[s][type].data();
-    while (*entry != sq)
-        ++entry;
+    Row& row = pos->plist[s][type];
+    const __m128i squares = LoadRow(row);
     // Later squares move up one place, so that the order of the row stays.
-    do {
-        entry[0] = entry[1];
-    } while (*entry++ != NO_SQUARE);
+    const __m128i later = PlacesFrom(PlaceOf(squares, sq));
+    const __m128i closed =
+        _mm_or_si128(_mm_andnot_si128(later, squares), _mm_and_si128(later, _mm_srli_si128(squares, 1)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(row.data()), closed);
     pos->npv[s] = static_cast<int16_t>(pos->npv[s] - npv_unit[type]);
     pos->msig[s] -= msig_unit[type];
     pos->bb[s][0] ^= Bit(sq);
@@ -74,10 +90,8 @@ void MovePiece(Position* pos, int side, int from, int to) {
     const auto type = static_cast<size_t>(TypeOf(code));
     pos->board[static_cast<size_t>(to)] = code;
     pos->board[static_cast<size_t>(from)] = 0;
-    uint8_t* entry = pos->plist[s][type].data();
-    while (*entry != from)
-        ++entry;
-    *entry = static_cast<uint8_t>(to);
+    Row& row = pos->plist[s][type];
+    row[PlaceOf(LoadRow(row), from)] = static_cast<uint8_t>(to);
     const uint64_t both = Bit(from) | Bit(to);
     pos->bb[s][0] ^= both;
     pos->bb[s][type] ^= both;
@@ -91,10 +105,12 @@ bool PositionIsConsistent(const Position& pos) {
         for (size_t type = PAWN; type <= KING; ++type) {
             uint64_t set = 0;
             const Row& row = pos.plist[side][type];
-            const int n = RowLength(row);
-            if (row[static_cast<size_t>(n)] != NO_SQUARE)
+            size_t n = 0;
+            while (n < MAX_ROW && row[n] != NO_SQUARE)
+                ++n;
+            if (row[n] != NO_SQUARE)
                 return false;
-            for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
+            for (size_t i = 0; i < n; ++i) {
                 if (row[i] > 63 || (set & Bit(row[i])) ||
                     pos.board[row[i]] != PieceCode(static_cast<int>(side), static_cast<int>(type)))
                     return false;
@@ -104,7 +120,7 @@ bool PositionIsConsistent(const Position& pos) {
                 return false;
             all |= set;
             msig += static_cast<uint32_t>(n) * msig_unit[type];
-            npv += n * npv_unit[type];
+            npv += static_cast<int>(n) * npv_unit[type];
         }
         if (all != pos.bb[side][0] || msig != pos.msig[side] || npv != pos.npv[side])
             return false;
