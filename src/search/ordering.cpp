@@ -184,41 +184,47 @@ MoveEntry* NextInOrder(Position* pos, PlyFrame* frame) {
     return entry;
 }
 
-// Ones for the first `count` of sixteen bytes.
+// Ones for the first `count` of sixteen bytes, which may be anything from -16 to 32.
 __m128i FirstBytes(ptrdiff_t count) {
-    alignas(16) static constexpr std::array<uint8_t, 32> ones_then_zeros = [] {
-        std::array<uint8_t, 32> bytes{};
-        for (size_t i = 0; i < 16; ++i)
+    alignas(16) static constexpr std::array<uint8_t, 64> ones_then_zeros = [] {
+        std::array<uint8_t, 64> bytes{};
+        for (size_t i = 0; i < 32; ++i)
             bytes[i] = 0xff;
         return bytes;
     }();
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(ones_then_zeros.data() + 16 - count));
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(ones_then_zeros.data() + 32 - count));
 }
 
 __m128i LoadBytes(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
 
-// The same highest byte in all places.
+// The same highest byte in all places: each half takes the higher of itself and the other, ever smaller.
 __m128i HighestOf(__m128i bytes) {
-    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 8));
-    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 4));
-    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 2));
-    bytes = _mm_max_epu8(bytes, _mm_srli_si128(bytes, 1));
-    return _mm_set1_epi8(static_cast<char>(_mm_cvtsi128_si32(bytes)));
+    bytes = _mm_max_epu8(bytes, _mm_shuffle_epi32(bytes, 0x4e));
+    bytes = _mm_max_epu8(bytes, _mm_shuffle_epi32(bytes, 0xb1));
+    bytes = _mm_max_epu8(bytes, _mm_or_si128(_mm_slli_epi32(bytes, 16), _mm_srli_epi32(bytes, 16)));
+    return _mm_max_epu8(bytes, _mm_or_si128(_mm_slli_epi16(bytes, 8), _mm_srli_epi16(bytes, 8)));
 }
 
-// Place of the first highest of `count` bytes, at least one. Up to fifteen bytes behind them are read and ignored.
+unsigned EqualBytes(__m128i a, __m128i b) { return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b))); }
+
+// Place of the first highest of `count` bytes, at least one. Up to 31 bytes behind them are read and ignored: the first
+// equal byte lies within the list.
 ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
-    __m128i highest = _mm_setzero_si128();
-    ptrdiff_t i = 0;
+    const __m128i first = LoadBytes(bytes);
+    const __m128i second = LoadBytes(bytes + 16);
+    if (count <= 32) [[likely]] {
+        const __m128i highest = HighestOf(
+            _mm_max_epu8(_mm_and_si128(first, FirstBytes(count)), _mm_and_si128(second, FirstBytes(count - 16))));
+        return __builtin_ctz(EqualBytes(first, highest) | EqualBytes(second, highest) << 16);
+    }
+    __m128i highest = _mm_max_epu8(first, second);
+    ptrdiff_t i = 32;
     for (; i + 16 < count; i += 16)
         highest = _mm_max_epu8(highest, LoadBytes(bytes + i));
     highest = HighestOf(_mm_max_epu8(highest, _mm_and_si128(LoadBytes(bytes + i), FirstBytes(count - i))));
-    // The first equal byte lies within the list: whatever stands behind it comes later.
-    for (i = 0;; i += 16) {
-        const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(LoadBytes(bytes + i), highest));
-        if (equal)
-            return i + __builtin_ctz(static_cast<unsigned>(equal));
-    }
+    for (i = 0;; i += 16)
+        if (const unsigned equal = EqualBytes(LoadBytes(bytes + i), highest))
+            return i + __builtin_ctz(equal);
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ struct alignas(64) SearchThread {
     std::array<PlyFrame, FRAMES> frames;
     std::array<UndoRecord, UNDO_RECORDS> undo;
     std::array<MoveEntry, MOVE_STACK> move_stack;
-    std::array<uint8_t, MOVE_STACK + 16> order;  // ordering scores of the entries of move_stack, side by side
+    std::array<uint8_t, MOVE_STACK + 32> order;  // ordering scores of the entries of move_stack, side by side
     std::array<int16_t, 1024> history;           // (to << 4) + piece: 127..8129
     std::array<Move, 1024> refutation;           // (to << 4) + piece of the previous move
     std::array<Move, 4096> followup;             // by FollowupHash
