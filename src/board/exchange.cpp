@@ -34,13 +34,31 @@ int LowestAttackerType(const Position& pos, int side, uint64_t attackers) {
     return type;
 }
 
+// The sets of both sides that capture along a kind of line.
+struct Sliders {
+    uint64_t diagonal, straight;
+};
+
+Sliders SlidersOf(const Position& pos) {
+    const auto& w = pos.bb[WHITE];
+    const auto& b = pos.bb[BLACK];
+    return {w[BISHOP] | w[QUEEN] | b[BISHOP] | b[QUEEN], w[ROOK] | w[QUEEN] | b[ROOK] | b[QUEEN]};
+}
+
+// What comes into play on `sq` once a piece of the given type has left for it.
+uint64_t SlidersBehind(int type, int sq, uint64_t occ, const Sliders& sliders) {
+    uint64_t found = 0;
+    if (type != KNIGHT && type != ROOK)
+        found |= GenAttacksB(sq, occ) & sliders.diagonal;
+    if (type >= ROOK)
+        found |= GenAttacksR(sq, occ) & sliders.straight;
+    return found;
+}
+
 }  // namespace
 
 int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ) {
-    const auto& w = pos.bb[WHITE];
-    const auto& b = pos.bb[BLACK];
-    const uint64_t diagonal = w[BISHOP] | w[QUEEN] | b[BISHOP] | b[QUEEN];
-    const uint64_t straight = w[ROOK] | w[QUEEN] | b[ROOK] | b[QUEEN];
+    const Sliders sliders = SlidersOf(pos);
     // A forced first capture may come from anywhere (it may be a quiet move): lines open behind any mover.
     if (from != NO_SQUARE)
         occ &= ~Bit(from);
@@ -68,11 +86,7 @@ int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ) {
         taken[n++] = piece_value[static_cast<size_t>(target)];
         target = TypeOf(pos.board[static_cast<size_t>(attacker)]);
         occ &= ~Bit(attacker);
-        // Whatever stands behind the capturing piece comes into play.
-        if (target != KNIGHT && target != ROOK)
-            attackers |= GenAttacksB(sq, occ) & diagonal;
-        if (target >= ROOK)
-            attackers |= GenAttacksR(sq, occ) & straight;
+        attackers |= SlidersBehind(target, sq, occ, sliders);
         attackers &= occ;
         mover ^= 1;
         attacker = NO_SQUARE;
@@ -86,6 +100,44 @@ int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ) {
         result = std::max(floor, taken[n] - result);
     }
     return result;
+}
+
+bool ExchangeReaches(const Position& pos, int side, int from, int sq, int threshold) {
+    const int victim = TypeOf(pos.board[static_cast<size_t>(sq)]);
+    if (victim == KING)
+        return true;
+    int target = TypeOf(pos.board[static_cast<size_t>(from)]);
+    int mover = side ^ 1;
+    // The exchange fails the threshold if the side to capture, taking `target`, gets at least `wanted` out of it. That
+    // is asked for each side in turn: it can't get more than the target's value, and it gets that much if the other
+    // side in its turn doesn't get what is left.
+    int wanted = piece_value[static_cast<size_t>(victim)] - threshold + 1;
+    if (piece_value[static_cast<size_t>(target)] < wanted)
+        return true;
+    const uint64_t pawns = BB_PawnRays[static_cast<size_t>(side)][static_cast<size_t>(sq)] &
+                           pos.bb[static_cast<size_t>(mover)][PAWN];
+    if (pawns && piece_value[PAWN] <= piece_value[static_cast<size_t>(target)] - wanted)
+        return false;
+
+    uint64_t occ = Occupied(pos) & ~Bit(from);
+    uint64_t attackers = AttackersOf(pos, sq, occ) & occ;
+    const Sliders sliders = SlidersOf(pos);
+    for (bool reached = true;; reached = !reached) {
+        const uint64_t own = attackers & pos.bb[static_cast<size_t>(mover)][0];
+        if (own == 0)
+            return reached;
+        if (target == KING)
+            return !reached;
+        const int type = LowestAttackerType(pos, mover, own);
+        wanted = piece_value[static_cast<size_t>(target)] - wanted + 1;
+        if (piece_value[static_cast<size_t>(type)] < wanted)
+            return !reached;
+        const uint64_t set = pos.bb[static_cast<size_t>(mover)][static_cast<size_t>(type)] & own;
+        occ ^= set & (0 - set);
+        attackers = (attackers | SlidersBehind(type, sq, occ, sliders)) & occ;
+        target = type;
+        mover ^= 1;
+    }
 }
 
 }  // namespace vrel

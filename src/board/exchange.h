@@ -15,4 +15,8 @@ inline constexpr std::array<int16_t, 8> piece_value = {0, 100, 325, 325, 500, 97
 // begin, or nobody, so that the result is at least 0.
 int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ);
 
+// True if swapoff1 with the forced capture by the piece on `from`, which isn't a king, gives at least `threshold`,
+// which is not above the value of what stands on `sq`. Most answers need no more than a look at the pawns.
+bool ExchangeReaches(const Position& pos, int side, int from, int sq, int threshold);
+
 }  // namespace vrel

@@ -98,7 +98,7 @@ bool MoveIsSafe(const Position& pos, const MoveEntry& entry) {
     const int to = ToSquare(entry.move);
     const auto mover = static_cast<size_t>(TypeOf(entry.piece));
     const auto victim = static_cast<size_t>(TypeOf(pos.board[static_cast<size_t>(to)]));
-    return rough_value[mover] <= rough_value[victim] || swapoff1(pos, pos.stm, from, to, Occupied(pos)) >= SAFE_LOSS;
+    return rough_value[mover] <= rough_value[victim] || ExchangeReaches(pos, pos.stm, from, to, SAFE_LOSS);
 }
 
 }  // namespace vrel

@@ -88,8 +88,12 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
         return eval;
     int a = std::max(alpha, eval);
     // Beyond the horizon the best recapture on the last square is credited, and no move is made.
-    if (depth < CAPTURE_HORIZON && node_type != NODE_PV)
-        return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, ToSquare(pos->last_move), Occupied(*pos)));
+    if (depth < CAPTURE_HORIZON && node_type != NODE_PV) {
+        const int target = ToSquare(pos->last_move);
+        if (eval + piece_value[static_cast<size_t>(TypeOf(pos->board[static_cast<size_t>(target)]))] <= a)
+            return a;
+        return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, target, Occupied(*pos)));
+    }
 
     SearchThread* thread = ThreadOf(pos);
     const int child_type = node_opp[static_cast<size_t>(node_type)];
