@@ -163,14 +163,17 @@ template <int Side>
 MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     constexpr int step = pawn_dir[Side];
     constexpr uint32_t pawn = PieceCode(Side, PAWN);
+    // The squares from which a pawn can step, and step twice.
+    const uint64_t empty = ~Occupied(pos);
+    const uint64_t once = (Side == WHITE ? empty >> 8 : empty << 8) & ~BB_r7[Side];
+    const uint64_t twice = once & (Side == WHITE ? once >> 8 : once << 8) & BB_r7[Side ^ 1];
     for (const uint8_t* sq = pos.plist[Side][PAWN].data(); *sq != NO_SQUARE; ++sq) {
+        // Written in any case, and kept if it can be made: a branch would often be guessed wrong.
         const int from = *sq;
-        const int rank = RelativeRank(Side, from);
-        if (rank >= 6 || pos.board[static_cast<size_t>(from + step)])
-            continue;
-        list = WriteEntry(list, MakeMoveValue(from, from + step), pawn, 0);
-        if (rank == 1 && pos.board[static_cast<size_t>(from + 2 * step)] == 0)
-            list = WriteEntry(list, MakeMoveValue(from, from + 2 * step), pawn, 0);
+        WriteEntry(list, MakeMoveValue(from, from + step), pawn, 0);
+        list += (once >> from) & 1;
+        WriteEntry(list, MakeMoveValue(from, from + 2 * step), pawn, 0);
+        list += (twice >> from) & 1;
     }
     return list;
 }

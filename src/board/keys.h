@@ -28,8 +28,7 @@ inline void UpdateHash(Position* pos, int side, int piece, int sq) {
     const int type = piece & 7;
     const uint64_t key = rtable[static_cast<size_t>((side * 8 + type) * 64 + sq)];
     pos->hash ^= key;
-    if (type == PAWN)
-        pos->pawn_hash ^= key;
+    pos->pawn_hash ^= key & (0 - static_cast<uint64_t>(type == PAWN));
 }
 
 // The key by which positions are told apart: placement, en passant square, rights and side to move.

@@ -14,8 +14,6 @@ template <int Side>
     const Position& pos = *ctx->pos;
     const auto& own = pos.bb[Side];
     const uint64_t attacked = own[0] & ctx->attacks[0][Enemy];
-    if (attacked == 0)
-        return;
 
     // Attackers of less value than the piece win it even if it is covered.
     const uint64_t pawns = ctx->attacks[PAWN][Enemy];
@@ -25,17 +23,19 @@ template <int Side>
                     (own[QUEEN] & rooks);
     // Pawns that attack each other are left to the search, covered or not.
     hung &= ~(own[PAWN] & pawns);
-    if (hung == 0)
-        return;
 
-    const ScorePair factor = static_cast<ScorePair>(2 * CountBits(hung) - 1);
+    // One hung piece counts once, each further one twice. Nothing here branches: whether something hangs changes from
+    // node to node.
+    const ScorePair factor = static_cast<ScorePair>(2 * CountBits(hung) - (hung != 0));
     ctx->score[Side] += factor * BothPair(Personality.hung);
     ctx->hung |= hung;
-    do {
-        const int code = pos.board[static_cast<size_t>(PopLSB(&hung))];
-        ctx->hung_value[Side] += piece_value[static_cast<size_t>(TypeOf(code))];
-    } while (hung);
+    ctx->hung_value[Side] += piece_value[PAWN] * CountBits(hung & own[PAWN]) +
+                             piece_value[KNIGHT] * CountBits(hung & (own[KNIGHT] | own[BISHOP])) +
+                             piece_value[ROOK] * CountBits(hung & own[ROOK]) +
+                             piece_value[QUEEN] * CountBits(hung & own[QUEEN]) +
+                             piece_value[KING] * CountBits(hung & own[KING]);
 }
+static_assert(piece_value[KNIGHT] == piece_value[BISHOP]);
 
 // Everything that stands alone between `sq` and a slider of `sliders`, which are on lines of `sq`.
 [[gnu::always_inline]] inline uint64_t LoneBlockers(uint64_t sliders, int sq, uint64_t occupied) {
