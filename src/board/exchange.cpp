@@ -114,8 +114,8 @@ bool ExchangeReaches(const Position& pos, int side, int from, int sq, int thresh
     int wanted = piece_value[static_cast<size_t>(victim)] - threshold + 1;
     if (piece_value[static_cast<size_t>(target)] < wanted)
         return true;
-    const uint64_t pawns = BB_PawnRays[static_cast<size_t>(side)][static_cast<size_t>(sq)] &
-                           pos.bb[static_cast<size_t>(mover)][PAWN];
+    const uint64_t pawns =
+        BB_PawnRays[static_cast<size_t>(side)][static_cast<size_t>(sq)] & pos.bb[static_cast<size_t>(mover)][PAWN];
     if (pawns && piece_value[PAWN] <= piece_value[static_cast<size_t>(target)] - wanted)
         return false;
 

@@ -78,8 +78,8 @@ LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check
     const auto n = static_cast<size_t>(king);
     const uint64_t occ = Occupied(pos);
     uint64_t tested = own[KING];
-    uint64_t checkers = (BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) |
-                        (BB_KnightRays[n] & enemy[KNIGHT]) | (BB_KingRays[n] & enemy[KING]);
+    uint64_t checkers = (BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) | (BB_KnightRays[n] & enemy[KNIGHT]) |
+                        (BB_KingRays[n] & enemy[KING]);
     uint64_t line = 0;
     uint64_t sliders =
         (BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]));

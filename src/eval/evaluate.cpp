@@ -222,6 +222,8 @@ int Evaluate(SearchThread* thread, int side, int ply, bool in_check) {
         return NO_SCORE;
     }
     thread->evals.Add(1);
+    // If it comes to the pawns, their entry has been on its way for a while.
+    __builtin_prefetch(&thread->pawn_cache[pos.pawn_hash % PAWN_CACHE_SIZE]);
 
     const Ending ending = ClassifyEnding(pos.msig[WHITE], pos.msig[BLACK]);
     if (ending != Ending::ORDINARY) [[unlikely]] {

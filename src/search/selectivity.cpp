@@ -39,7 +39,8 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
     const int side = pos.stm;
     const int check = MoveGivesCheck(pos, side, *entry, checks);
-    const bool push7 = static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == 6);
+    const bool push7 =
+        static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == 6);
     int flags = 0;
     if (check)
         flags |= FLAG_CHECK;
