@@ -27,12 +27,12 @@ inline uint64_t LineAttacks(const SquareLines& lines, uint64_t line, uint64_t oc
     return (above ^ below) & line;
 }
 
-// The same along a rank, which turning the board doesn't reverse: the difference of the nearest blockers covers just
-// the squares from one to the other.
+// The same along a rank, which turning the board doesn't reverse. To the right, taking one flips everything up to the
+// nearest blocker; to the left, everything from the nearest blocker on counts.
 inline uint64_t RankAttacks(const SquareLines& lines, uint64_t occ) {
     const uint64_t right = lines.east & occ;
     const uint64_t from_left = ~0ULL << GetMSB((lines.west & occ) | 1);
-    return (lines.west | lines.east) & (2 * (right & (0 - right)) + from_left);
+    return (lines.east & (right ^ (right - 1))) | (lines.west & from_left);
 }
 
 // Attack sets of a slider on `sq` over the occupied set `occ`, the first blocker of each direction included.
