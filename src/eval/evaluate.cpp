@@ -31,8 +31,8 @@ EvalReport* ReportOf(const SearchThread* thread, EvalReport* spare) {
 
 int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, int side, bool root) {
     const Position& pos = thread->pos;
-    EvalReport spare;
-    EvalReport* report = root ? ReportOf(thread, &spare) : nullptr;
+    // Only worker 1 shows what it found; below the root nobody does.
+    EvalReport* report = root && pos.thread_index == 1 ? &PBlock.report : nullptr;
     switch (ending) {
         case Ending::KBNK:
             return EvalKBNK(pos, side, report);
