@@ -14,6 +14,13 @@ using Row = std::array<uint8_t, MAX_ROW + 1>;
 static_assert(sizeof(Row) == 16);
 __m128i LoadRow(const Row& row) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(row.data())); }
 
+void StoreRow(Row* row, __m128i squares) { _mm_storeu_si128(reinterpret_cast<__m128i*>(row->data()), squares); }
+
+// `a` where the mask is set, else `b`.
+__m128i Select(__m128i mask, __m128i a, __m128i b) {
+    return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
+}
+
 // Place of a square that is in the row; NO_SQUARE gives its length. The king's isn't part of the material signature, so
 // the terminator tells.
 size_t PlaceOf(__m128i row, int sq) {
@@ -75,9 +82,7 @@ void RemovePiece(Position* pos, int sq) {
     const __m128i squares = LoadRow(row);
     // Later squares move up one place, so that the order of the row stays.
     const __m128i later = PlacesFrom(PlaceOf(squares, sq));
-    const __m128i closed =
-        _mm_or_si128(_mm_andnot_si128(later, squares), _mm_and_si128(later, _mm_srli_si128(squares, 1)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(row.data()), closed);
+    StoreRow(&row, Select(later, _mm_srli_si128(squares, 1), squares));
     pos->npv[s] = static_cast<int16_t>(pos->npv[s] - npv_unit[type]);
     pos->msig[s] -= msig_unit[type];
     pos->bb[s][0] ^= Bit(sq);
@@ -91,7 +96,9 @@ void MovePiece(Position* pos, int side, int from, int to) {
     pos->board[static_cast<size_t>(to)] = code;
     pos->board[static_cast<size_t>(from)] = 0;
     Row& row = pos->plist[s][type];
-    row[PlaceOf(LoadRow(row), from)] = static_cast<uint8_t>(to);
+    const __m128i squares = LoadRow(row);
+    const __m128i place = _mm_cmpeq_epi8(squares, _mm_set1_epi8(static_cast<char>(from)));
+    StoreRow(&row, Select(place, _mm_set1_epi8(static_cast<char>(to)), squares));
     const uint64_t both = Bit(from) | Bit(to);
     pos->bb[s][0] ^= both;
     pos->bb[s][type] ^= both;
