@@ -94,6 +94,9 @@ LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check
             tested |= between;
         }
     }
+    // A promotion that can't be carried out, its row being full, is taken for a check that isn't one.
+    if (checkers == 0) [[unlikely]]
+        return {tested, ~0ULL};
     // No move but the king's answers two checks.
     return {tested, (checkers & (checkers - 1)) ? 0 : checkers | line};
 }

@@ -112,11 +112,14 @@ TEST_F(LegalityTest, AgreesWithTheRules) {
         const oracle::Board board = OracleBoard(*pos);
         const bool in_check = SqAtakd(*pos, KingSquare(*pos, pos->stm), pos->stm ^ 1);
         const LegalityContext legality = MakeLegalityContext(*pos, pos->stm, in_check);
+        // A promotion that a full row undoes is taken for a check that isn't one.
+        const LegalityContext false_alarm = MakeLegalityContext(*pos, pos->stm, true);
         for (const MoveEntry& entry : AllMoves(pos.get())) {
             const bool legal = oracle::IsLegal(board, OracleMove(entry.move));
             const std::string text = fen + ' ' + oracle::MoveText(OracleMove(entry.move));
             ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move), legal) << text;
             ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move, legality), legal) << text;
+            ASSERT_EQ(MoveIsLegal(*pos, pos->stm, entry.move, false_alarm), legal) << text;
         }
         EXPECT_FALSE(MoveIsLegal(*pos, pos->stm, NO_MOVE));
         EXPECT_FALSE(MoveIsLegal(*pos, pos->stm, NO_MOVE, legality));
