@@ -6,8 +6,8 @@
 #include "eval/kpk.h"
 #include "eval/personality.h"
 #include "interface/pblock.h"
-#include "interface/time_control.h"
 #include "search/thread_pool.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 
 namespace vrel {

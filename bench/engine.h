@@ -1,6 +1,6 @@
 #pragma once
 
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 // The engine as the benches use it: without input, log or output of its own.
 namespace vrel {

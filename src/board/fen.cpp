@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "board/keys.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 
@@ -126,11 +125,8 @@ char* WriteCastling(const Position& pos, char* out) {
 
 void StartRecord(Position* pos) {
     SetHash(pos);
-    SearchThread* game = GetThread(0);
-    if (game != nullptr) {
-        game->undo[0] = {};
-        game->undo[1] = {};
-    }
+    pos->undo[0] = {};
+    pos->undo[1] = {};
     pos->game_ply = 0;
 }
 

@@ -5,10 +5,10 @@
 #include <cstddef>
 
 #include "board/keys.h"
-#include "interface/pblock.h"
-#include "tools/trace.h"  // exception: the tracer sees every move before it is made
 
 namespace vrel {
+
+std::atomic<MoveHook> trace_hook{nullptr};
 
 namespace {
 
@@ -167,6 +167,11 @@ void Unmake(Position* pos) {
     pos->pawn_hash = record.pawn_hash;
 }
 
+void Trace(const Position& pos, Move move) {
+    if (const MoveHook hook = trace_hook.load(std::memory_order_relaxed)) [[unlikely]]
+        hook(pos, move);
+}
+
 #ifdef VREL_CHECK_BOARD
 void CheckBoard(const Position& pos) { assert(PositionIsConsistent(pos)); }
 #else
@@ -176,8 +181,7 @@ void CheckBoard(const Position&) {}
 }  // namespace
 
 void MakeMove(Position* pos, Move move) {
-    if (PBlock.trace)
-        TraceMove(*pos, move);
+    Trace(*pos, move);
     if (pos->stm == WHITE)
         Make<WHITE>(pos, move);
     else
@@ -194,8 +198,7 @@ void UnmakeMove(Position* pos) {
 }
 
 void MakeNullMove(Position* pos) {
-    if (PBlock.trace)
-        TraceMove(*pos, NO_MOVE);
+    Trace(*pos, NO_MOVE);
     PushRecord(pos, NO_MOVE, NO_PIECE);
     pos->fifty = 0;
     pos->ep_square = NO_SQUARE;

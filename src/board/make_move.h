@@ -1,8 +1,15 @@
 #pragma once
 
+#include <atomic>
+
 #include "board/position.h"
 
 namespace vrel {
+
+// Called with every move before it is made, 0 for a passed turn; null while nobody traces. The main thread sets it,
+// every thread looks at it.
+using MoveHook = void (*)(const Position& pos, Move move);
+extern std::atomic<MoveHook> trace_hook;
 
 // Makes a pseudo-legal move, which is trusted, or takes back the last one. Strictly nested.
 void MakeMove(Position* pos, Move move);

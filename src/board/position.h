@@ -73,6 +73,9 @@ enum UndoSpecial : uint8_t { UNDO_PLAIN = 0, UNDO_EN_PASSANT = 1, UNDO_CASTLED =
 // Whether the move in work leaves the opponent in check, as far as its node has found out.
 enum GivesCheck : uint8_t { CHECK_NO = 0, CHECK_YES = 1, CHECK_UNKNOWN = 2 };
 
+// No score yet; also the evaluation of a node in check.
+inline constexpr int NO_SCORE = -10000;
+
 // What each ply of a line keeps; the root is ply 1.
 struct PlyFrame {
     MoveEntry* first;                      // start of this ply's list in the move stack

@@ -9,6 +9,7 @@
 
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "book/book_buffer.h"
 #include "book/book_lookup.h"
 #include "book/book_runs.h"
@@ -17,7 +18,6 @@
 #include "interface/pblock.h"
 #include "interface/words.h"
 #include "platform/file.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "board/eval_records.h"
 #include "board/position.h"
-#include "eval/eval_records.h"
 
 // Endings with a rule of their own, and the scale of drawish ones.
 namespace vrel {

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include "board/eval_records.h"
 #include "board/position.h"
-#include "eval/eval_records.h"
 
 // The scratch record of one evaluation, shared by the terms alone. It is filled from top to bottom as they run.
 //

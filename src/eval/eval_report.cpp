@@ -5,13 +5,6 @@
 #include <cstdio>
 #include <string>
 
-#include "board/position.h"
-#include "interface/messages.h"
-#include "interface/pblock.h"
-#include "interface/time_control.h"  // the report is a search of depth 0: it needs its preparation
-#include "search/search.h"           // and its run
-#include "search/search_thread.h"
-
 namespace vrel {
 
 namespace {
@@ -98,20 +91,10 @@ void AppendBoard(std::string* text, const Position& pos, const EvalReport& repor
 
 }  // namespace
 
-void ShowEvalInfo() {
-    PBlock.report = EvalReport{};
-    const int8_t max_depth = PBlock.max_depth;
-    PBlock.max_depth = 0;
-    InitSearch();
-    SearchIterations(1);
-    PBlock.max_depth = max_depth;
-
-    const SearchThread* worker = GetThread(1);
-    const Position& pos = *GamePosition();
-    const EvalReport& report = PBlock.report;
+std::string EvalReportText(const Position& pos, const EvalReport& report, int eval, int qscore) {
     std::string text = "\n";
-    Append(&text, "eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", worker->root_eval,
-           static_cast<int>(worker->score), report.report_stage, report.report_draw_adj);
+    Append(&text, "eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", eval, qscore, report.report_stage,
+           report.report_draw_adj);
     AppendSquares(&text, "hung pieces on: ", report.report_hung);
     AppendSquares(&text, "pinned pieces on :", report.report_pinned);
     if (report.report_free_rank[WHITE] > 0 || report.report_free_rank[BLACK] > 0)
@@ -120,7 +103,7 @@ void ShowEvalInfo() {
     AppendTerms(&text, pos, report);
     AppendBoard(&text, pos, report);
     text += pos.stm == WHITE ? "white\n" : "black\n";
-    ShowMessage(text.c_str());
+    return text;
 }
 
 }  // namespace vrel

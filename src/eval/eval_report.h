@@ -1,8 +1,14 @@
 #pragma once
 
+#include <string>
+
+#include "board/eval_records.h"
+#include "board/position.h"
+
 namespace vrel {
 
-// Shows how the evaluation sees the position of the game. Workers must be idle.
-void ShowEvalInfo();
+// How the evaluation sees a position, for a person: `report` is what Evaluate has left of it, `eval` its score and
+// `qscore` that of the quiescence search, centipawns for the side to move.
+std::string EvalReportText(const Position& pos, const EvalReport& report, int eval, int qscore);
 
 }  // namespace vrel

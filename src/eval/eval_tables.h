@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "eval/eval_records.h"
+#include "board/eval_records.h"
 
 // Tables that InitEval derives from Personality. Written between searches, read by all threads.
 namespace vrel {

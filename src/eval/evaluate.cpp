@@ -14,7 +14,6 @@
 #include "eval/tactics.h"
 #include "eval/terms.h"
 #include "interface/pblock.h"
-#include "search/search.h"  // exception: the score of a node in check
 
 namespace vrel {
 

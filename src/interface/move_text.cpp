@@ -9,9 +9,9 @@
 #include "board/attacks.h"
 #include "board/generate.h"
 #include "board/legality.h"
+#include "board/search_thread.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include "board/eval_records.h"
 #include "board/position.h"
-#include "eval/eval_records.h"
 #include "platform/relaxed.h"
 
 // The control record: what commands set, what the search publishes, and the flags by which the main thread and the

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "board/position.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 // Move ordering inside a node: the staged picker, and what remembers good moves between nodes. Everything here belongs
 // to one thread and starts cold with each search. Moves are ordered by an unsigned byte, whose ranges also carry

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "board/position.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 namespace vrel {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "board/position.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 // Node types, score constants and the chain of calls: SearchIterations, SearchRoot, Search, then FW_Search or
 // Q_Search, and back to Search for each child. Scores are centipawns from the side to move.
@@ -14,7 +14,6 @@ enum NodeType : int { NODE_ANY = 0, NODE_PV = 1, NODE_CUT = 2, NODE_ALL = 3 };
 // Type of the first child.
 inline constexpr std::array<int, 4> node_opp = {NODE_ANY, NODE_PV, NODE_ALL, NODE_CUT};
 
-inline constexpr int NO_SCORE = -10000;  // no score yet; also the evaluation of a node in check
 inline constexpr int MATE_BOUND = 9898;  // scores above it, and below -MATE_BOUND - 1, are mates
 inline constexpr int MAX_PLY = 65;
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "board/position.h"
+#include "board/search_thread.h"
 #include "search/search.h"
-#include "search/search_thread.h"
 
 // What the search shows, and how a result leaves a worker.
 namespace vrel {

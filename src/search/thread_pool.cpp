@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "board/search_thread.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
 #include "platform/worker_thread.h"
 #include "search/search.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 

@@ -7,10 +7,10 @@
 #include <cstring>
 
 #include "board/keys.h"
+#include "board/search_thread.h"
 #include "interface/pblock.h"
 #include "platform/memory.h"
 #include "search/search.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 

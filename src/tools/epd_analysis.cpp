@@ -6,17 +6,18 @@
 #include <memory>
 
 #include "board/fen.h"
+#include "board/search_thread.h"
 #include "eval/eval_tables.h"
-#include "interface/board_display.h"  // shows each position to the person who watches
-#include "interface/input.h"          // the tools stand in for the game loop and keep the input alive
+#include "interface/board_text.h"  // shows each position to the person who watches
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "interface/time_control.h"
+#include "platform/clock.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/search_report.h"
-#include "search/search_thread.h"
 #include "search/thread_pool.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 #include "tools/epd_file.h"
 #include "tools/expected_result.h"
@@ -79,7 +80,7 @@ private:
 
 void PollInput() {
     SearchTimeout();
-    UserInput();
+    poll_input();
 }
 
 // The workers search; this thread keeps the clock and the input alive. It doesn't sleep before there is a result, so
@@ -91,7 +92,7 @@ void SearchOnWorkers() {
         if (PBlock.quit)
             PBlock.stop = STOP_COMMAND;
         if (PBlock.depth > 1 && PBlock.done_depth > 0)
-            UI_Sleep(1);
+            SleepMilliseconds(1);
     }
     PollInput();  // a question that waits for idle workers is answered
 }

@@ -8,16 +8,16 @@
 #include "board/fen.h"
 #include "board/keys.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "book/book_lookup.h"
 #include "eval/eval_tables.h"
 #include "eval/personality.h"
-#include "interface/input.h"  // the tools stand in for the game loop and keep the input alive
 #include "interface/messages.h"
 #include "interface/pblock.h"
-#include "interface/time_control.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/search_report.h"
-#include "search/search_thread.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 #include "tools/match_record.h"
 #include "tools/player_file.h"
@@ -89,7 +89,7 @@ void PollInput() {
     const auto undo = game->undo;
     const uint64_t key = rtable[64];
     SearchTimeout();
-    UserInput();
+    poll_input();
     game->pos = pos;
     game->undo = undo;
     if (rtable[64] != key)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 namespace vrel {
 

@@ -10,9 +10,9 @@
 #include "board/fen.h"
 #include "board/make_move.h"
 #include "board/position.h"
+#include "board/search_thread.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "search/search_thread.h"
 #include "tools/expected_result.h"
 
 namespace vrel {

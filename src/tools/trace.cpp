@@ -4,10 +4,11 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "board/make_move.h"
+#include "board/search_thread.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "platform/file.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 
@@ -30,6 +31,11 @@ void StartLine(int ply) {
 }
 
 }  // namespace
+
+void SetTrace(int plies) {
+    PBlock.trace = static_cast<int16_t>(plies);
+    trace_hook.store(plies != 0 ? TraceMove : nullptr, std::memory_order_relaxed);
+}
 
 void TraceMove(const Position& pos, Move move) {
     if (!PBlock.trace)

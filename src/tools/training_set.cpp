@@ -9,8 +9,8 @@
 
 #include "board/fen.h"
 #include "board/keys.h"
+#include "board/search_thread.h"
 #include "platform/file.h"
-#include "search/search_thread.h"
 #include "tools/epd_file.h"
 
 namespace vrel {

@@ -1,4 +1,4 @@
-#include "eval/eval_report.h"
+#include "interface/control/console_game.h"
 
 #include "eval_support.h"
 

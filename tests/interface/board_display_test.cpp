@@ -1,4 +1,4 @@
-#include "interface/board_display.h"
+#include "interface/board_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "interface/command_line.h"
+#include "interface/control/command_line.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
-#include "interface/time_control.h"
+#include "search/time_control.h"
 
 #include <gtest/gtest.h>
 
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "eval/personality.h"
 #include "interface/pblock.h"
 #include "search/search.h"
-#include "search/search_thread.h"
 #include "support/engine.h"
 
 namespace vrel {

@@ -1,4 +1,4 @@
-#include "interface/uci.h"
+#include "interface/control/uci.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "interface/pblock.h"
-#include "search/search_thread.h"
 #include "support/engine.h"
 
 namespace vrel {

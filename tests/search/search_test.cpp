@@ -8,10 +8,10 @@
 #include "eval/personality.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "interface/time_control.h"
 #include "search/root.h"
 #include "search/search_report.h"
 #include "search/selectivity.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 #include "support/engine.h"
 

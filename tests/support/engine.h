@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "board/position.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 #include "support/oracle.h"
 
 // The engine as tests use it: tables built once, positions to work on, and the way between its records and the oracle.

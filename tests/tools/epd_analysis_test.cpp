@@ -4,7 +4,7 @@
 #include <string>
 
 #include "board/fen.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 #include "support/playout.h"
 #include "tools/expected_result.h"
 #include "tools/tool_test.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "board/fen.h"
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 #include "tools/tool_test.h"
 
 namespace vrel {

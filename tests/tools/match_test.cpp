@@ -1,7 +1,7 @@
 #include <string>
 
+#include "board/search_thread.h"
 #include "eval/personality.h"
-#include "search/search_thread.h"
 #include "tools/match.h"
 #include "tools/match_record.h"
 #include "tools/player_file.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 #include "tools/expected_result.h"
 #include "tools/game_comment.h"
 #include "tools/scanned_game.h"

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "board/fen.h"
+#include "board/search_thread.h"
 #include "eval/eval_tables.h"
-#include "interface/time_control.h"
 #include "search/search.h"
-#include "search/search_thread.h"
+#include "search/time_control.h"
 #include "support/playout.h"
 #include "tools/epd_analysis.h"
 #include "tools/expected_result.h"

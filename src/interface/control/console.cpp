@@ -1,4 +1,4 @@
-#include "interface/console.h"
+#include "interface/control/console.h"
 
 #include <algorithm>
 #include <array>
@@ -10,23 +10,24 @@
 #include "board/exchange.h"
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "book/book_build.h"
 #include "book/book_lookup.h"
-#include "eval/eval_report.h"
 #include "eval/personality.h"
-#include "interface/board_display.h"
-#include "interface/console_game.h"
+#include "interface/board_text.h"
+#include "interface/control/console_game.h"
+#include "interface/control/edit.h"
+#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
-#include "interface/requests.h"
-#include "interface/time_control.h"
 #include "interface/words.h"
-#include "search/search_thread.h"
 #include "search/selectivity.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 #include "tools/perft.h"
+#include "tools/trace.h"
 #include "tools/tuner.h"
 
 namespace vrel {
@@ -278,7 +279,7 @@ constexpr Entry commands[] = {
     {"hash", AT_ONCE, [](const Command& command) { SetField(&PBlock.use_hash, command); }},
     {"tag", AT_ONCE, [](const Command&) { PBlock.tagged_key = GamePosition()->hash; }},
     {"ev", FREE, [](const Command&) { ShowEvalInfo(); }},
-    {"trace", AT_ONCE, [](const Command& command) { SetField(&PBlock.trace, command); }},
+    {"trace", AT_ONCE, [](const Command& command) { SetTrace(command.Integer(2, INT16_MIN, INT16_MAX)); }},
     {"lmr", AT_ONCE, [](const Command&) { DisplayLMR(); }},
     {"debug", AT_ONCE, [](const Command& command) { SetField(&PBlock.debug, command); }},
 };

@@ -2,18 +2,20 @@
 
 #include "board/bitboards.h"
 #include "board/fen.h"
+#include "board/search_thread.h"
 #include "book/book_lookup.h"
 #include "eval/eval_tables.h"
 #include "eval/kpk.h"
 #include "eval/personality.h"
-#include "interface/board_display.h"
-#include "interface/command_line.h"
-#include "interface/game_loop.h"
+#include "interface/board_text.h"
+#include "interface/control/command_line.h"
+#include "interface/control/game_loop.h"
+#include "interface/control/input.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
 #include "platform/standard_output.h"
-#include "search/search_thread.h"
+#include "search/search_control.h"
 #include "search/thread_pool.h"
 #include "search/transposition.h"
 #include "tools/epd_analysis.h"
@@ -29,6 +31,7 @@ constexpr double TOOL_NOISE = 1000.0;  // seconds that a batch search must take 
 
 // Builds every table and starts the pool, in an order that each step relies on. False if the program can't run.
 bool StartUp(int argc, char** argv, CommandLine* line) {
+    poll_input = UserInput;
     OccupyStandardStreams();
     IgnoreBrokenPipe();
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone

@@ -1,4 +1,4 @@
-#include "interface/input.h"
+#include "interface/control/input.h"
 
 #include <algorithm>
 #include <array>
@@ -7,11 +7,11 @@
 #include <string>
 #include <utility>
 
-#include "interface/console.h"
+#include "interface/control/console.h"
+#include "interface/control/requests.h"
+#include "interface/control/uci.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
-#include "interface/requests.h"
-#include "interface/uci.h"
 #include "platform/clock.h"
 #include "platform/standard_input.h"
 

@@ -1,4 +1,4 @@
-#include "interface/time_control.h"
+#include "search/time_control.h"
 
 #include <algorithm>
 #include <array>
@@ -8,12 +8,12 @@
 #include <cstdlib>
 
 #include "board/fen.h"
+#include "board/search_thread.h"
 #include "eval/personality.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
 #include "search/search.h"
-#include "search/search_thread.h"
 #include "search/thread_pool.h"
 
 namespace vrel {

@@ -3,6 +3,9 @@
 // Console commands that step through games and keep them in files. All work on the game record.
 namespace vrel {
 
+// Shows how the evaluation sees the position of the game. Workers must be idle.
+void ShowEvalInfo();
+
 // The board, or the evaluation report while `debug` is set.
 void ShowGame();
 

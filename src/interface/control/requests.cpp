@@ -1,4 +1,4 @@
-#include "interface/requests.h"
+#include "interface/control/requests.h"
 
 #include <utility>
 

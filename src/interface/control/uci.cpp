@@ -1,4 +1,4 @@
-#include "interface/uci.h"
+#include "interface/control/uci.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -7,12 +7,12 @@
 
 #include "board/fen.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
+#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
-#include "interface/requests.h"
 #include "interface/words.h"
-#include "search/search_thread.h"
 #include "search/thread_pool.h"
 #include "search/transposition.h"
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "board/eval_records.h"
 #include "board/position.h"
-#include "eval/eval_records.h"
 #include "platform/relaxed.h"
 
 namespace vrel {

@@ -1,31 +1,20 @@
-#include "interface/board_display.h"
+#include "interface/control/edit.h"
 
 #include <array>
 #include <cctype>
-#include <cstddef>
 #include <cstring>
-#include <string>
 
 #include "board/fen.h"
-#include "interface/input.h"
+#include "board/search_thread.h"
+#include "interface/control/input.h"
 #include "interface/messages.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 
 namespace {
 
-constexpr const char* WHITE_LETTERS = "-PNBRQK";
-constexpr const char* BLACK_LETTERS = "-onbrqk";
 constexpr const char* EDIT_LETTERS = "pnbrqk";
 constexpr int EDIT_LINE = 78;
-
-char Letter(const Position& pos, int sq) {
-    const int code = pos.board[static_cast<size_t>(sq)];
-    if (code == 0)
-        return (FileOf(sq) + RankOf(sq)) % 2 == 0 ? '+' : '-';
-    return (SideOf(code) == WHITE ? WHITE_LETTERS : BLACK_LETTERS)[TypeOf(code)];
-}
 
 void EditSquare(Position* pos, int side, char letter, int sq) {
     if (pos->board[static_cast<size_t>(sq)])
@@ -71,23 +60,6 @@ void DropImpossibleRights(Position* pos) {
 }
 
 }  // namespace
-
-void ShowBoard(const Position& pos) {
-    std::array<char, EPD_TEXT> fen;
-    MakeEPD(pos, fen.data());
-    std::string text = fen.data();
-    text += '\n';
-    for (int rank = 7; rank >= 0; --rank) {
-        text += ' ';
-        for (int file = 0; file < 8; ++file) {
-            text += ' ';
-            text += Letter(pos, rank * 8 + file);
-        }
-        text += '\n';
-    }
-    text += pos.stm == WHITE ? "white\n" : "black\n";
-    ShowMessage(text.c_str());
-}
 
 void EditBoard() {
     Position* game = GamePosition();

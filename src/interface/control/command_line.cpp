@@ -1,9 +1,9 @@
-#include "interface/command_line.h"
+#include "interface/control/command_line.h"
 
 #include <string>
 
+#include "board/search_thread.h"
 #include "interface/numbers.h"
-#include "search/search_thread.h"
 
 namespace vrel {
 

@@ -1,4 +1,4 @@
-#include "interface/game_loop.h"
+#include "interface/control/game_loop.h"
 
 #include <array>
 #include <cstddef>
@@ -8,17 +8,17 @@
 #include "board/generate.h"
 #include "board/legality.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "book/book_lookup.h"
-#include "interface/board_display.h"
-#include "interface/input.h"
+#include "interface/board_text.h"
+#include "interface/control/input.h"
+#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "interface/requests.h"
-#include "interface/time_control.h"
 #include "search/search_report.h"
-#include "search/search_thread.h"
 #include "search/thread_pool.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 
 namespace vrel {

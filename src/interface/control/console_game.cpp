@@ -1,4 +1,4 @@
-#include "interface/console_game.h"
+#include "interface/control/console_game.h"
 
 #include <algorithm>
 #include <array>
@@ -9,17 +9,19 @@
 #include "board/fen.h"
 #include "board/generate.h"
 #include "board/make_move.h"
+#include "board/search_thread.h"
 #include "eval/eval_report.h"
-#include "interface/board_display.h"
+#include "interface/board_text.h"
+#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
-#include "interface/requests.h"
 #include "platform/clock.h"
 #include "platform/file.h"
-#include "search/search_thread.h"
+#include "search/search.h"
 #include "search/thread_pool.h"
+#include "search/time_control.h"
 #include "search/transposition.h"
 
 namespace vrel {
@@ -168,6 +170,17 @@ void ReadGame(File* in, Position* game, int wanted) {
 }
 
 }  // namespace
+
+void ShowEvalInfo() {
+    PBlock.report = EvalReport{};
+    const int8_t max_depth = PBlock.max_depth;
+    PBlock.max_depth = 0;
+    InitSearch();
+    SearchIterations(1);
+    PBlock.max_depth = max_depth;
+    const SearchThread& worker = *GetThread(1);
+    ShowMessage(EvalReportText(*GamePosition(), PBlock.report, worker.root_eval, worker.score).c_str());
+}
 
 void ShowGame() {
     if (PBlock.debug)

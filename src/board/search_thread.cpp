@@ -1,4 +1,4 @@
-#include "search/search_thread.h"
+#include "board/search_thread.h"
 
 #include "platform/memory.h"
 

@@ -1,0 +1,7 @@
+#include "search/search_control.h"
+
+namespace vrel {
+
+void (*poll_input)() = [] {};
+
+}  // namespace vrel
