@@ -1,31 +1,19 @@
 #include "engine.h"
 
-#include "board/bitboards.h"
 #include "board/fen.h"
-#include "eval/eval_tables.h"
-#include "eval/kpk.h"
-#include "eval/personality.h"
 #include "interface/pblock.h"
-#include "search/thread_pool.h"
+#include "search/search_control.h"
+#include "search/start_up.h"
 #include "search/time_control.h"
-#include "search/transposition.h"
 
 namespace vrel {
 
-bool StartEngine() {
-    if (InitNewThread(0) != 0)
-        return false;
-    InitializeBitboards();
-    KPKgen();
-    SetDefaults();
-    PBlock.log = 0;
-    PBlock.noise = SILENT;
-    PBlock.hash_mb = BENCH_HASH_MB;
-    InitPersonality();
-    if (InitTTable() != 0 || InitLocks() != 0)
-        return false;
-    InitEval();
-    return true;
+bool StartForBench() {
+    return StartEngine([] {
+        PBlock.log = 0;
+        PBlock.noise = SILENT;
+        PBlock.hash_mb = BENCH_HASH_MB;
+    });
 }
 
 SearchThread* FreshWorker(const char* fen) {
@@ -33,7 +21,7 @@ SearchThread* FreshWorker(const char* fen) {
         return nullptr;
     SetPosition(GamePosition(), fen);
     GetElapsedTime(0);
-    InitSearch();
+    InitSearch(STATE_IDLE);
     return GetThread(1);
 }
 

@@ -8,7 +8,7 @@ namespace vrel {
 inline constexpr int BENCH_HASH_MB = 64;
 
 // Builds all tables and the game record: false without memory.
-bool StartEngine();
+bool StartForBench();
 
 // Gives worker 1 a fresh record that holds the game's position: null without memory.
 SearchThread* FreshWorker(const char* fen);

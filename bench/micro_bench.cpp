@@ -23,7 +23,7 @@ namespace {
 
 // A worker on a position; the tables are built once.
 SearchThread* Worker(const char* fen) {
-    static const bool started = StartEngine();
+    static const bool started = StartForBench();
     SearchThread* worker = started ? FreshWorker(fen) : nullptr;
     if (worker == nullptr) {
         std::fprintf(stderr, "no memory\n");

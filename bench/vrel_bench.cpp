@@ -12,8 +12,8 @@
 #include "interface/pblock.h"
 #include "platform/clock.h"
 #include "positions.h"
-#include "search/search.h"
-#include "search/thread_pool.h"
+#include "search/search_control.h"
+#include "search/start_up.h"
 #include "search/transposition.h"
 
 namespace {
@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: vrel_bench [depth 1 to %d]\n", MAX_DEPTH);
         return 2;
     }
-    if (!StartEngine()) {
+    if (!StartForBench()) {
         std::fprintf(stderr, "no memory\n");
         return 1;
     }
@@ -45,15 +45,13 @@ int main(int argc, char** argv) {
             return 1;
         }
         const double start = MonotonicSeconds();
-        SearchIterations(1);
+        SearchHere();
         seconds += SecondsSince(start);
         total += worker->nodes;
         std::printf("%10" PRIu64 "  %s\n", worker->nodes.Get(), fen);
         std::fflush(stdout);
     }
     std::printf("%" PRIu64 " nodes %.0f nps\n", total, static_cast<double>(total) / (seconds + 1e-9));
-    FreeThreads();
-    KillTTable();
-    DestroyLocks();
+    EndEngine();
     return 0;
 }

@@ -20,6 +20,9 @@ inline constexpr int PAWN_CACHE_SIZE = 8192;
 inline constexpr int MOVE_STACK_RESERVE = 2048;
 inline constexpr int MOVE_STACK = 66 * 256 + MOVE_STACK_RESERVE;
 
+// Values of root_state.
+enum RootState : uint8_t { ROOT_AT_WORK = 0, ROOT_GAVE_UP = 99 };
+
 // Values of work_flag.
 enum WorkFlag : uint8_t { WORK_IDLE = 0, WORK_SEARCH = 1, WORK_END = 99 };
 
@@ -39,7 +42,7 @@ struct alignas(64) SearchThread {
 
     int8_t id;                       // equal to pos.thread_index
     std::atomic<uint8_t> work_flag;  // the main thread sets it (release), the worker clears it
-    uint8_t root_state;              // 99 if this worker gave up the iteration
+    uint8_t root_state;              // one of RootState
     int8_t ext_count;                // path counter of the accumulated extension
     uint64_t quiet_limit;            // value of `nodes` at which the quiescence tree in work is cut short
     uint32_t seed;                   // random state for root perturbation

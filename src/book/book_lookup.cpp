@@ -15,6 +15,7 @@
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "platform/file.h"
+#include "search/search_control.h"
 
 namespace vrel {
 
@@ -162,8 +163,7 @@ const BookRecord* FindPosition(int side) {
 }
 
 void GetCandidates(Position* pos, bool verbose) {
-    PBlock.pv[1] = NO_MOVE;
-    PBlock.pv[2] = NO_MOVE;
+    PublishMove(NO_MOVE);
     if (bkrecnum == 0)
         return;
     GenerateAll(pos);
@@ -173,6 +173,7 @@ void GetCandidates(Position* pos, bool verbose) {
         return;
     const double bias = pos->stm == WHITE ? -0.02 : 0.02;
     double best = 0.0;
+    Move chosen = NO_MOVE;
     MoveText text;
     for (MoveEntry* entry = pos->frames[pos->ply].first; entry->move != END_OF_LIST; ++entry) {
         PickNextMove(entry);
@@ -188,14 +189,15 @@ void GetCandidates(Position* pos, bool verbose) {
         const double value = BookValue(w, l, d, bias, RandomTerm());
         if (value > best) {
             best = value;
-            PBlock.pv[1] = move;
+            chosen = move;
         }
         if (verbose)
             Print("%s   %5d - %5d - %5d   %0.3f  %0.3f\n", MoveToStr(move, text.data()), w, l, d, BookScore(w, l, d),
                   value);
     }
-    if (verbose && PBlock.pv[1] != NO_MOVE)
-        Print("book move is %s\n", MoveToStr(PBlock.pv[1], text.data()));
+    PublishMove(chosen);
+    if (verbose && chosen != NO_MOVE)
+        Print("book move is %s\n", MoveToStr(chosen, text.data()));
 }
 
 }  // namespace vrel

@@ -33,7 +33,6 @@ void WriteOut(const char* text, size_t size, const char* end) {
     if (WriteOutput(text, size, end, std::strlen(end)))
         return;
     // Nobody reads any more.
-    PBlock.stop = STOP_COMMAND;
     PBlock.quit = 1;
 }
 

@@ -10,6 +10,7 @@
 #include "search/mate_test.h"
 #include "search/ordering.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/search_report.h"
 
 namespace vrel {
@@ -20,7 +21,6 @@ constexpr int MULTIPV_DEPTH = 5;  // deeper iterations search several lines
 constexpr int POLICY_DEPTH = 7;   // deeper iterations are divided among the side workers
 constexpr int REDO_DEPTH = 7;
 constexpr int STAGGER = 5;  // milliseconds
-constexpr int GAVE_UP = 99;
 
 // With no depth to search the answer is a quiescence search of the root.
 void SearchQuiet(SearchThread* thread, int side, bool in_check) {
@@ -38,7 +38,7 @@ void ReportNoMove(SearchThread* thread, bool in_check) {
     thread->best_depth = 1;
     if (thread->id == 1) {
         NewBestMove(thread);
-        PBlock.stop = STOP_NO_MOVE;
+        StopSearch(STOP_NO_MOVE);
     }
 }
 
@@ -66,8 +66,8 @@ int RootMoves(const Position& pos) {
 }
 
 void BeginIteration(SearchThread* thread, int d) {
-    thread->iter_nodes[static_cast<size_t>(d)] = 0;
-    thread->iter_score[static_cast<size_t>(d)] = NO_SCORE;
+    thread->iter_nodes[d] = 0;
+    thread->iter_score[d] = NO_SCORE;
 }
 
 // The list ends with the best lines in order. Worker 1 publishes only the first.
@@ -134,7 +134,7 @@ void SearchOneLine(SearchThread* thread, int side, int d) {
 
 // A forced mate that is shorter than the depth searched needs no further iteration.
 bool MateIsCertain(const SearchThread& thread, int d) {
-    const int v = thread.iter_score[static_cast<size_t>(d)];
+    const int v = thread.iter_score[d];
     return v >= 9999 - d || v < d - 9999;
 }
 
@@ -149,13 +149,13 @@ void Deepen(SearchThread* thread, int side) {
             SearchSeveralLines(thread, side, d);
         else
             SearchOneLine(thread, side, d);
-        thread->iter_nodes[static_cast<size_t>(d)] = thread->nodes;
+        thread->iter_nodes[d] = thread->nodes;
         if (PBlock.stop)
             return;
-        if (thread->root_state == GAVE_UP)
+        if (thread->root_state == ROOT_GAVE_UP)
             continue;
-        if (id == 1 && PBlock.done_depth < d)
-            PBlock.done_depth = static_cast<int8_t>(d);
+        if (id == 1)
+            PublishFinishedDepth(d);
         if (MateIsCertain(*thread, d))
             return;
     }
@@ -169,7 +169,7 @@ void SearchIterations(int id) {
     const int side = pos->stm;
 
     thread->depth = 0;
-    thread->root_state = 0;
+    thread->root_state = ROOT_AT_WORK;
     pos->ply = 1;
     for (Relaxed<Move>& move : thread->pv)
         move = NO_MOVE;
@@ -193,7 +193,7 @@ void SearchIterations(int id) {
     StaggerStart(id);
     Deepen(thread, side);
     if (id == 1 && !PBlock.stop)
-        PBlock.stop = STOP_TIME;
+        StopSearch(STOP_TIME);
 }
 
 }  // namespace vrel

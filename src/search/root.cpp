@@ -13,6 +13,7 @@
 #include "board/move_kind.h"
 #include "interface/pblock.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/search_report.h"
 
 namespace vrel {
@@ -22,7 +23,6 @@ namespace {
 constexpr int LOWEST_BOUND = -9999;
 constexpr int HIGHEST_BOUND = 9998;
 constexpr int NO_IMPROVEMENT = -11000;
-constexpr int GAVE_UP = 99;
 constexpr int GIVE_UP_DEPTH = 5;   // deeper iterations are given up by a worker that has been overtaken
 constexpr int LMR_FROM_DEPTH = 7;  // deeper iterations reduce quiet late moves ...
 constexpr int LMR_FROM_MOVE = 5;   // ... behind this many
@@ -104,7 +104,7 @@ int ScoutSearch(RootPass* pass, Move move, int reduction) {
 int RootReduction(const RootPass& pass, const MoveEntry& entry) {
     const Position& pos = *pass.pos;
     if (!pass.root_lmr || pass.n <= LMR_FROM_MOVE || pass.best < std::max(pass.prev - pass.delta, LOWEST_BOUND) ||
-        pass.in_check || pos.npv[static_cast<size_t>(pass.side)] <= 0)
+        pass.in_check || pos.npv[pass.side] <= 0)
         return 0;
     const bool en_passant = TypeOf(entry.piece) == PAWN && ToSquare(entry.move) == pos.ep_square;
     if (MoveIsCapture(entry) || en_passant || MoveGivesCheck(pos, pass.side, entry) != 0 ||
@@ -142,7 +142,7 @@ void AcceptMove(RootPass* pass, MoveEntry* head, MoveEntry* entry, int w) {
     UpdatePV(line.data(), pass->local_pv.data(), move, 1);
     std::copy(line.begin(), line.end(), thread->pv.begin());
     if (pass->first_index == 0) {
-        thread->iter_score[static_cast<size_t>(pass->depth)] = static_cast<int16_t>(w);
+        thread->iter_score[pass->depth] = static_cast<int16_t>(w);
         NewBestMove(thread);
     }
     // To the head of this pass; the order of those it overtakes stays.
@@ -156,7 +156,7 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
     Position* pos = pass->pos;
     const int b = pass->best;
     if (pass->n == 1) {
-        PBlock.easy = 1;
+        PublishEasy(1);
         return;
     }
     if (b <= pass->frame->eval + 225 || pass->depth <= 11 || PBlock.change_depth > 3)
@@ -173,7 +173,7 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
         if (v > bound || PBlock.stop)
             return;
     }
-    PBlock.easy = 2;
+    PublishEasy(2);
 }
 
 RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
@@ -226,13 +226,13 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
     for (MoveEntry* entry = head; entry->move != END_OF_LIST; ++entry) {
         // The tree below the published depth isn't worth finishing.
         if (depth > GIVE_UP_DEPTH && thread->id > 1 && depth < PBlock.depth) {
-            thread->root_state = GAVE_UP;
+            thread->root_state = ROOT_GAVE_UP;
             return;
         }
         PickNextMove(entry);
         const SharedLine saved_pv = thread->pv;
         const int16_t saved_score = thread->score;
-        thread->root_state = 0;
+        thread->root_state = ROOT_AT_WORK;
         pass.frame->current = entry;
         ShowProgress(pass, entry->move);
         entry->sort_value = 0;
@@ -242,7 +242,7 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
         MakeMove(pos, entry->move);
         const int v = SearchRootMove(&pass, *entry, reduction);
         UnmakeMove(pos);
-        thread->root_state = 0;
+        thread->root_state = ROOT_AT_WORK;
         thread->pv = saved_pv;
         thread->score = saved_score;
         if (PBlock.stop)
@@ -254,7 +254,7 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
         if (w > pass.best)
             AcceptMove(&pass, head, entry, w);
         if (PBlock.max_nodes && thread->nodes > static_cast<uint64_t>(PBlock.max_nodes)) {
-            PBlock.stop = STOP_TIME;
+            StopSearch(STOP_TIME);
             return;
         }
     }

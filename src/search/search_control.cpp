@@ -1,7 +1,213 @@
 #include "search/search_control.h"
 
+#include <cassert>
+
+#include "board/attacks.h"
+#include "board/legality.h"
+#include "eval/personality.h"
+#include "platform/clock.h"
+#include "search/search.h"
+#include "search/search_report.h"
+#include "search/thread_pool.h"
+#include "search/time_control.h"
+
 namespace vrel {
 
 void (*poll_input)() = [] {};
+
+namespace {
+
+constexpr int FIFTY_LIMIT = 100;
+
+bool workers_have_run = false;  // the search to be reported is the workers'
+
+// A position that can't arise in chess is answered without a search.
+bool CanBeSearched(const Position& pos) {
+    return CountBits(pos.bb[WHITE][KING]) == 1 && CountBits(pos.bb[BLACK][KING]) == 1 &&
+           !SqAtakd(pos, KingSquare(pos, pos.stm ^ 1), pos.stm);
+}
+
+void ResetPublishedLine(const Position& game) {
+    PBlock.score = NO_SCORE;
+    PBlock.depth = 0;
+    PBlock.done_depth = 0;
+    PBlock.change_depth = 0;
+    PBlock.easy = 0;
+    PBlock.pv[1] = NO_MOVE;
+    PBlock.draw_score[game.stm] = Personality.contempt;
+    PBlock.draw_score[game.stm ^ 1] = static_cast<int16_t>(-Personality.contempt);
+    for (auto& score : PBlock.depth_score)
+        score = NO_SCORE;
+    for (auto& move : PBlock.depth_move)
+        move = NO_MOVE;
+}
+
+// A mate at least as good as what stands, a deeper line unless a mate stands, or a better line of the same depth.
+bool Qualifies(int score, int depth) {
+    return (score > MATE_BOUND + 1 && score >= PBlock.score) || (depth > PBlock.depth && PBlock.score <= MATE_BOUND) ||
+           (depth == PBlock.depth && score > PBlock.score);
+}
+
+}  // namespace
+
+SearchLimits LimitsInForce() {
+    return {PBlock.max_depth,  PBlock.max_nodes, PBlock.level_moves,
+            PBlock.level_time, PBlock.inc,       {PBlock.clock[WHITE], PBlock.clock[BLACK]},
+            PBlock.moves_to_go};
+}
+
+void SetLimits(const SearchLimits& limits) {
+    PBlock.max_depth = static_cast<int8_t>(limits.max_depth);
+    PBlock.max_nodes = limits.max_nodes;
+    PBlock.level_moves = static_cast<int8_t>(limits.level_moves);
+    PBlock.level_time = limits.level_time;
+    PBlock.inc = limits.inc;
+    PBlock.clock[WHITE] = limits.clock[WHITE];
+    PBlock.clock[BLACK] = limits.clock[BLACK];
+    PBlock.moves_to_go = static_cast<int16_t>(limits.moves_to_go);
+}
+
+void RequestSearch(SearchState kind, const SearchLimits& limits) {
+    SetLimits(limits);
+    RequestSearch(kind);
+}
+
+void RequestSearch(SearchState kind) { PBlock.request = kind; }
+
+bool SearchIsRequested() { return PBlock.request != STATE_IDLE; }
+
+void StopSearch(StopReason reason) { PBlock.stop = reason; }
+
+void StopSearchAndWait() {
+    StopSearch(STOP_COMMAND);
+    while (!WorkersIdle())
+        SleepMilliseconds(1);
+}
+
+void EndRunningSearch() {
+    if (PBlock.state == STATE_IDLE)
+        return;
+    if (!PBlock.stop)
+        StopSearch(STOP_COMMAND);
+    PonderHit();
+}
+
+void StopAndReport() {
+    StopSearch(STOP_TIME);
+    PBlock.state = STATE_THINKING;
+}
+
+void PonderHit() {
+    if (PBlock.state == STATE_PONDERING)
+        PBlock.state = STATE_THINKING;
+}
+
+bool EngineIsFree() { return PBlock.state == STATE_IDLE && !SearchIsRequested() && WorkersIdle(); }
+
+bool SearchIsOver() { return PBlock.state != STATE_IDLE && PBlock.state != STATE_PONDERING && WorkersIdle(); }
+
+void PrepareRequestedSearch() {
+    assert(WorkersIdle());
+    GetElapsedTime(0);
+    InitSearch(static_cast<SearchState>(PBlock.request.Get()));
+    PBlock.request = STATE_IDLE;
+}
+
+void StartRequestedSearch() {
+    const Position& game = *GamePosition();
+    workers_have_run = game.fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && CanBeSearched(game);
+    if (workers_have_run)
+        StartWorkers();
+}
+
+void CompleteResult() {
+    if (PBlock.pv[1] != NO_MOVE || PBlock.max_depth <= 0 || PBlock.stop == STOP_NO_MOVE || !workers_have_run)
+        return;
+    const SearchThread& master = *GetThread(1);
+    const Move move = master.frames[1].first->move;
+    if (move != END_OF_LIST && MoveIsLegal(master.pos, master.pos.stm, move))
+        PublishMove(move);
+}
+
+void CloseSearch() {
+    workers_have_run = false;
+    PBlock.state = STATE_IDLE;
+}
+
+void InitSearch(SearchState state) {
+    assert(WorkersIdle());
+    const Position& game = *GamePosition();
+    StopSearch(STOP_NONE);
+    ResetPublishedLine(game);
+    PBlock.tt_age = static_cast<uint16_t>(game.game_ply);
+    if (PBlock.hash_mb == 0)
+        PBlock.use_hash = 0;
+    PBlock.state = state;
+    SetTimeBudget(game);
+    PrepareThreads();
+    ShowSearchStart(game);
+}
+
+void SearchHere() { SearchIterations(1); }
+
+// It doesn't sleep before there is a result, so that the quickest searches lose no time.
+void SearchOnWorkers() {
+    StartWorkers();
+    while (!WorkersIdle()) {
+        PollSearch();
+        if (PBlock.quit)
+            StopSearch(STOP_COMMAND);
+        if (PBlock.depth > 1 && PBlock.done_depth > 0)
+            SleepMilliseconds(1);
+    }
+    PollSearch();  // a question that waits for idle workers is answered
+}
+
+void SearchAtDepthZero() {
+    PBlock.report = EvalReport{};
+    const int8_t max_depth = PBlock.max_depth;
+    PBlock.max_depth = 0;
+    InitSearch(STATE_IDLE);
+    SearchHere();
+    PBlock.max_depth = max_depth;
+}
+
+void PollSearch() {
+    SearchTimeout();
+    poll_input();
+}
+
+SearchResult PublishedResult() { return {PBlock.pv[1], PBlock.pv[2], PBlock.score, PBlock.depth}; }
+
+bool PublishLine(const SearchThread& master) {
+    assert(master.id == 1);
+    const int score = master.score;
+    const int depth = master.best_depth;
+    const SpinGuard guard(&spinlock1);
+    if (!Qualifies(score, depth))
+        return false;
+    if (master.pv[1] != PBlock.pv[1])
+        PBlock.change_depth = static_cast<int8_t>(depth);
+    PBlock.score = static_cast<int16_t>(score);
+    PBlock.depth = static_cast<int8_t>(depth);
+    PBlock.pv = master.pv;
+    PBlock.depth_score[depth] = static_cast<int16_t>(score);
+    PBlock.depth_move[depth] = master.pv[1];
+    return true;
+}
+
+void PublishMove(Move best) {
+    PBlock.pv[1] = best;
+    PBlock.pv[2] = NO_MOVE;
+}
+
+void PublishScore(int score) { PBlock.score = static_cast<int16_t>(score); }
+
+void PublishFinishedDepth(int depth) {
+    if (PBlock.done_depth < depth)
+        PBlock.done_depth = static_cast<int8_t>(depth);
+}
+
+void PublishEasy(int easy) { PBlock.easy = static_cast<int8_t>(easy); }
 
 }  // namespace vrel

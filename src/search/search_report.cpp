@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <cstdio>
 
+#include "board/fen.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/thread_pool.h"
 #include "search/transposition.h"
 
@@ -96,23 +98,6 @@ void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Mov
                   CurrentRates().nodes / 1000, score, line.c_str());
 }
 
-// A mate at least as good as what stands, a deeper line unless a mate stands, or a better line of the same depth.
-bool Qualifies(int score, int depth) {
-    return (score > MATE_BOUND + 1 && score >= PBlock.score) || (depth > PBlock.depth && PBlock.score <= MATE_BOUND) ||
-           (depth == PBlock.depth && score > PBlock.score);
-}
-
-void Publish(const SearchThread& thread, int score, int depth) {
-    const auto d = static_cast<size_t>(depth);
-    if (thread.pv[1] != PBlock.pv[1])
-        PBlock.change_depth = static_cast<int8_t>(depth);
-    PBlock.score = static_cast<int16_t>(score);
-    PBlock.depth = static_cast<int8_t>(depth);
-    PBlock.pv = thread.pv;
-    PBlock.depth_score[d] = static_cast<int16_t>(score);
-    PBlock.depth_move[d] = thread.pv[1];
-}
-
 }  // namespace
 
 void Collect() {
@@ -148,16 +133,11 @@ PvLine CopyPV(const SharedLine& line) {
 void NewBestMove(SearchThread* thread) {
     if (thread->id > 1)
         return;
-    const int score = thread->score;
+    if (!PublishLine(*thread))
+        return;
     const int depth = thread->best_depth;
-    {
-        const SpinGuard guard(&spinlock1);
-        if (!Qualifies(score, depth))
-            return;
-        Publish(*thread, score, depth);
-    }
     if (depth > 1 && PBlock.multipv == 1)
-        DisplaySearchInfo(thread->id, -1, depth, score, CopyPV(thread->pv).data());
+        DisplaySearchInfo(thread->id, -1, depth, thread->score, CopyPV(thread->pv).data());
 }
 
 void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
@@ -171,6 +151,26 @@ void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
         ShowUciLine(id, mark, mpv, depth, score, pv);
     else
         ShowConsoleLine(id, mark, mpv, depth, score, pv);
+}
+
+void ShowSearchStart(const Position& game) {
+    if (PBlock.noise >= SILENT)
+        return;
+    std::array<char, EPD_TEXT> fen;
+    MakeEPD(game, fen.data());
+    const auto text = [](const char* format, auto... values) {
+        std::array<char, 256> line;
+        std::snprintf(line.data(), line.size(), format, values...);
+        return line;
+    };
+    if (PBlock.mode == MODE_UCI) {
+        LogMessage(text("info string fen %s", fen.data()).data());
+        LogMessage(text("info string ply= %d, trg_time= %0.3f sec", game.game_ply, PBlock.trg_time.Get()).data());
+    } else {
+        ShowFormatted("fen %s", fen.data());
+        ShowFormatted("Ply= %d, Clock= %0.2fs  Target time= %0.2fs", game.game_ply, PBlock.clock[game.stm].Get(),
+                      PBlock.trg_time.Get());
+    }
 }
 
 void DisplayPublishedLine() { DisplaySearchInfo(0, 0, PBlock.depth, PBlock.score, CopyPV(PBlock.pv).data()); }
@@ -194,8 +194,8 @@ double EffectiveBranchingFactor() {
     if (depth <= 5)
         return 2.0;
     const auto& iter_nodes = GetThread(1)->iter_nodes;
-    const auto last = static_cast<double>(iter_nodes[static_cast<size_t>(depth)]);
-    const auto earlier = static_cast<double>(iter_nodes[static_cast<size_t>(depth - 4)]);
+    const auto last = static_cast<double>(iter_nodes[depth]);
+    const auto earlier = static_cast<double>(iter_nodes[depth - 4]);
     if (last == 0.0 || earlier == 0.0)
         return 2.0;
     return std::sqrt(std::sqrt(last / earlier));

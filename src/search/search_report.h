@@ -38,6 +38,9 @@ void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv);
 // The published line of PBlock.
 void DisplayPublishedLine();
 
+// Notes the position and the target time of the search that begins: for the log, in console mode for the person.
+void ShowSearchStart(const Position& game);
+
 // Progress lines of the root.
 void ShowInfo();
 void UCI_ShowCurrentMove(Move move, int number);

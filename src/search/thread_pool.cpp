@@ -9,6 +9,7 @@
 #include "platform/clock.h"
 #include "platform/worker_thread.h"
 #include "search/search.h"
+#include "search/search_control.h"
 
 namespace vrel {
 
@@ -54,7 +55,7 @@ void ResetCounters(SearchThread* thread) {
     thread->best_depth = 0;
     thread->score = 0;
     thread->nodes = 0;
-    thread->root_state = 0;
+    thread->root_state = ROOT_AT_WORK;
     thread->evals = 0;
     thread->eval_hits = 0;
     thread->tt_probes = 0;
@@ -71,9 +72,9 @@ void HandOverPosition(const SearchThread& game, SearchThread* worker) {
     worker->pos.undo = worker->undo.data();
     worker->pos.frames = worker->frames.data();
     worker->pos.thread_index = static_cast<uint8_t>(worker->id);
-    const auto records = static_cast<size_t>(game.pos.game_ply) + 1;
-    std::copy_n(game.undo.begin(), std::min(records, game.undo.size()), worker->undo.begin());
-    if (records < worker->undo.size())
+    const int records = game.pos.game_ply + 1;
+    std::copy_n(game.undo.begin(), std::min(records, UNDO_RECORDS), worker->undo.begin());
+    if (records < UNDO_RECORDS)
         worker->undo[records].move = NO_MOVE;
 }
 
@@ -82,10 +83,10 @@ void HandOverPosition(const SearchThread& game, SearchThread* worker) {
 int CreateThreadPool(int n) {
     for (int i = 1; i <= n; ++i) {
         FreeThread(i);  // a record of an earlier pool must not be taken for the new one
-        thread_id[static_cast<size_t>(i)] = i;
+        thread_id[i] = i;
     }
     for (int i = 1; i <= n; ++i) {
-        const int error = StartThread(SearchThreadFunc, &thread_id[static_cast<size_t>(i)]);
+        const int error = StartThread(SearchThreadFunc, &thread_id[i]);
         if (error != 0)
             return error;
     }
@@ -96,7 +97,7 @@ int CreateThreadPool(int n) {
 }
 
 void KillThreadPool(int n) {
-    PBlock.stop = STOP_POOL;
+    StopSearch(STOP_POOL);
     WaitUntilIdle();
     for (int i = 1; i <= n; ++i)
         WakeWorker(i, WORK_END);

@@ -15,7 +15,7 @@ void KillThreadPool(int n);
 // True if no worker searches.
 bool WorkersIdle();
 
-// Gives the workers 1 to nthreads their work; the position has been handed over by InitSearch.
+// Gives the workers 1 to nthreads their work; the position has been handed over by PrepareThreads.
 void StartWorkers();
 
 // spinlock1 guards the publication of the best line in PBlock, spinlock2 one search report. They are never held

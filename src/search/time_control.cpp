@@ -1,20 +1,13 @@
 #include "search/time_control.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 
-#include "board/fen.h"
 #include "board/search_thread.h"
-#include "eval/personality.h"
-#include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
-#include "search/search.h"
-#include "search/thread_pool.h"
+#include "search/search_control.h"
 
 namespace vrel {
 
@@ -26,26 +19,6 @@ constexpr double SHORTEST_TARGET = 0.002;
 constexpr double EXTEND_FROM = 0.02;  // seconds of search before the target is lengthened
 constexpr double PATIENCE = 2.0;      // seconds beyond the target that a line of depth 2 is waited for
 constexpr int CLEARLY = 20;           // centipawns that make one worker's score differ from the published one
-
-void ResetPublishedLine(const Position& game) {
-    const auto side = static_cast<size_t>(game.stm);
-    PBlock.stop = STOP_NONE;
-    PBlock.score = NO_SCORE;
-    PBlock.depth = 0;
-    PBlock.done_depth = 0;
-    PBlock.change_depth = 0;
-    PBlock.easy = 0;
-    PBlock.pv[1] = NO_MOVE;
-    PBlock.draw_score[side] = Personality.contempt;
-    PBlock.draw_score[side ^ 1] = static_cast<int16_t>(-Personality.contempt);
-    PBlock.tt_age = static_cast<uint16_t>(game.game_ply);
-    if (PBlock.hash_mb == 0)
-        PBlock.use_hash = 0;
-    for (auto& score : PBlock.depth_score)
-        score = NO_SCORE;
-    for (auto& move : PBlock.depth_move)
-        move = NO_MOVE;
-}
 
 int MovesToGo(int ply) {
     const int level_moves = PBlock.level_moves;
@@ -65,37 +38,6 @@ double TargetTime(double left, int moves) {
         target += PBlock.inc * left / (2 * PBlock.inc + left);
     target = std::min(target, left * 0.65 - 4 * PBlock.overhead);
     return std::max(target, SHORTEST_TARGET);
-}
-
-void SetTimeBudget(const Position& game) {
-    const auto side = static_cast<size_t>(game.stm);
-    if (PBlock.level_moves == 1) {
-        PBlock.trg_time = PBlock.level_time.Get();
-        PBlock.clock[side] = PBlock.level_time.Get();
-        return;
-    }
-    PBlock.moves_to_go = static_cast<int16_t>(MovesToGo(game.game_ply));
-    PBlock.trg_time = TargetTime(PBlock.clock[side], PBlock.moves_to_go);
-}
-
-void ShowStart(const Position& game) {
-    if (PBlock.noise >= SILENT)
-        return;
-    std::array<char, EPD_TEXT> fen;
-    MakeEPD(game, fen.data());
-    const auto text = [](const char* format, auto... values) {
-        std::array<char, 256> line;
-        std::snprintf(line.data(), line.size(), format, values...);
-        return line;
-    };
-    if (PBlock.mode == MODE_UCI) {
-        LogMessage(text("info string fen %s", fen.data()).data());
-        LogMessage(text("info string ply= %d, trg_time= %0.3f sec", game.game_ply, PBlock.trg_time.Get()).data());
-    } else {
-        ShowFormatted("fen %s", fen.data());
-        ShowFormatted("Ply= %d, Clock= %0.2fs  Target time= %0.2fs", game.game_ply, PBlock.clock[game.stm].Get(),
-                      PBlock.trg_time.Get());
-    }
 }
 
 // Percentage of the time left by which the workers' disagreement lengthens the target.
@@ -120,7 +62,7 @@ int DisagreementExtension() {
 
 // The same for a score that falls against the last finished iteration, and for a best move that has just changed.
 int TrendExtension() {
-    const int before = PBlock.depth_score[static_cast<size_t>(PBlock.done_depth)];
+    const int before = PBlock.depth_score[PBlock.done_depth];
     if (before == NO_SCORE)
         return 0;
     const int margin = std::abs(before) / 16 + 20;
@@ -144,6 +86,9 @@ bool TimeIsOver() {
     return elapsed >= limit - PBlock.overhead || 5 * PBlock.overhead > left;
 }
 
+// A search never stops before it has a line of depth 2, unless the board is so crowded that it gets none for a while.
+bool MayStillWait() { return PBlock.depth <= 1 && PBlock.elapsed < PBlock.trg_time + PATIENCE; }
+
 }  // namespace
 
 void GetElapsedTime(int flag) {
@@ -155,13 +100,15 @@ void GetElapsedTime(int flag) {
     }
 }
 
-void InitSearch() {
-    const Position& game = *GamePosition();
-    ResetPublishedLine(game);
-    PBlock.state = PBlock.request.Get();
-    SetTimeBudget(game);
-    PrepareThreads();
-    ShowStart(game);
+void SetTimeBudget(const Position& game) {
+    const int side = game.stm;
+    if (PBlock.level_moves == 1) {
+        PBlock.trg_time = PBlock.level_time.Get();
+        PBlock.clock[side] = PBlock.level_time.Get();
+        return;
+    }
+    PBlock.moves_to_go = static_cast<int16_t>(MovesToGo(game.game_ply));
+    PBlock.trg_time = TargetTime(PBlock.clock[side], PBlock.moves_to_go);
 }
 
 void SearchTimeout() {
@@ -169,17 +116,16 @@ void SearchTimeout() {
     if (PBlock.state == STATE_PONDERING || PBlock.stop)
         return;
     if (TimeIsOver()) {
-        // A search never stops before it has a line of depth 2, unless the board is so crowded that it gets none.
-        if (PBlock.depth <= 1 && PBlock.elapsed < PBlock.trg_time + PATIENCE)
+        if (MayStillWait())
             return;
         if (PBlock.state == STATE_THINKING)
-            PBlock.stop = STOP_TIME;
+            StopSearch(STOP_TIME);
         else if (PBlock.state == STATE_ANALYSING)
-            PBlock.stop = STOP_COMMAND;
+            StopSearch(STOP_COMMAND);
         return;
     }
     if (PBlock.easy == 1 || (PBlock.easy == 2 && PBlock.elapsed >= 0.5 * PBlock.trg_time))
-        PBlock.stop = STOP_TIME;
+        StopSearch(STOP_TIME);
 }
 
 }  // namespace vrel

@@ -12,11 +12,8 @@
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "platform/clock.h"
-#include "search/search.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
-#include "search/thread_pool.h"
 #include "search/time_control.h"
 #include "search/transposition.h"
 #include "tools/epd_file.h"
@@ -78,31 +75,12 @@ private:
     std::array<char, EPD_LINE> line_{};
 };
 
-void PollInput() {
-    SearchTimeout();
-    poll_input();
-}
-
-// The workers search; this thread keeps the clock and the input alive. It doesn't sleep before there is a result, so
-// that the quickest searches lose no time.
-void SearchOnWorkers() {
-    StartWorkers();
-    while (!WorkersIdle()) {
-        PollInput();
-        if (PBlock.quit)
-            PBlock.stop = STOP_COMMAND;
-        if (PBlock.depth > 1 && PBlock.done_depth > 0)
-            SleepMilliseconds(1);
-    }
-    PollInput();  // a question that waits for idle workers is answered
-}
-
 // A search of a few plies isn't worth a worker's time to wake up.
-void SearchHere(int position) {
-    SearchIterations(1);
-    PBlock.score = GetThread(1)->score;
+void SearchOnThisThread(int position) {
+    SearchHere();
+    PublishScore(GetThread(1)->score);
     if (position % POLL_INTERVAL == 0)
-        PollInput();
+        PollSearch();
 }
 
 void ShowPosition(int number, const char* line) {
@@ -120,16 +98,14 @@ void ShowResult() {
                   elapsed, PBlock.score.Get(), nodes, nodes / (elapsed + 0.001) / 1000);
 }
 
-// One search of the position on the board.
-void Search(int position) {
+// One search of the position on the board. It has a limit of time as any other one.
+void SearchPosition(int number) {
     GetElapsedTime(0);
-    InitSearch();
-    // The search has a limit of time as any other one; nobody asked for it by a command.
-    PBlock.state = STATE_THINKING;
+    InitSearch(STATE_THINKING);
     if (PBlock.max_depth > WORKER_DEPTH)
         SearchOnWorkers();
     else
-        SearchHere(position);
+        SearchOnThisThread(number);
 }
 
 void AddSearch(Totals* totals, double target) {
@@ -149,7 +125,7 @@ void AnalysePosition(Source* source, File* unsolved, bool timed, Totals* totals)
         ClearTTable();
     if (!IsSilent())
         ShowPosition(totals->positions, source->line());
-    Search(totals->positions);
+    SearchPosition(totals->positions);
     // Reading the clock takes a good part of the time of a position without a search.
     if (timed || !IsSilent())
         GetElapsedTime(1);
@@ -160,7 +136,7 @@ void AnalysePosition(Source* source, File* unsolved, bool timed, Totals* totals)
         unsolved->Print("%s\n", source->line());
     if (!IsSilent())
         ShowResult();
-    PBlock.state = STATE_IDLE;
+    CloseSearch();
 }
 
 // Turns sums into means; without a position they are 0 already.

@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_lookup.h"
@@ -14,7 +13,6 @@
 #include "eval/personality.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
-#include "search/search.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/time_control.h"
@@ -37,11 +35,12 @@ using Players = std::array<PersonalityRecord, 2>;
 void ApplySettings() {
     PBlock.book_random = 100;
     PBlock.noise = SILENT;
-    PBlock.clock[WHITE] = 1.0;
-    PBlock.clock[BLACK] = 1.0;
-    PBlock.level_time = 1.0;
-    PBlock.level_moves = 1;
-    PBlock.max_nodes = 250 * (95 + std::rand() % 11);
+    SearchLimits limits = LimitsInForce();
+    limits.clock = {1.0, 1.0};
+    limits.level_time = 1.0;
+    limits.level_moves = 1;
+    limits.max_nodes = 250 * (95 + std::rand() % 11);
+    SetLimits(limits);
 }
 
 // True if the position has been on the board twice before since the last move that can't be taken back.
@@ -57,54 +56,31 @@ bool IsThirdOccurrence(const Position& pos) {
 // Leaves the move of the side to move and its score in PBlock; no move in a repeated position.
 void FindMove(Position* pos, const PersonalityRecord& player) {
     GetElapsedTime(0);
-    InitSearch();
+    InitSearch(STATE_IDLE);
     Personality = player;
     if (pos->game_ply < BOOK_PLIES) {
         GetCandidates(pos, false);
-        PBlock.score = 0;
+        PublishScore(0);
     }
-    if (PBlock.pv[1] == NO_MOVE) {
+    if (PublishedResult().best == NO_MOVE) {
         InitEval();
         if (IsThirdOccurrence(*pos))
-            PBlock.score = 0;
+            PublishScore(0);
         else
-            SearchIterations(1);
+            SearchHere();
     }
     GetElapsedTime(1);
 }
 
-// What the search has found, taken out of PBlock before a command can change that.
-struct Found {
-    Move move;
-    int score;
-    int depth;
-};
-
-Found TakeResult() { return {PBlock.pv[1], PBlock.score, PBlock.depth}; }
-
-// Whatever position a command sets up meanwhile, the match goes on with its own.
-void PollInput() {
-    SearchThread* game = GetThread(0);
-    const Position pos = game->pos;
-    const auto undo = game->undo;
-    const uint64_t key = rtable[64];
-    SearchTimeout();
-    poll_input();
-    game->pos = pos;
-    game->undo = undo;
-    if (rtable[64] != key)
-        SetHash(&game->pos);  // a table of another size has new keys
-}
-
 // What ends the game before the move found is made. False if it goes on.
-bool Adjudicate(const Position& pos, const Found& found, MatchResult* result) {
+bool Adjudicate(const Position& pos, const SearchResult& found, MatchResult* result) {
     const MatchResult won = pos.stm == WHITE ? WHITE_WINS : BLACK_WINS;
     const MatchResult lost = pos.stm == WHITE ? BLACK_WINS : WHITE_WINS;
     if (found.score < -DECIDED_SCORE)
         *result = lost;
     else if (found.score > DECIDED_SCORE)
         *result = won;
-    else if (pos.fifty > FIFTY_LIMIT || found.move == NO_MOVE)
+    else if (pos.fifty > FIFTY_LIMIT || found.best == NO_MOVE)
         *result = DRAWN;
     else
         return false;
@@ -122,18 +98,18 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
     ClearTTable();
     // A game that the record can't hold is a draw.
     while (game->count < MATCH_MOVES) {
-        FindMove(pos, players[static_cast<size_t>(game->white ^ pos->stm)]);
-        const Found found = TakeResult();
+        FindMove(pos, players[game->white ^ pos->stm]);
+        const SearchResult found = PublishedResult();
         if (++*moves_played % POLL_INTERVAL == 0)
-            PollInput();
+            PollSearch();
         if (PBlock.quit)
             return false;
         Collect();
         const bool over = Adjudicate(*pos, found, &game->result);
-        RecordMove(game, found.move, found.score, found.depth);
+        RecordMove(game, found.best, found.score, found.depth);
         if (over)
             break;
-        PlayGameMove(pos, found.move);
+        PlayGameMove(pos, found.best);
     }
     return true;
 }

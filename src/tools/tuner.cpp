@@ -14,6 +14,7 @@
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/file.h"
+#include "search/search_control.h"
 #include "tools/epd_analysis.h"
 
 namespace vrel {
@@ -126,7 +127,9 @@ void Tune() {
     if (!fdtune)
         return;
     PBlock.noise = SILENT;
-    PBlock.max_depth = 0;
+    SearchLimits limits = LimitsInForce();
+    limits.max_depth = 0;
+    SetLimits(limits);
     double e0 = Analyze_EPD_File(false);
     WriteBoth("\n");
     Vector x;

@@ -7,24 +7,20 @@
 #include <sstream>
 
 #include "board/fen.h"
-#include "board/keys.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_build.h"
 #include "book/book_lookup.h"
 #include "eval/eval_tables.h"
-#include "eval/kpk.h"
 #include "eval/personality.h"
 #include "interface/control/console.h"
-#include "interface/control/requests.h"
 #include "interface/control/uci.h"
 #include "interface/pblock.h"
-#include "search/search.h"
-#include "search/thread_pool.h"
-#include "search/time_control.h"
-#include "search/transposition.h"
+#include "search/search_control.h"
+#include "search/start_up.h"
 #include "tools/epd_analysis.h"
 #include "tools/pgn_scan.h"
+#include "tools/trace.h"
 
 namespace vrel {
 
@@ -42,19 +38,8 @@ void Require(bool condition, const char* what) {
 
 // Once a process: everything but the threads; the targets search on this one.
 void StartOnce() {
-    static const bool started = [] {
-        Require(InitNewThread(0) == 0, "memory");
-        InitializeBitboards();
-        KPKgen();
-        SetDefaults();
-        InitPersonality();
-        PBlock.hash_mb = 1;
-        Require(InitTTable() == 0, "memory");
-        Require(InitLocks() == 0, "locks");
-        Require(InitNewThread(1) == 0, "memory");
-        return true;
-    }();
-    (void)started;
+    static const bool started = StartEngine([] { PBlock.hash_mb = 1; }) && InitNewThread(1) == 0;
+    Require(started, "memory");
 }
 
 void Reset() {
@@ -67,7 +52,6 @@ void Reset() {
     Personality = DefaultPersonality;
     InitEval();
     SetPosition(GamePosition(), fen_opn);
-    LineWasHeld();
 }
 
 void Search(int depth) {
@@ -75,21 +59,18 @@ void Search(int depth) {
         depth = 0;
     PBlock.max_depth = static_cast<int8_t>(std::min(static_cast<int>(PBlock.max_depth), depth));
     PBlock.noise = SILENT;
-    GetElapsedTime(0);
-    InitSearch();
-    SearchIterations(1);
-    PBlock.request = 0;
-    PBlock.state = STATE_IDLE;
+    PrepareRequestedSearch();
+    SearchHere();
+    CloseSearch();
 }
 
 // Settles what a line has asked for, as the game loop would, but at once.
 void SettleRequest() {
-    if (PBlock.request)
+    if (SearchIsRequested())
         Search(2);
-    PBlock.state = STATE_IDLE;
+    CloseSearch();
     PBlock.quit = 0;
-    PBlock.trace = 0;
-    LineWasHeld();
+    SetTrace(0);
     const Position& game = *GamePosition();
     Require(PositionIsConsistent(game), "the game's board");
     Require(game.game_ply >= 0 && game.game_ply < UNDO_RECORDS && game.ply == 1, "the game's length");
@@ -111,7 +92,7 @@ void RunUci(const std::string& bytes) {
         // The pool isn't running, and large tables only cost time.
         if (Holds(line, "Threads") || (Holds(line, "Hash") && Holds(line, "value")))
             continue;
-        UciCommand(line.c_str(), false);
+        UciCommand(line.c_str());
         SettleRequest();
     }
 }

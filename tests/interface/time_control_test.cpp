@@ -1,4 +1,5 @@
 #include "search/time_control.h"
+#include "search/search_control.h"
 
 #include <gtest/gtest.h>
 
@@ -69,7 +70,7 @@ TEST_F(TimeControl, GivesEachMoveItsShareOfTheClock) {
         PBlock.inc = row.inc;
         PBlock.overhead = row.overhead;
         PBlock.ponder = row.ponder;
-        InitSearch();
+        InitSearch(static_cast<SearchState>(PBlock.request.Get()));
         EXPECT_NEAR(PBlock.trg_time, row.target, 1e-9) << row.name;
     }
 }
@@ -82,7 +83,7 @@ TEST_F(TimeControl, CountsTheMovesOfAControlInTheConsole) {
         PBlock.mode = MODE_CONSOLE;
         PBlock.level_moves = 40;
         PBlock.clock[GamePosition()->stm] = 300;
-        InitSearch();
+        InitSearch(static_cast<SearchState>(PBlock.request.Get()));
         EXPECT_EQ(PBlock.moves_to_go, row.moves) << row.plies;
     }
 }
@@ -91,7 +92,7 @@ TEST_F(TimeControl, FixedTimeSetsTheClock) {
     PlayPlies(1);
     PBlock.level_moves = 1;
     PBlock.level_time = 7.5;
-    InitSearch();
+    InitSearch(static_cast<SearchState>(PBlock.request.Get()));
     EXPECT_EQ(PBlock.trg_time, 7.5);
     EXPECT_EQ(PBlock.clock[BLACK], 7.5);
     EXPECT_EQ(PBlock.clock[WHITE], 5.0);
@@ -110,7 +111,7 @@ TEST_F(TimeControl, StartsASearchWithACleanRecord) {
     PBlock.hash_mb = 0;
     Personality.contempt = 12;
     GetThread(1)->nodes = 99;
-    InitSearch();
+    InitSearch(static_cast<SearchState>(PBlock.request.Get()));
     EXPECT_EQ(PBlock.stop, 0);
     EXPECT_EQ(PBlock.score, NO_SCORE);
     EXPECT_EQ(PBlock.depth + PBlock.done_depth + PBlock.change_depth + PBlock.easy, 0);
@@ -137,7 +138,7 @@ protected:
         PBlock.level_moves = 1;
         PBlock.level_time = 1000;
         GetElapsedTime(0);
-        InitSearch();
+        InitSearch(static_cast<SearchState>(PBlock.request.Get()));
         PBlock.request = 0;
         PBlock.depth = 5;
         PBlock.done_depth = 4;

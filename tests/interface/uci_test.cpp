@@ -27,7 +27,8 @@ protected:
     // Handles a line; what it prints.
     static std::string Send(const std::string& line) {
         testing::internal::CaptureStdout();
-        UciCommand(line.c_str(), true);
+        EchoUciLine(line.c_str());
+        UciCommand(line.c_str());
         return testing::internal::GetCapturedStdout();
     }
 

@@ -7,7 +7,7 @@
 #include "support/rules_text.h"
 
 int main() {
-    vrel::StartEngine();
+    vrel::StartForTests();
     std::string line;
     while (std::getline(std::cin, line))
         if (!line.empty())

@@ -9,6 +9,7 @@
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "search/root.h"
+#include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/selectivity.h"
 #include "search/time_control.h"
@@ -35,7 +36,7 @@ const SearchThread& SearchGame(int depth) {
     PBlock.request = STATE_THINKING;
     PBlock.use_hash = 1;
     ClearTTable();
-    InitSearch();
+    InitSearch(STATE_IDLE);
     SearchIterations(1);
     PBlock.request = 0;
     PBlock.state = STATE_IDLE;

@@ -3,15 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "board/bitboards.h"
 #include "board/fen.h"
 #include "board/generate.h"
-#include "eval/eval_tables.h"
-#include "eval/kpk.h"
-#include "eval/personality.h"
 #include "interface/pblock.h"
-#include "search/thread_pool.h"
-#include "search/transposition.h"
+#include "search/start_up.h"
 
 namespace vrel {
 namespace {
@@ -37,21 +32,12 @@ bool SameRows(const Position& a, const Position& b) {
 
 }  // namespace
 
-void StartEngine() {
-    static const bool started = [] {
-        const bool record = InitNewThread(0) == 0;
-        InitializeBitboards();
-        KPKgen();
-        SetDefaults();
-        PBlock.log = 0;
-        PBlock.noise = SILENT;
-        InitPersonality();
-        const bool table = InitTTable() == 0;
-        const bool locks = InitLocks() == 0;
-        InitEval();
-        SetPosition(GamePosition(), fen_opn);
-        return record && table && locks && InitNewThread(1) == 0;
-    }();
+void StartForTests() {
+    static const bool started = StartEngine([] {
+                                    PBlock.log = 0;
+                                    PBlock.noise = SILENT;
+                                }) &&
+                                InitNewThread(1) == 0;
     if (!started)
         std::abort();
 }

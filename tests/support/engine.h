@@ -15,12 +15,12 @@ namespace vrel {
 
 // Builds all tables and the game record, once a process: board, settings, transposition table, locks, evaluation, and
 // the record of worker 1 (no thread) for searches that the test calls itself.
-void StartEngine();
+void StartForTests();
 
 // Base of tests that need the engine.
 class EngineTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { StartEngine(); }
+    static void SetUpTestSuite() { StartForTests(); }
 };
 
 // A position with the stacks that it needs, apart from the game record.

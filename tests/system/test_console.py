@@ -306,8 +306,7 @@ class Session:
 
     def test_commands_that_need_a_free_engine_end_the_search(self):
         self.start()
-        rows = [("ev", "eval= "), ("perft 1", "visited 20 "), ("set SE 1", "SE set to 1"), ("set", "selectivity set"),
-                ("tune x 1", "done!"), ("get x", "rnbq")]
+        rows = [("perft 1", "visited 20 "), ("tune x 1", "done!"), ("get x", "rnbq")]
         for command, reply in rows:
             with self.subTest(command):
                 self.console.send("an")
@@ -316,6 +315,25 @@ class Session:
                 self.expect_report()
                 self.console.read_until(reply)
         self.console.send("quit")
+        self.assertEqual(self.console.wait()[0], 0)
+
+    def test_commands_that_wait_for_an_analysis(self):
+        self.start()
+        for command, reply in [("ev", "eval= "), ("set SE 1", "SE set to 1"), ("book", "")]:
+            with self.subTest(command):
+                self.console.send("an")
+                self.console.read_until(INFO)
+                self.console.send(command, "noise 0", ".")
+                self.expect_report()
+                self.console.read_until(reply)
+        # Without a `.` the end of the input ends the analysis, or a line that needs the engine.
+        self.console.send("an", "ev", "perft 1")
+        self.expect_report()
+        self.console.read_until("eval= ")
+        self.console.read_until("visited 20 ")
+        self.console.send("an", "ev", "quit")
+        self.expect_report()
+        self.console.read_until("eval= ")
         self.assertEqual(self.console.wait()[0], 0)
 
     def test_moves_during_a_search(self):

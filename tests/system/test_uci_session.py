@@ -194,12 +194,22 @@ class Interruptions(Session):
                                 ("Threads value 2", "info string Threads set to 2"),
                                 ("Clear Hash", "Hash table cleared")]:
             for search in ["go infinite", "go ponder wtime 100 btime 100"]:
+                if option == "Clear Hash" and "ponder" in search:
+                    continue
                 with self.subTest(option=option, search=search):
                     self.send("position startpos", search, "setoption name " + option, "setoption name MultiPV value 1")
                     lines = self.engine.wait_for("info string MultiPV")
                     self.assertEqual(lines[-2:], [message, "info string MultiPV set to 1"])
                     self.assertTrue(lines[-3].startswith("bestmove"))
                     self.nothing_more()
+
+    def test_the_table_is_cleared_while_pondering(self):
+        self.send("position startpos", "go ponder wtime 100 btime 100", "setoption name Clear Hash")
+        lines = self.engine.wait_for("Hash table cleared")
+        self.assertFalse([line for line in lines if line.startswith("bestmove")])
+        self.send("ponderhit")
+        self.engine.wait_for("bestmove")
+        self.nothing_more()
 
     def test_other_options_leave_the_search_alone(self):
         self.send("position startpos", "go infinite", "setoption name Communication Overhead value 9",

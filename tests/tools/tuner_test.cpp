@@ -8,6 +8,7 @@
 #include "board/search_thread.h"
 #include "eval/eval_tables.h"
 #include "search/search.h"
+#include "search/search_control.h"
 #include "search/time_control.h"
 #include "support/playout.h"
 #include "tools/epd_analysis.h"
@@ -26,7 +27,7 @@ protected:
         std::string lines;
         for (const std::string& fen : RandomPositions(count, 21)) {
             SetPosition(GamePosition(), fen.c_str());
-            InitSearch();
+            InitSearch(STATE_IDLE);
             SearchIterations(1);
             char target[16];
             std::snprintf(target, sizeof target, "%0.5f", ExpectedResult(GetThread(1)->score));

@@ -17,12 +17,12 @@
 #include "interface/board_text.h"
 #include "interface/control/console_game.h"
 #include "interface/control/edit.h"
-#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
 #include "interface/words.h"
+#include "search/search_control.h"
 #include "search/selectivity.h"
 #include "search/time_control.h"
 #include "search/transposition.h"
@@ -64,15 +64,13 @@ Command Split(const char* line) {
 }
 
 void SetClocks(double seconds) {
-    PBlock.clock[WHITE] = seconds;
-    PBlock.clock[BLACK] = seconds;
+    SearchLimits limits = LimitsInForce();
+    limits.clock = {seconds, seconds};
+    SetLimits(limits);
 }
 
-// Games and positions
-// --------------------------------------------------------------------------------------------------
-
 void NewGame(const Command&) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), fen_opn);
     ShowBoard(*GamePosition());
     computer = 2;
@@ -80,27 +78,35 @@ void NewGame(const Command&) {
 }
 
 void SetFen(const Command& command) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), std::strlen(command.line) > 4 ? command.line + 4 : "");
     ShowBoard(*GamePosition());
 }
 
 void Edit(const Command&) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     EditBoard();
     ShowBoard(*GamePosition());
 }
 
-// Searches
-// -------------------------------------------------------------------------------------------------------------
+void Force(const Command&) {
+    StopSearch(STOP_COMMAND);
+    computer = 2;
+}
+
+void Quit(const Command&) {
+    StopSearch(STOP_COMMAND);
+    PBlock.quit = 1;
+}
 
 void Analyse(int depth) {
-    PBlock.level_moves = 1;
-    PBlock.level_time = ANALYSIS_TIME;
-    PBlock.max_depth = static_cast<int8_t>(depth);
+    SearchLimits limits = LimitsInForce();
+    limits.level_moves = 1;
+    limits.level_time = ANALYSIS_TIME;
+    limits.max_depth = depth;
     if (PBlock.use_hash <= 1)
         ClearTTable();
-    PBlock.request = STATE_ANALYSING;
+    RequestSearch(STATE_ANALYSING, limits);
 }
 
 void AnalyseToDepth(const Command& command) {
@@ -116,11 +122,11 @@ void AnalyseWithoutLimit(const Command&) {
 
 void Think(const Command&) {
     computer = GamePosition()->stm;
-    PBlock.request = STATE_THINKING;
+    RequestSearch(STATE_THINKING);
 }
 
 void PlaySelf(const Command&) {
-    PBlock.request = STATE_THINKING;
+    RequestSearch(STATE_THINKING);
     PBlock.ponder = 0;
     selfplay = 1;
 }
@@ -134,29 +140,35 @@ double ReadLevelTime(const char* text) {
 }
 
 void SetLevel(const Command& command) {
-    const double time = ReadLevelTime(command.Word(3));
-    PBlock.level_moves = static_cast<int8_t>(command.Integer(2, INT8_MIN, INT8_MAX));
-    PBlock.level_time = time;
-    PBlock.inc = command.Real(4);
-    SetClocks(time);
-    ShowFormatted("set level to %d moves in %0.2f seconds, inc %0.2f", PBlock.level_moves.Get(), time,
-                  PBlock.inc.Get());
+    SearchLimits limits = LimitsInForce();
+    limits.level_moves = command.Integer(2, INT8_MIN, INT8_MAX);
+    limits.level_time = ReadLevelTime(command.Word(3));
+    limits.inc = command.Real(4);
+    limits.clock = {limits.level_time, limits.level_time};
+    SetLimits(limits);
+    ShowFormatted("set level to %d moves in %0.2f seconds, inc %0.2f", limits.level_moves, limits.level_time,
+                  limits.inc);
 }
 
-void SetDepth(const Command& command) { PBlock.max_depth = static_cast<int8_t>(command.Integer(2, 0, MAX_DEPTH)); }
+void LimitDepth(int depth) {
+    SearchLimits limits = LimitsInForce();
+    limits.max_depth = depth;
+    SetLimits(limits);
+}
+
+void SetDepth(const Command& command) { LimitDepth(command.Integer(2, 0, MAX_DEPTH)); }
 
 void SetTime(const Command& command) {
+    SearchLimits limits = LimitsInForce();
     if (computer == WHITE || computer == BLACK)
-        PBlock.clock[static_cast<size_t>(computer)] = command.Real(2);
+        limits.clock[computer] = command.Real(2);
+    SetLimits(limits);
 }
-
-// Looking inside
-// -------------------------------------------------------------------------------------------------------
 
 void ShowSwaps(const Command&) {
     const Position& game = *GamePosition();
     for (int sq = 0; sq < 64; ++sq) {
-        const int code = game.board[static_cast<size_t>(sq)];
+        const int code = game.board[sq];
         if (code == 0)
             continue;
         const int swap = swapoff1(game, SideOf(code) ^ 1, NO_SQUARE, sq, Occupied(game));
@@ -183,7 +195,7 @@ private:
 void RunPerft(const Command& command) {
     SearchThread* game = GetThread(0);
     const MovesAhead ahead(&game->pos);
-    InitSearch();
+    InitSearch(STATE_IDLE);
     GetElapsedTime(0);
     Perft(game, game->pos.stm, 1, command.Integer(2, 0, DEEPEST_PERFT));
     GetElapsedTime(1);
@@ -197,9 +209,6 @@ void ShowBook(const Command&) {
     GetCandidates(GamePosition(), true);
     ShowMessage("");
 }
-
-// Parameters
-// -----------------------------------------------------------------------------------------------------------
 
 void SetSelectivity(const Command& command) {
     const char* name = command.Word(2);
@@ -221,27 +230,18 @@ void TuneOne(const Command& command) {
     if (*name == '\0' || *command.Word(3) == '\0')
         return;
     CopyText(&PBlock.epd_file, "tune.epd");
-    PBlock.max_depth = 0;
+    LimitDepth(0);
     PBlock.noise = SILENT;
     if (int16_t* weight = FindWeight(&Personality, name))
         PTune(name, weight, command.Integer(3, 0, INT16_MAX));
     ShowMessage("done!\n");
 }
 
-// Dispatch
-// -------------------------------------------------------------------------------------------------------------
-
-// What a command needs of a search that runs.
-enum Need : int {
-    AT_ONCE,     // nothing: it doesn't touch what the workers use
-    FREE,        // a free engine: it runs a search, or changes what workers and reports use
-    FREE_DEBUG,  // a free engine if the evaluation report takes the place of the board
-};
-
 struct Entry {
     const char* name;
     Need need;
     void (*run)(const Command&);
+    Need need_in_debug;  // while the evaluation report, which is a search, takes the place of the board
 };
 
 template <typename T>
@@ -249,65 +249,57 @@ void SetField(Relaxed<T>* field, const Command& command) {
     *field = static_cast<T>(command.Integer(2, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
+constexpr Entry Row(const char* name, Need need, void (*run)(const Command&)) { return {name, need, run, need}; }
+
 // In the order in which they are tested, up to the one that is matched as a part of the word.
 constexpr Entry commands[] = {
-    {"new", AT_ONCE, NewGame},
-    {"fen", AT_ONCE, SetFen},
-    {"force", AT_ONCE,
-     [](const Command&) {
-         PBlock.stop = STOP_COMMAND;
-         computer = 2;
-     }},
-    {"quit", AT_ONCE,
-     [](const Command&) {
-         PBlock.stop = STOP_COMMAND;
-         PBlock.quit = 1;
-     }},
-    {"go", FREE, AnalyseToDepth},
-    {"an", FREE, AnalyseWithoutLimit},
-    {".", AT_ONCE, [](const Command&) { PBlock.stop = STOP_COMMAND; }},
-    {"mv", FREE, Think},
-    {"bd", FREE_DEBUG, [](const Command&) { ShowGame(); }},
-    {"level", AT_ONCE, SetLevel},
-    {"depth", AT_ONCE, SetDepth},
-    {"sd", AT_ONCE, SetDepth},
-    {"time", AT_ONCE, SetTime},
-    {"ponder", AT_ONCE, [](const Command& command) { SetField(&PBlock.ponder, command); }},
-    {"self", FREE, PlaySelf},
-    {"get", FREE, [](const Command& command) { GetTestPosition(command.Word(2)); }},
-    {"noise", AT_ONCE, [](const Command& command) { PBlock.noise = command.Real(2); }},
-    {"hash", AT_ONCE, [](const Command& command) { SetField(&PBlock.use_hash, command); }},
-    {"tag", AT_ONCE, [](const Command&) { PBlock.tagged_key = GamePosition()->hash; }},
-    {"ev", FREE, [](const Command&) { ShowEvalInfo(); }},
-    {"trace", AT_ONCE, [](const Command& command) { SetTrace(command.Integer(2, INT16_MIN, INT16_MAX)); }},
-    {"lmr", AT_ONCE, [](const Command&) { DisplayLMR(); }},
-    {"debug", AT_ONCE, [](const Command& command) { SetField(&PBlock.debug, command); }},
+    Row("new", ENDS_SEARCH, NewGame),
+    Row("fen", ENDS_SEARCH, SetFen),
+    Row("force", ENDS_SEARCH, Force),
+    Row("quit", ENDS_PROGRAM, Quit),
+    Row("go", FREE_ENGINE, AnalyseToDepth),
+    Row("an", FREE_ENGINE, AnalyseWithoutLimit),
+    Row(".", AT_ONCE, [](const Command&) { StopSearch(STOP_COMMAND); }),
+    Row("mv", FREE_ENGINE, Think),
+    {"bd", BESIDE, [](const Command&) { ShowGame(); }, WHEN_OVER},
+    Row("level", NO_TOOL, SetLevel),
+    Row("depth", NO_TOOL, SetDepth),
+    Row("sd", NO_TOOL, SetDepth),
+    Row("time", NO_TOOL, SetTime),
+    Row("ponder", NO_TOOL, [](const Command& command) { SetField(&PBlock.ponder, command); }),
+    Row("self", FREE_ENGINE, PlaySelf),
+    Row("get", FREE_ENGINE, [](const Command& command) { GetTestPosition(command.Word(2)); }),
+    Row("noise", BESIDE, [](const Command& command) { PBlock.noise = command.Real(2); }),
+    Row("hash", NO_TOOL, [](const Command& command) { SetField(&PBlock.use_hash, command); }),
+    Row("tag", BESIDE, [](const Command&) { PBlock.tagged_key = GamePosition()->hash; }),
+    Row("ev", WHEN_OVER, [](const Command&) { ShowEvalInfo(); }),
+    Row("trace", BESIDE, [](const Command& command) { SetTrace(command.Integer(2, INT16_MIN, INT16_MAX)); }),
+    Row("lmr", BESIDE, [](const Command&) { DisplayLMR(); }),
+    Row("debug", BESIDE, [](const Command& command) { SetField(&PBlock.debug, command); }),
 };
+
+constexpr Entry several_lines =
+    Row("multipv", NO_TOOL, [](const Command& command) { SetField(&PBlock.multipv, command); });
 
 constexpr Entry later_commands[] = {
-    {"undo", FREE_DEBUG, [](const Command&) { UndoMove(); }},
-    {"[", FREE_DEBUG, [](const Command&) { UndoMove(); }},
-    {"]", FREE_DEBUG, [](const Command&) { RedoMove(); }},
-    {"load", AT_ONCE, [](const Command& command) { LoadGame(command.Word(2), command.Word(3)); }},
-    {"save", AT_ONCE, [](const Command&) { SaveGame(); }},
-    {"jump", AT_ONCE, [](const Command& command) { JumpToPly(command.Integer(2, 0, UNDO_RECORDS)); }},
-    {"edit", AT_ONCE, Edit},
-    {"book", FREE, ShowBook},
-    {"mkbook", FREE, [](const Command&) { CreateBook(); }},
-    {"set", FREE, SetSelectivity},
-    {"tune", FREE, TuneOne},
-    {"perft", FREE, RunPerft},
-    {"swap", AT_ONCE, ShowSwaps},
-    {"move", AT_ONCE, [](const Command& command) { PlayMoveText(command.Word(2)); }},
+    {"undo", ENDS_SEARCH, [](const Command&) { UndoMove(); }, FREE_ENGINE},
+    {"[", ENDS_SEARCH, [](const Command&) { UndoMove(); }, FREE_ENGINE},
+    {"]", ENDS_SEARCH, [](const Command&) { RedoMove(); }, FREE_ENGINE},
+    Row("load", ENDS_SEARCH, [](const Command& command) { LoadGame(command.Word(2), command.Word(3)); }),
+    Row("save", NO_TOOL, [](const Command&) { SaveGame(); }),
+    Row("jump", ENDS_SEARCH, [](const Command& command) { JumpToPly(command.Integer(2, 0, UNDO_RECORDS)); }),
+    Row("edit", ENDS_SEARCH, Edit),
+    Row("book", WHEN_OVER, ShowBook),
+    Row("mkbook", FREE_ENGINE, [](const Command&) { CreateBook(); }),
+    Row("set", WHEN_OVER, SetSelectivity),
+    Row("tune", FREE_ENGINE, TuneOne),
+    Row("perft", FREE_ENGINE, RunPerft),
+    Row("swap", BESIDE, ShowSwaps),
+    {"move", ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(2)); }, FREE_ENGINE},
 };
 
-bool NeedsFreeEngine(Need need) { return need == FREE || (need == FREE_DEBUG && PBlock.debug); }
-
-void Run(const Entry& entry, const Command& command) {
-    if (NeedsFreeEngine(entry.need) && MustWait())
-        return;
-    entry.run(command);
-}
+constexpr Entry any_other = {"", ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
+                             FREE_ENGINE};
 
 template <size_t N>
 const Entry* Find(const Entry (&table)[N], const std::string& word) {
@@ -317,23 +309,26 @@ const Entry* Find(const Entry (&table)[N], const std::string& word) {
     return nullptr;
 }
 
-constexpr Entry any_other = {"", AT_ONCE, [](const Command& command) { PlayMoveText(command.Word(1)); }};
+const Entry& EntryOf(const std::string& word) {
+    if (const Entry* entry = Find(commands, word))
+        return *entry;
+    if (word.find(several_lines.name) != std::string::npos)
+        return several_lines;
+    const Entry* later = Find(later_commands, word);
+    return later != nullptr ? *later : any_other;
+}
 
 }  // namespace
 
+Need ConsoleNeed(const char* line) {
+    const Entry& entry = EntryOf(Split(line).words[0]);
+    return PBlock.debug ? entry.need_in_debug : entry.need;
+}
+
 void ConsoleCommand(const char* line) {
     const Command command = Split(line);
-    const std::string& word = command.words[0];
-    if (word.empty())
-        return;
-    if (const Entry* entry = Find(commands, word))
-        Run(*entry, command);
-    else if (word.find("multipv") != std::string::npos)
-        SetField(&PBlock.multipv, command);
-    else if (const Entry* later = Find(later_commands, word))
-        Run(*later, command);
-    else
-        Run(any_other, command);
+    if (!command.words[0].empty())
+        EntryOf(command.words[0]).run(command);
 }
 
 }  // namespace vrel

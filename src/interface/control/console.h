@@ -1,9 +1,12 @@
 #pragma once
 
+#include "interface/control/input.h"
+
+// The console language, line by line.
 namespace vrel {
 
-// Handles one line of the console language. A line that needs a free engine while a search runs ends that search and
-// is held back.
+Need ConsoleNeed(const char* line);
+
 void ConsoleCommand(const char* line);
 
 }  // namespace vrel

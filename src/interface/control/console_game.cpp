@@ -12,16 +12,12 @@
 #include "board/search_thread.h"
 #include "eval/eval_report.h"
 #include "interface/board_text.h"
-#include "interface/control/requests.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
-#include "platform/clock.h"
 #include "platform/file.h"
-#include "search/search.h"
-#include "search/thread_pool.h"
-#include "search/time_control.h"
+#include "search/search_control.h"
 #include "search/transposition.h"
 
 namespace vrel {
@@ -172,12 +168,7 @@ void ReadGame(File* in, Position* game, int wanted) {
 }  // namespace
 
 void ShowEvalInfo() {
-    PBlock.report = EvalReport{};
-    const int8_t max_depth = PBlock.max_depth;
-    PBlock.max_depth = 0;
-    InitSearch();
-    SearchIterations(1);
-    PBlock.max_depth = max_depth;
+    SearchAtDepthZero();
     const SearchThread& worker = *GetThread(1);
     ShowMessage(EvalReportText(*GamePosition(), PBlock.report, worker.root_eval, worker.score).c_str());
 }
@@ -195,18 +186,14 @@ void PlayMoveText(const char* text) {
     Move move = NO_MOVE;
     if (!IsValidMove(buffer.data(), &move))
         return;
-    if (PBlock.debug && MustWait())
-        return;
-    PBlock.stop = STOP_COMMAND;
-    while (!WorkersIdle())
-        SleepMilliseconds(1);
+    StopSearchAndWait();
     ShowFormatted("%d. move %s", game->game_ply / 2 + 1, buffer.data());
     PlayGameMove(game, move);
     ShowGame();
 }
 
 void UndoMove() {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
     if (game->game_ply == 0)
         return;
@@ -215,7 +202,7 @@ void UndoMove() {
 }
 
 void RedoMove() {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
     const Move move = game->undo[game->game_ply].move;
     if (!MoveIsPossible(game, move))
@@ -227,7 +214,7 @@ void RedoMove() {
 }
 
 void JumpToPly(int ply) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
     TakeBackAll(game);
     while (game->game_ply < ply && MoveIsPossible(game, game->undo[game->game_ply].move))
@@ -236,7 +223,7 @@ void JumpToPly(int ply) {
 }
 
 void GetTestPosition(const char* identifier) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     const std::string sought = std::string("id \"") + identifier + "\"";
     std::array<char, TEXT_LINE> line{};
     bool found = false;
@@ -255,7 +242,7 @@ void GetTestPosition(const char* identifier) {
 }
 
 void LoadGame(const char* file, const char* which) {
-    PBlock.stop = STOP_COMMAND;
+    StopSearch(STOP_COMMAND);
     ShowFormatted("loading %s, tag %s\n", file, which);
     Position* game = GamePosition();
     if (File in(file, "r"); in) {
@@ -264,8 +251,9 @@ void LoadGame(const char* file, const char* which) {
         game->undo[game->game_ply].move = NO_MOVE;
         ShowBoard(*game);
     }
-    PBlock.clock[WHITE] = PBlock.level_time.Get();
-    PBlock.clock[BLACK] = PBlock.level_time.Get();
+    SearchLimits limits = LimitsInForce();
+    limits.clock = {limits.level_time, limits.level_time};
+    SetLimits(limits);
 }
 
 void SaveGame() {

@@ -2,187 +2,243 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstring>
+#include <deque>
 #include <string>
 #include <utility>
 
 #include "interface/control/console.h"
-#include "interface/control/requests.h"
 #include "interface/control/uci.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
 #include "platform/standard_input.h"
+#include "search/search_control.h"
+#include "search/thread_pool.h"
 
 namespace vrel {
 
 namespace {
 
 constexpr size_t LONGEST_LINE = 65536;
-constexpr size_t QUEUE = 2 * LONGEST_LINE;
+constexpr size_t QUEUE = 2 * LONGEST_LINE;  // bytes taken in ahead of their turn; more stays in the pipe
 
-// Bytes that have arrived and not been handled yet. What has no room stays in the pipe.
-std::array<char, QUEUE> inbuf;
-size_t used = 0;
-size_t searched = 0;    // so many bytes of them hold no line end
-bool ended = false;     // no more bytes will come
-bool too_long = false;  // the rest of an overlong line is being read over
+struct Line {
+    std::string text;
+    bool too_long = false;  // stands for a line longer than can be handled, which is refused whole
+    bool tried = false;     // it has been shown, and waits
+};
 
-// A line that has been taken from the queue and waits for a free engine; it goes before all others.
-std::string held_line;
-bool held = false;
-
-int dispatching = 0;  // lines in work: a tool started by one may ask for input itself
+// The state of the input, the main thread's alone.
+std::deque<Line> lines;     // in order of arrival
+std::string beginning;      // of a line whose end hasn't come
+bool passing_over = false;  // the rest of an overlong line
+size_t bytes = 0;           // in `lines`
+bool ended = false;         // no more bytes will come
+size_t seen_by_tool = 0;    // so many of the first lines wait for a tool to end
+int ready_owed = 0;
 
 bool EndsLine(char c) { return c == '\n' || c == '\0' || c == '@'; }
 
-void TakeIn(int received) {
-    if (received == INPUT_ENDED)
-        ended = true;
-    else
-        used += static_cast<size_t>(received);
+void Enqueue(Line line) {
+    bytes += line.text.size() + 1;
+    lines.push_back(std::move(line));
 }
+
+// The characters up to a line end of any kind; a line without a character is none.
+void FinishLine() {
+    if (!beginning.empty()) {
+        beginning.resize(std::min(beginning.find_first_of("\r\n"), beginning.size()));
+        Enqueue({std::exchange(beginning, {})});
+    }
+    passing_over = false;
+}
+
+void TakeIn(const char* text, size_t size) {
+    for (const char* end = text + size; text != end;) {
+        const char* stop = std::find_if(text, end, EndsLine);
+        if (!passing_over)
+            beginning.append(text, stop);
+        if (beginning.size() > LONGEST_LINE) {
+            Enqueue({{}, true});
+            beginning.clear();
+            passing_over = true;
+        }
+        if (stop == end)
+            return;
+        FinishLine();
+        text = stop + 1;
+    }
+}
+
+bool HasRoom() { return bytes + beginning.size() < QUEUE; }
 
 void ReadInputChunk(bool wait) {
-    if (ended || used == QUEUE)
+    static std::array<char, 16384> chunk;
+    if (ended || !HasRoom())
         return;
-    char* free = inbuf.data() + used;
-    const int room = static_cast<int>(QUEUE - used);
-    TakeIn(wait ? WaitForInput(free, room) : ReadInput(free, room));
+    const int room = static_cast<int>(chunk.size());
+    const int received = wait ? WaitForInput(chunk.data(), room) : ReadInput(chunk.data(), room);
+    ended = received == INPUT_ENDED;
+    if (received > 0)
+        TakeIn(chunk.data(), static_cast<size_t>(received));
+    // The last line before the end needs no end.
+    if (ended)
+        FinishLine();
 }
 
-void DropBytes(size_t count) {
-    std::memmove(inbuf.data(), inbuf.data() + count, used - count);
-    used -= count;
-    searched = 0;
+Line TakeOut(size_t place) {
+    Line line = std::move(lines[place]);
+    lines.erase(lines.begin() + static_cast<ptrdiff_t>(place));
+    bytes -= line.text.size() + 1;
+    seen_by_tool = std::min(seen_by_tool, place);
+    return line;
 }
 
-// Ends of lines without a character.
-void DropEmptyLines() {
-    const char* first = std::find_if_not(inbuf.data(), inbuf.data() + used, EndsLine);
-    const auto count = static_cast<size_t>(first - inbuf.data());
-    if (count > 0)
-        DropBytes(count);
+bool IsForUci(const std::string& text) { return PBlock.mode == MODE_UCI || text == "uci"; }
+
+Need NeedOf(const Line& line) {
+    if (line.text.empty())
+        return BESIDE;
+    return IsForUci(line.text) ? UciNeed(line.text.c_str()) : ConsoleNeed(line.text.c_str());
 }
 
-// Length of the first line without its end, or `used` if its end hasn't come.
-size_t FirstLineLength() {
-    const char* end = std::find_if(inbuf.data() + searched, inbuf.data() + used, EndsLine);
-    searched = static_cast<size_t>(end - inbuf.data());
-    return searched;
+// The first time that it is its turn, a line is shown, if lines are.
+void Try(Line* line) {
+    if (!line->tried && !line->text.empty() && IsForUci(line->text))
+        EchoUciLine(line->text.c_str());
+    line->tried = true;
 }
 
-// A line longer than can be handled is refused whole.
-bool RefusedOverlong(size_t length) {
-    const bool complete = length < used;
-    if (!too_long && length > LONGEST_LINE) {
+void Handle(size_t place) {
+    Try(&lines[place]);
+    const Line line = TakeOut(place);
+    if (line.too_long)
         ShowFormatted("info string line of more than %d characters refused", static_cast<int>(LONGEST_LINE));
-        too_long = true;
-    }
-    if (!too_long)
-        return false;
-    DropBytes(complete ? length + 1 : used);
-    too_long = !complete && !ended;
-    return true;
-}
-
-// Finds the first line of the queue, cut at its first line end of any kind, and how many bytes it takes there. The last
-// line before the end of the input needs no end.
-bool FindLine(std::string* line, size_t* length) {
-    if (!too_long)
-        DropEmptyLines();
-    const size_t n = FirstLineLength();
-    if (RefusedOverlong(n))
-        return false;
-    if (n == used && !(ended && n > 0))
-        return false;
-    line->assign(inbuf.data(), n);
-    line->resize(std::min(line->find_first_of("\r\n"), n));
-    *length = std::min(n + 1, used);
-    return true;
-}
-
-// The line that is next in turn, taken out of the queue.
-bool NextLine(std::string* line) {
-    if (held) {
-        held = false;
-        *line = std::move(held_line);
-        return true;
-    }
-    size_t length = 0;
-    if (!FindLine(line, &length))
-        return false;
-    DropBytes(length);
-    return true;
-}
-
-// `again` if the line was held back before.
-void Dispatch(const std::string& line, bool again) {
-    if (line.empty())
+    else if (line.text.empty())
         return;
-    if (PBlock.mode == MODE_UCI || line == "uci")
-        UciCommand(line.c_str(), !again);
+    else if (IsForUci(line.text))
+        UciCommand(line.text.c_str());
     else
-        ConsoleCommand(line.c_str());
+        ConsoleCommand(line.text.c_str());
+}
+
+// True if a line may be handled now; else what is in its way has been asked to go.
+bool MakeWay(Need need) {
+    switch (need) {
+        case WHEN_OVER:
+            return EngineIsFree();
+        case IDLE_WORKERS:
+            if (!WorkersIdle())
+                StopSearch(STOP_COMMAND);
+            return WorkersIdle();
+        case FREE_ENGINE:
+            if (!EngineIsFree())
+                EndRunningSearch();
+            return EngineIsFree();
+        default:
+            return true;
+    }
+}
+
+// The first line waits for a search to be over: those behind it that may act at once do, and one that would end the
+// search if it came first ends it now.
+void LookBehindFirst() {
+    for (size_t i = 1; i < lines.size();) {
+        const Need need = NeedOf(lines[i]);
+        if (need == AT_ONCE) {
+            Handle(i);
+        } else if (need != BESIDE && need != NO_TOOL && need != WHEN_OVER) {
+            EndRunningSearch();
+            return;
+        } else {
+            ++i;
+        }
+    }
 }
 
 }  // namespace
 
 void UserInput() {
-    // A tool may be run by a line that another tool has read, but not deeper.
-    if (dispatching == 2)
-        return;
     ReadInputChunk(false);
     PayReadyOk();
-    const bool again = held;
-    std::string line;
-    if (!NextLine(&line))
+    if (lines.empty())
         return;
-    // Nobody brings a line of a tool within a command again.
-    const bool may_wait = LetLinesWait(false);
-    LetLinesWait(may_wait && dispatching == 0);
-    ++dispatching;
-    Dispatch(line, again);
-    --dispatching;
-    LetLinesWait(may_wait);
-    if (LineWasHeld()) {
-        held_line = std::move(line);
-        held = true;
-    }
+    Try(&lines.front());
+    const Need need = NeedOf(lines.front());
+    if (MakeWay(need))
+        Handle(0);
+    else if (need == WHEN_OVER)
+        LookBehindFirst();
 }
 
-bool InputIsOver() { return ended && used == 0 && !held; }
+void PollInputForTool() {
+    ReadInputChunk(false);
+    PayReadyOk();
+    while (seen_by_tool < lines.size() && !PBlock.quit) {
+        const size_t place = seen_by_tool;
+        const Need need = NeedOf(lines[place]);
+        if (need == AT_ONCE || need == ENDS_PROGRAM || (need == BESIDE && place == 0))
+            Handle(place);
+        else
+            ++seen_by_tool;
+    }
+    // Whoever ends the input at a terminal is done with the tool; behind a pipe the tool works on.
+    if (ended && InputIsTerminal())
+        PBlock.quit = 1;
+}
 
-bool LineIsWaiting() { return held || FirstLineLength() < used || (ended && used > 0); }
+bool InputIsOver() { return ended && (lines.empty() || (LineIsHeld() && NeedOf(lines.front()) == WHEN_OVER)); }
 
-bool LineIsHeld() { return held; }
+bool LineIsWaiting() { return !lines.empty(); }
+
+bool LineIsHeld() { return !lines.empty() && lines.front().tried; }
+
+void OweReadyOk() {
+    ++ready_owed;
+    PayReadyOk();
+}
+
+void PayReadyOk() {
+    if (!WorkersIdle())
+        return;
+    for (; ready_owed > 0; --ready_owed)
+        ShowMessage("readyok");
+}
 
 void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
 
 void SleepForInput(int microseconds) {
     // With a whole line at hand, or no room, what arrives changes nothing.
-    if (ended || used == QUEUE || LineIsWaiting())
+    if (ended || !HasRoom() || LineIsWaiting())
         SleepMicroseconds(microseconds);
     else
         SleepUntilInput(microseconds);
 }
 
 bool ReadDialogueLine(char* line, int size) {
-    std::string text;
-    size_t length = 0;
-    while (!FindLine(&text, &length)) {
-        if (InputIsOver() || PBlock.quit)
+    assert(size > 1);
+    while (lines.empty() || lines.front().too_long) {
+        if (!lines.empty())
+            Handle(0);
+        else if (ended || PBlock.quit)
             return false;
-        ReadInputChunk(true);
+        else
+            ReadInputChunk(true);
     }
     // As much as fits; the rest is the next line.
-    const auto room = static_cast<size_t>(size - 1);
-    const bool whole = text.size() <= room;
-    const size_t taken = whole ? text.size() : room;
+    std::string& text = lines.front().text;
+    const size_t taken = std::min(text.size(), static_cast<size_t>(size - 1));
     std::memcpy(line, text.data(), taken);
     line[taken] = '\0';
-    DropBytes(whole ? length : taken);
+    if (taken == text.size()) {
+        TakeOut(0);
+    } else {
+        text.erase(0, taken);
+        bytes -= taken;
+    }
     return true;
 }
 

@@ -1,12 +1,7 @@
 #include <cstdlib>
 
-#include "board/bitboards.h"
-#include "board/fen.h"
 #include "board/search_thread.h"
 #include "book/book_lookup.h"
-#include "eval/eval_tables.h"
-#include "eval/kpk.h"
-#include "eval/personality.h"
 #include "interface/board_text.h"
 #include "interface/control/command_line.h"
 #include "interface/control/game_loop.h"
@@ -16,8 +11,8 @@
 #include "platform/clock.h"
 #include "platform/standard_output.h"
 #include "search/search_control.h"
+#include "search/start_up.h"
 #include "search/thread_pool.h"
-#include "search/transposition.h"
 #include "tools/epd_analysis.h"
 #include "tools/match.h"
 #include "tools/pgn_scan.h"
@@ -29,24 +24,17 @@ namespace {
 
 constexpr double TOOL_NOISE = 1000.0;  // seconds that a batch search must take before it shows lines
 
-// Builds every table and starts the pool, in an order that each step relies on. False if the program can't run.
+// Starts everything but the tool or the game. False if the program can't run.
 bool StartUp(int argc, char** argv, CommandLine* line) {
-    poll_input = UserInput;
+    poll_input = PollInputForTool;
     OccupyStandardStreams();
     IgnoreBrokenPipe();
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone
     OpenLog();
-    if (InitNewThread(0) != 0)
-        return false;
-    InitializeBitboards();
-    KPKgen();
-    SetDefaults();
-    InitPersonality();
-    *line = ReadCommandLine(argc, argv);
-    if (InitTTable() != 0)
+    if (!StartEngine([&] { *line = ReadCommandLine(argc, argv); }))
         return false;
     InitBook();
-    return InitLocks() == 0 && CreateThreadPool(PBlock.nthreads) == 0;
+    return CreateThreadPool(PBlock.nthreads) == 0;
 }
 
 // Runs the first tool that was asked for. False if there is none.
@@ -69,8 +57,6 @@ bool RunTool(const CommandLine& line) {
 }
 
 void Play() {
-    InitEval();
-    SetPosition(GamePosition(), fen_opn);
     if (PBlock.mode == MODE_CONSOLE)
         ShowBoard(*GamePosition());
     RunGameLoop();
@@ -80,9 +66,7 @@ void Play() {
 void ShutDown() {
     KillBook();
     KillThreadPool(PBlock.nthreads);
-    DestroyLocks();
-    KillTTable();
-    FreeThreads();
+    EndEngine();
     CloseLog();
 }
 

@@ -1,19 +1,19 @@
 #include "interface/control/uci.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "board/fen.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
-#include "interface/control/requests.h"
+#include "interface/control/options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
 #include "interface/words.h"
-#include "search/thread_pool.h"
+#include "search/search_control.h"
 #include "search/transposition.h"
 
 namespace vrel {
@@ -26,118 +26,72 @@ constexpr double NO_TIME_LIMIT = 10000000.0;       // seconds
 void Introduce() {
     ShowFormatted("id name %s", version);
     ShowMessage("id author Orin Tavelk");
-    ShowMessage("option name Hash type spin default 64 min 0 max 8192");
-    ShowMessage("option name Threads type spin default 1 min 1 max 64");
-    ShowMessage("option name Ponder type check default true");
-    ShowMessage("option name MultiPV type spin default 1 min 1 max 20");
-    ShowMessage("option name Clear Hash type button");
-    ShowMessage("option name Communication Overhead type spin default 25 min 0 max 5000");
-    ShowMessage("option name OwnBook type check default false");
-    ShowMessage("option name Log type check default false");
+    DeclareOptions();
     PBlock.log = 0;
     PBlock.use_book = 0;
+    selfplay = 0;
     ShowMessage("uciok");
     PBlock.mode = MODE_UCI;
 }
 
-// Options ------------------------------------------------------------------------------------------------------------
-
-const char* SkipBlanks(const char* text) {
-    while (*text == ' ')
-        ++text;
-    return text;
-}
+const char* SkipBlanks(const char* text) { return text + std::strspn(text, " "); }
 
 std::string WithoutTrailingBlanks(std::string text) {
     text.resize(text.find_last_not_of(' ') + 1);
     return text;
 }
 
-void SetHashSize(const char* value) {
-    PBlock.hash_mb = static_cast<int16_t>(ReadInteger(value, 0, 8192));
-    if (InitTTable() != 0)
-        std::_Exit(-1);
-    ShowFormatted("info string Hash size set to %dM bytes", PBlock.hash_mb.Get());
+// The command word, and what follows it and one separator.
+struct Command {
+    std::string word;
+    const char* rest;
+};
+
+Command Split(const char* line) {
+    // `position` may be followed by a tab.
+    constexpr const char* position = "position\t";
+    if (std::strncmp(line, position, std::strlen(position)) == 0)
+        return {"position", line + std::strlen(position)};
+    const std::string word = GetWord(line);
+    const char* rest = SkipBlanks(line) + word.size();
+    return {word, *rest != '\0' ? rest + 1 : rest};
 }
 
-void SetThreads(const char* value) {
-    const int n = ReadInteger(value, 1, MAX_THREADS);
-    if (n != PBlock.nthreads) {
-        KillThreadPool(PBlock.nthreads);
-        PBlock.nthreads = static_cast<int8_t>(n);
-        if (CreateThreadPool(n) != 0)
-            std::_Exit(-1);
-    }
-    ShowFormatted("info string Threads set to %d", n);
-}
+// An option and the text of its value. "name" and "value" are looked for anywhere; inner blanks belong to a name.
+struct OptionChange {
+    const UciOption* option;  // null if no option is named
+    std::string value;
+};
 
-void SetOption(const std::string& name, const char* value) {
-    const bool on = std::strcmp(value, "true") == 0;
-    if (name == "Hash") {
-        if (!MustWait())
-            SetHashSize(value);
-    } else if (name == "Threads") {
-        if (!MustWait())
-            SetThreads(value);
-    } else if (name == "Communication Overhead") {
-        const int overhead = ReadInteger(value, 0, 5000);
-        PBlock.overhead = overhead / 1000.0;
-        ShowFormatted("info string Communication Overhead set to %d", overhead);
-    } else if (name == "Ponder") {
-        PBlock.ponder = on;
-    } else if (name == "MultiPV") {
-        PBlock.multipv = static_cast<int16_t>(ReadInteger(value, 1, 20));
-        ShowFormatted("info string MultiPV set to %d", PBlock.multipv.Get());
-    } else if (name == "OwnBook") {
-        PBlock.use_book = on;
-        ShowFormatted("info string OwnBook set to %d", on);
-    } else if (name == "Log") {
-        PBlock.log = std::strstr(value, "true") != nullptr;
-        ShowFormatted("info string Log set to %d", PBlock.log.Get());
-    }
-}
-
-void ClearHash() {
-    if (!PBlock.use_hash || MustWait())
-        return;
-    ClearTTable();
-    ShowMessage("Hash table cleared");
-}
-
-// "name" and "value" are looked for anywhere; inner blanks belong to a name.
-void SetOptionLine(const char* rest) {
+OptionChange ReadOptionLine(const char* rest) {
     const char* name = std::strstr(rest, "name");
     const char* value = std::strstr(rest, "value");
-    if (name == nullptr)
-        return;
+    if (name == nullptr || (value != nullptr && value < name))
+        return {nullptr, ""};
     const char* name_text = SkipBlanks(name + 4);
+    // Without a value only a button can be meant.
     if (value == nullptr) {
-        if (WithoutTrailingBlanks(name_text) == "Clear Hash")
-            ClearHash();
-        return;
+        const UciOption* option = FindOption(WithoutTrailingBlanks(name_text));
+        return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
     }
-    if (value < name)
-        return;
-    const char* name_end = value < name_text ? name_text : value;
-    const std::string option = WithoutTrailingBlanks(std::string(name_text, name_end));
-    if (option == "Clear Hash")
-        ClearHash();
-    else
-        SetOption(option, GetWord(value + 5));
+    const char* name_end = std::max(value, name_text);
+    return {FindOption(WithoutTrailingBlanks(std::string(name_text, name_end))), GetWord(value + 5)};
 }
 
-// Games --------------------------------------------------------------------------------------------------------------
+void ChangeOption(const char* rest) {
+    const OptionChange change = ReadOptionLine(rest);
+    if (change.option != nullptr)
+        SetOption(*change.option, ReadOption(*change.option, change.value.c_str()));
+}
 
 void NewGame() {
-    // The table may be cleared once the workers are idle; a pondering search keeps its result for later.
-    if (MustWaitForWorkers())
-        return;
-    PBlock.stop = STOP_COMMAND;
-    PBlock.level_moves = 0;
-    PBlock.level_time = 60.0;
-    PBlock.clock[WHITE] = 60.0;
-    PBlock.clock[BLACK] = 60.0;
-    PBlock.inc = 0.0;
+    StopSearch(STOP_COMMAND);
+    SearchLimits limits = LimitsInForce();
+    limits.level_moves = 0;
+    limits.level_time = 60.0;
+    limits.clock = {60.0, 60.0};
+    limits.inc = 0.0;
+    SetLimits(limits);
     GamePosition()->game_ply = 0;
     if (PBlock.use_hash)
         ClearTTable();
@@ -192,6 +146,7 @@ void PlayMoves(Position* game, const char* text) {
 }
 
 void SetGame(const char* rest) {
+    rest += std::strspn(rest, " \t");
     const char* moves = std::strstr(rest, "moves");
     const auto length = moves == nullptr ? std::strlen(rest) : static_cast<size_t>(moves - rest);
     const std::string text(rest, moves != nullptr && length > 0 ? length - 1 : length);
@@ -199,7 +154,7 @@ void SetGame(const char* rest) {
     if (text.find("startpos") != std::string::npos)
         SetPosition(game, fen_opn);
     else if (text.find("fen") != std::string::npos)
-        SetPosition(game, text.size() > 4 ? text.c_str() + 4 : "");
+        SetPosition(game, text.size() > 4 ? text.c_str() + 4 + std::strspn(text.c_str() + 4, " \t") : "");
     else
         return;
     if (moves != nullptr)
@@ -207,104 +162,122 @@ void SetGame(const char* rest) {
     game->undo[game->game_ply].move = NO_MOVE;
 }
 
-// Searches -----------------------------------------------------------------------------------------------------------
-
 double Seconds(const char* milliseconds) {
     return static_cast<double>(ReadLongInteger(milliseconds, 0, LONGEST_TIME)) / 1000;
 }
 
-void LimitToTime(double seconds) {
-    PBlock.level_moves = 1;
-    PBlock.level_time = seconds;
+void LimitToTime(SearchLimits* limits, double seconds) {
+    limits->level_moves = 1;
+    limits->level_time = seconds;
 }
 
-// The tokens are looked for in a fixed order, so that a later one wins over an earlier one.
-void SetLimits(const char* rest, int side) {
+// The tokens are looked for in a fixed order, so that a later one wins over an earlier one. What none names stays.
+SearchLimits ReadLimits(const char* rest, int side) {
     const auto value_of = [rest](const char* token) -> const char* {
         const char* found = std::strstr(rest, token);
         return found == nullptr ? nullptr : GetWord(found + std::strlen(token));
     };
+    SearchLimits limits = LimitsInForce();
+    limits.level_moves = 0;
     if (const char* value = value_of("wtime"))
-        PBlock.clock[WHITE] = Seconds(value);
+        limits.clock[WHITE] = Seconds(value);
     if (const char* value = value_of("btime"))
-        PBlock.clock[BLACK] = Seconds(value);
+        limits.clock[BLACK] = Seconds(value);
     if (const char* value = value_of("winc"); value && side == WHITE)
-        PBlock.inc = Seconds(value);
+        limits.inc = Seconds(value);
     if (const char* value = value_of("binc"); value && side == BLACK)
-        PBlock.inc = Seconds(value);
+        limits.inc = Seconds(value);
     if (const char* value = value_of("movestogo")) {
-        PBlock.level_moves = 40;
-        PBlock.moves_to_go = static_cast<int16_t>(ReadInteger(value, 0, INT16_MAX));
-        PBlock.max_depth = MAX_DEPTH;
-        PBlock.max_nodes = 0;
+        limits.level_moves = 40;
+        limits.moves_to_go = ReadInteger(value, 0, INT16_MAX);
+        limits.max_depth = MAX_DEPTH;
+        limits.max_nodes = 0;
     }
     if (const char* value = value_of("depth")) {
-        LimitToTime(600.0);
-        PBlock.max_depth = static_cast<int8_t>(ReadInteger(value, 0, MAX_DEPTH));
+        LimitToTime(&limits, 600.0);
+        limits.max_depth = ReadInteger(value, 0, MAX_DEPTH);
     }
     if (const char* value = value_of("nodes")) {
-        LimitToTime(NO_TIME_LIMIT);
-        PBlock.max_nodes = ReadLongInteger(value, 0, INT64_MAX);
+        LimitToTime(&limits, NO_TIME_LIMIT);
+        limits.max_nodes = ReadLongInteger(value, 0, INT64_MAX);
     }
     if (const char* value = value_of("movetime")) {
-        LimitToTime(Seconds(value));
-        PBlock.inc = 0.0;
+        LimitToTime(&limits, Seconds(value));
+        limits.inc = 0.0;
     }
     if (std::strstr(rest, "infinite")) {
-        LimitToTime(NO_TIME_LIMIT);
-        PBlock.inc = 0.0;
-        PBlock.max_depth = MAX_DEPTH;
-        PBlock.max_nodes = 0;
+        LimitToTime(&limits, NO_TIME_LIMIT);
+        limits.inc = 0.0;
+        limits.max_depth = MAX_DEPTH;
+        limits.max_nodes = 0;
     }
+    return limits;
 }
 
 void Go(const char* rest) {
     const int side = GamePosition()->stm;
-    PBlock.stop = STOP_COMMAND;
-    PBlock.level_moves = 0;
+    StopSearch(STOP_COMMAND);
     computer = side;
-    PBlock.request = std::strstr(rest, "ponder") ? STATE_PONDERING : STATE_THINKING;
-    SetLimits(rest, side);
+    RequestSearch(std::strstr(rest, "ponder") ? STATE_PONDERING : STATE_THINKING, ReadLimits(rest, side));
 }
 
 void Stop() {
-    PBlock.stop = STOP_TIME;
     computer = 2;
-    PBlock.state = STATE_THINKING;
+    StopAndReport();
+}
+
+void Quit() {
+    StopSearch(STOP_COMMAND);
+    PBlock.quit = 1;
+}
+
+struct Entry {
+    const char* word;
+    Need need;
+    void (*run)(const char* rest);
+};
+
+constexpr Entry commands[] = {
+    {"uci", BESIDE, [](const char*) { Introduce(); }},
+    {"isready", AT_ONCE, [](const char*) { OweReadyOk(); }},
+    {"setoption", BESIDE, ChangeOption},  // what the option needs
+    {"ucinewgame", IDLE_WORKERS, [](const char*) { NewGame(); }},
+    {"position", NO_TOOL, SetGame},
+    {"go", NO_TOOL, Go},
+    {"ponderhit", AT_ONCE, [](const char*) { PonderHit(); }},
+    {"stop", AT_ONCE, [](const char*) { Stop(); }},
+    {"quit", ENDS_PROGRAM, [](const char*) { Quit(); }},
+};
+
+const Entry* Find(const std::string& word) {
+    for (const Entry& entry : commands)
+        if (word == entry.word)
+            return &entry;
+    return nullptr;
 }
 
 }  // namespace
 
-void UciCommand(const char* line, bool echo) {
-    if (*line == '\0')
-        return;
-    if (echo && PBlock.log)
+Need UciNeed(const char* line) {
+    const Command command = Split(line);
+    const Entry* entry = Find(command.word);
+    if (entry == nullptr)
+        return BESIDE;
+    if (entry->run != ChangeOption)
+        return entry->need;
+    const OptionChange change = ReadOptionLine(command.rest);
+    return change.option != nullptr ? change.option->need() : BESIDE;
+}
+
+void EchoUciLine(const char* line) {
+    if (PBlock.log)
         ShowFormatted("CMD: %s", line);
-    const std::string word = GetWord(line);
-    const char* rest = SkipBlanks(line) + word.size();
-    if (*rest != '\0')
-        ++rest;
-    if (word == "uci") {
-        Introduce();
-    } else if (word == "isready") {
-        OweReadyOk();
-    } else if (word == "setoption") {
-        SetOptionLine(rest);
-    } else if (word == "ucinewgame") {
-        NewGame();
-    } else if (word == "position") {
-        SetGame(rest);
-    } else if (word == "go") {
-        Go(rest);
-    } else if (word == "ponderhit") {
-        if (PBlock.state == STATE_PONDERING)
-            PBlock.state = STATE_THINKING;
-    } else if (word == "stop") {
-        Stop();
-    } else if (word == "quit") {
-        PBlock.stop = STOP_COMMAND;
-        PBlock.quit = 1;
-    }
+}
+
+void UciCommand(const char* line) {
+    const Command command = Split(line);
+    if (const Entry* entry = Find(command.word))
+        entry->run(command.rest);
 }
 
 }  // namespace vrel

@@ -1,9 +1,16 @@
 #pragma once
 
+#include "interface/control/input.h"
+
+// The Universal Chess Interface, line by line. No line starts a search itself: the game loop does, when it has been
+// asked.
 namespace vrel {
 
-// Handles one line of the Universal Chess Interface. It starts no search itself but sets PBlock.request. `echo` shows
-// the line first while the log is on; a line that was held back has been shown already.
-void UciCommand(const char* line, bool echo);
+Need UciNeed(const char* line);
+
+// Shows a line that has come in, while the log is on.
+void EchoUciLine(const char* line);
+
+void UciCommand(const char* line);
 
 }  // namespace vrel

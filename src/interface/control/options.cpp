@@ -1,0 +1,99 @@
+#include "interface/control/options.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "board/search_thread.h"
+#include "interface/messages.h"
+#include "interface/numbers.h"
+#include "interface/pblock.h"
+#include "search/thread_pool.h"
+#include "search/transposition.h"
+
+namespace vrel {
+
+namespace {
+
+void SetHashSize(int megabytes) {
+    PBlock.hash_mb = static_cast<int16_t>(megabytes);
+    if (InitTTable() != 0)
+        std::_Exit(-1);
+}
+
+void SetThreads(int number) {
+    if (number == PBlock.nthreads)
+        return;
+    KillThreadPool(PBlock.nthreads);
+    PBlock.nthreads = static_cast<int8_t>(number);
+    if (CreateThreadPool(number) != 0)
+        std::_Exit(-1);
+}
+
+void ClearHash(int) {
+    if (!PBlock.use_hash)
+        return;
+    ClearTTable();
+    ShowMessage("Hash table cleared");
+}
+
+// A pondering search keeps what it has found for its report.
+Need NeedOfClearHash() {
+    if (!PBlock.use_hash)
+        return BESIDE;
+    return PBlock.state == STATE_PONDERING ? IDLE_WORKERS : FREE_ENGINE;
+}
+
+Need NeedsFreeEngine() { return FREE_ENGINE; }
+Need NeedsNoTool() { return NO_TOOL; }
+Need NeedsNothing() { return BESIDE; }
+
+}  // namespace
+
+const std::array<UciOption, 8> uci_options = {{
+    {"Hash", SPIN, 64, 0, 8192, "info string Hash size set to %dM bytes", NeedsFreeEngine, SetHashSize},
+    {"Threads", SPIN, 1, 1, MAX_THREADS, "info string Threads set to %d", NeedsFreeEngine, SetThreads},
+    {"Ponder", CHECK, 1, 0, 1, nullptr, NeedsNoTool, [](int on) { PBlock.ponder = static_cast<int16_t>(on); }},
+    {"MultiPV", SPIN, 1, 1, 20, "info string MultiPV set to %d", NeedsNoTool,
+     [](int lines) { PBlock.multipv = static_cast<int16_t>(lines); }},
+    {"Clear Hash", BUTTON, 0, 0, 0, nullptr, NeedOfClearHash, ClearHash},
+    {"Communication Overhead", SPIN, 25, 0, 5000, "info string Communication Overhead set to %d", NeedsNoTool,
+     [](int milliseconds) { PBlock.overhead = milliseconds / 1000.0; }},
+    {"OwnBook", CHECK, 0, 0, 1, "info string OwnBook set to %d", NeedsNothing,
+     [](int on) { PBlock.use_book = static_cast<uint8_t>(on); }},
+    {"Log", CHECK, 0, 0, 1, "info string Log set to %d", NeedsNothing,
+     [](int on) { PBlock.log = static_cast<int16_t>(on); }},
+}};
+
+const UciOption* FindOption(std::string_view name) {
+    for (const UciOption& option : uci_options)
+        if (name == option.name)
+            return &option;
+    return nullptr;
+}
+
+void DeclareOptions() {
+    for (const UciOption& option : uci_options) {
+        if (option.type == SPIN)
+            ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset,
+                          option.lowest, option.highest);
+        else if (option.type == CHECK)
+            ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
+        else
+            ShowFormatted("option name %s type button", option.name);
+    }
+}
+
+int ReadOption(const UciOption& option, const char* text) {
+    if (option.type != CHECK)
+        return ReadInteger(text, option.lowest, option.highest);
+    // The log goes on with whatever holds the word.
+    return std::strcmp(option.name, "Log") == 0 ? std::strstr(text, "true") != nullptr : std::strcmp(text, "true") == 0;
+}
+
+void SetOption(const UciOption& option, int value) {
+    option.apply(value);
+    if (option.reply != nullptr)
+        ShowFormatted(option.reply, value);
+}
+
+}  // namespace vrel
