@@ -17,6 +17,9 @@ inline constexpr std::array<uint64_t, 2> stmh = {0, 0xffffffffffffffffULL};
 // Next value of the key generator. Its seed lives as long as the program: tables filled later differ.
 uint32_t myrand();
 
+// Tells one state of the tables from another: they are drawn anew as a whole.
+inline uint64_t KeyTablesInUse() { return rtable[64]; }
+
 // Draws new tables. Keys of positions that exist stand for the old tables until their next SetHash.
 void FillKeyTables();
 

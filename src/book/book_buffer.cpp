@@ -1,6 +1,7 @@
 #include "book/book_buffer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <functional>
 
 namespace vrel {
@@ -12,6 +13,7 @@ void ClearBuffer(BookBuffer* buffer) {
 
 BookRecord* FindOrInsert(BookBuffer* buffer, uint16_t key, uint32_t second) {
     const uint64_t order = BookOrder(key, second);
+    assert(buffer->count <= BOOK_BUFFER_RECORDS);
     // At most a third of the slots is in use, so that an empty one always ends the walk.
     auto slot = static_cast<uint16_t>((order * 0x9e3779b97f4a7c15ULL) >> 48);
     for (; buffer->slots[slot] != 0; ++slot) {

@@ -27,7 +27,7 @@ constexpr std::array<uint16_t, HASH_NUMBERS> hasharea = [] {
 }();
 
 // Place of a piece type's first number; a black piece stands 64 numbers behind a white one.
-constexpr std::array<size_t, 7> of2 = {0, 0, 128, 256, 384, 512, 640};
+constexpr std::array<int, 7> of2 = {0, 0, 128, 256, 384, 512, 640};
 
 // What a piece on a square adds to either hash, by piece code.
 struct PieceHash {
@@ -39,9 +39,9 @@ constexpr PieceHash kPieceHash = [] {
     PieceHash hash{};
     for (int side = WHITE; side <= BLACK; ++side)
         for (int type = PAWN; type <= KING; ++type)
-            for (size_t sq = 0; sq < 64; ++sq) {
-                const auto code = static_cast<size_t>(PieceCode(side, type));
-                const size_t i = of2[static_cast<size_t>(type)] + sq + (side == BLACK ? 64 : 0);
+            for (int sq = 0; sq < 64; ++sq) {
+                const int code = PieceCode(side, type);
+                const int i = of2[type] + sq + (side == BLACK ? 64 : 0);
                 hash.first[code][sq] = hasharea[i];
                 hash.second[code][sq] = (static_cast<uint32_t>(hasharea[i + 1]) << 16) + hasharea[i + 2];
             }
@@ -55,9 +55,9 @@ void UpdatePosHash(const Position& pos) {
     hash2 = 0;
     uint64_t pieces = Occupied(pos);
     while (pieces) {
-        const auto sq = static_cast<size_t>(PopLSB(&pieces));
-        const size_t code = pos.board[sq];
-        if (SideOf(static_cast<int>(code)) == pos.stm)
+        const int sq = PopLSB(&pieces);
+        const int code = pos.board[sq];
+        if (SideOf(code) == pos.stm)
             hash1 ^= kPieceHash.first[code][sq];
         hash2 ^= kPieceHash.second[code][sq];
     }

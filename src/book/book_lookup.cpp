@@ -53,7 +53,7 @@ bool LoadBuffer(int key) {
     if (PBlock.book_file[0] == 0)
         return false;
     File file(PBlock.book_file.data(), "rb");
-    const int32_t start = bktable[static_cast<size_t>(PrefixOf(key))];
+    const int32_t start = bktable[PrefixOf(key)];
     if (!file || start == NOT_IN_BOOK)
         return false;
     ForgetBuffer();
@@ -80,7 +80,7 @@ void IndexBook() {
     do {
         count = file.Read(bkbuffr.data(), sizeof bkbuffr) / sizeof(BookRecord);
         for (size_t i = 0; i < count && bkrecnum < std::numeric_limits<int32_t>::max(); ++i, ++bkrecnum) {
-            int32_t& start = bktable[static_cast<size_t>(PrefixOf(bkbuffr[i].key))];
+            int32_t& start = bktable[PrefixOf(bkbuffr[i].key)];
             if (start == NOT_IN_BOOK)
                 start = bkrecnum;
         }

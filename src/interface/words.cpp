@@ -1,6 +1,7 @@
 #include "interface/words.h"
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 
 namespace vrel {
@@ -18,6 +19,7 @@ bool BelongsToWord(char c) { return static_cast<unsigned char>(c) >= 32 && stati
 }  // namespace
 
 const char* GetWord(const char* text) {
+    assert(text != nullptr);
     static std::array<char, LONGEST_WORD + 1> word;
     while (*text == ' ')
         ++text;

@@ -1,4 +1,4 @@
-#include <cstddef>
+#include <cassert>
 
 #include "board/keys.h"
 #include "board/legality.h"
@@ -15,7 +15,6 @@ namespace vrel {
 
 namespace {
 
-constexpr int SURE_VALUE = 149;  // sort_value above it: the hash move and winning active moves
 constexpr int STORE_DEPTH = -1;  // deeper check evasions of the quiescence aren't stored
 
 // The state of one call.
@@ -25,7 +24,7 @@ struct MoveLoop {
     SearchThread* thread;
     int side, ply, depth;
     int alpha, beta;
-    int node_type;
+    NodeType node_type;
     bool in_check;
     bool lmp_ok;
     Move* local_pv;  // the line that the children write
@@ -34,27 +33,26 @@ struct MoveLoop {
     int searched = 0;
 };
 
-// Decides whether the move is dropped and, if not, by how much its scout is shortened. The first legal move of a node
-// is never touched: a searched move always scores above the bound that is tested first.
-bool DropMove(const MoveLoop& loop, const MoveEntry& entry, int ext, int* reduction) {
-    *reduction = 0;
-    if (loop.best < loop.ply - 9999 || entry.sort_value > SURE_VALUE || ext == 1 || loop.in_check)
-        return false;
+constexpr int DROPPED = -1;
+
+// By how many plies the scout of a move is shortened, or DROPPED. The first legal move of a node is never touched: a
+// searched move always scores above the bound that is tested first.
+int SelectReduction(const MoveLoop& loop, const MoveEntry& entry, int ext) {
+    if (loop.best < loop.ply - 9999 || entry.sort_value > ORDER_SURE || ext == 1 || loop.in_check)
+        return 0;
     if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.depth, loop.searched))
-        return true;
-    *reduction = Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
-    return false;
+        return DROPPED;
+    return Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
 }
 
-int SearchChild(MoveLoop* loop, int depth, int alpha, int beta, int type) {
+int SearchChild(MoveLoop* loop, int depth, int alpha, int beta, NodeType type) {
     return -Search(loop->pos, loop->side ^ 1, loop->ply + 1, depth, -beta, -alpha, type, loop->local_pv);
 }
 
 // The move has been made. Scouts that fail high are searched again at full depth, reduced or not.
 int SearchMove(MoveLoop* loop, const MoveEntry& entry, int new_depth, int reduction) {
     if (loop->searched == 0 || new_depth <= 1)
-        return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta,
-                           node_opp[static_cast<size_t>(loop->node_type)]);
+        return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta, node_opp[loop->node_type]);
     loop->frame->reduction = static_cast<uint8_t>(reduction);
     const int v = SearchChild(loop, new_depth - reduction - 1, loop->alpha, loop->alpha + 1, NODE_CUT);
     loop->frame->reduction = 0;
@@ -86,14 +84,14 @@ void RememberCut(const MoveLoop& loop, const MoveEntry& entry) {
         SetFollowup(pos, entry.move);
 }
 
-void Store(const MoveLoop& loop, int score, int type) {
+void Store(const MoveLoop& loop, int score, BoundType type) {
     if (loop.depth >= STORE_DEPTH && loop.best_move)
         StoreInTTable(loop.pos, loop.ply, loop.depth, score, type, loop.best_move);
 }
 
 int FinishNode(const MoveLoop& loop) {
     if (loop.searched == 0)
-        return loop.in_check ? loop.ply - 10000 : PBlock.draw_score[static_cast<size_t>(loop.side)].Get();
+        return loop.in_check ? loop.ply - 10000 : PBlock.draw_score[loop.side].Get();
     const bool exact = loop.node_type == NODE_PV && loop.best > loop.frame->alpha;
     Store(loop, loop.best, exact ? BOUND_EXACT : BOUND_UPPER);
     return loop.best;
@@ -101,8 +99,9 @@ int FinishNode(const MoveLoop& loop) {
 
 }  // namespace
 
-int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, int node_type,
+int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, NodeType node_type,
               Move* pv) {
+    assert(pos->ply == ply && pos->stm == side);
     PlyFrame* frame = pos->frames + ply;
     PvLine local_pv;
     MoveLoop loop{.pos = pos,
@@ -130,8 +129,8 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
             continue;
         entry->flags = 0;
         const int ext = no_flags ? 0 : Extension(*pos, entry, checks);
-        int reduction = 0;
-        if (DropMove(loop, *entry, ext, &reduction))
+        const int reduction = SelectReduction(loop, *entry, ext);
+        if (reduction == DROPPED)
             continue;
 
         const Move move = entry->move;

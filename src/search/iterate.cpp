@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstddef>
+#include <cassert>
 
 #include "board/attacks.h"
 #include "board/generate.h"
@@ -164,6 +164,7 @@ void Deepen(SearchThread* thread, int side) {
 }  // namespace
 
 void SearchIterations(int id) {
+    assert(id >= 1 && id <= PBlock.nthreads);
     SearchThread* thread = GetThread(id);
     Position* pos = &thread->pos;
     const int side = pos->stm;

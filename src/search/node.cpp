@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstddef>
+#include <cassert>
 
 #include "board/attacks.h"
 #include "board/keys.h"
@@ -9,6 +9,7 @@
 #include "interface/pblock.h"
 #include "search/mate_test.h"
 #include "search/search.h"
+#include "search/selectivity.h"
 #include "search/transposition.h"
 
 namespace vrel {
@@ -28,7 +29,7 @@ struct Node {
     PlyFrame* frame;
     int side, ply, depth;
     int a, b;  // the window after the mate-distance clip
-    int node_type;
+    NodeType node_type;
     int eval;
     bool in_check;
     TTData tt;
@@ -39,8 +40,6 @@ int FailHard(int value, int a, int b) { return value <= a ? a : std::min(value, 
 
 // Hands on no more than the 16-bit fields hold.
 int16_t Field(int value) { return static_cast<int16_t>(value); }
-
-size_t MarginDepth(int depth) { return static_cast<size_t>(std::clamp(depth, 0, 7)); }
 
 void ResetFrame(const Node& node, Move* pv) {
     PlyFrame* frame = node.frame;
@@ -126,7 +125,7 @@ bool Razor(const Node& node, Move* pv) {
     if (node.node_type != NODE_ALL || node.in_check || node.depth > Personality.RP_depth)
         return false;
     const int margin = Personality.RP_margin[MarginDepth(node.depth)];
-    const auto side = static_cast<size_t>(node.side);
+    const int side = node.side;
     if (node.a - margin <= node.eval || node.tt_high || node.frame->free_pawn_rank[side] > MAX_FREE_PAWN_RANK ||
         node.pos->npv[side ^ 1] <= 0 || !WindowIsInner(node))
         return false;
@@ -137,7 +136,7 @@ bool Razor(const Node& node, Move* pv) {
 // What static null pruning and the null move have in common: the node stands well above beta and nothing speaks
 // against it.
 bool MayPassTurn(const Node& node) {
-    const auto side = static_cast<size_t>(node.side);
+    const int side = node.side;
     return node.node_type == NODE_CUT && !node.in_check && node.eval > node.b + NULL_MOVE_MARGIN && !node.tt_low &&
            node.frame->free_pawn_rank[side ^ 1] <= MAX_FREE_PAWN_RANK && node.pos->npv[side] > 0 && WindowIsInner(node);
 }
@@ -147,7 +146,7 @@ bool PruneStatically(const Node& node) {
     if (node.depth > Personality.CNP_depth || node.frame[-1].node_type == NODE_PV ||
         node.frame[-2].eval - EVAL_DROP > node.eval)
         return false;
-    const int hung = node.frame->hung_value[static_cast<size_t>(node.side)] / 2;
+    const int hung = node.frame->hung_value[node.side] / 2;
     const int margin = Personality.CNP_margin[MarginDepth(node.depth)];
     return node.eval >= node.b + std::max(hung, margin);
 }
@@ -204,7 +203,8 @@ void CountPath(const Node& node, SearchThread* thread) {
 
 }  // namespace
 
-int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv) {
+int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
+    assert(pos->ply == ply && pos->stm == side);
     SearchThread* thread = ThreadOf(pos);
     thread->nodes.Add(1);
 
@@ -222,7 +222,7 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int
     node.in_check = IsInCheck(*pos, side, frame[-1].gives_check);
 
     if (pos->fifty >= 4 && IsDraw(pos, ply, node.in_check))
-        return PBlock.draw_score[static_cast<size_t>(side)];
+        return PBlock.draw_score[side];
 
     node.eval = Evaluate(thread, side, ply, node.in_check);
     frame->eval = Field(node.eval);

@@ -2,6 +2,7 @@
 
 #include <emmintrin.h>
 
+#include <cassert>
 #include <cstddef>
 #include <utility>
 
@@ -22,22 +23,11 @@ enum PickerStage : uint16_t {
     STAGE_IN_ORDER = 5,  // what remains, in generation order
 };
 
-constexpr int HASH_VALUE = 255;
-constexpr int GOOD_CAPTURE = 179;  // active moves above it are tried before the quiet ones
-constexpr int NO_MERIT = 3;        // from here on down the order no longer matters
-constexpr int QUEEN_PROMOTION = 200;
-constexpr int OTHER_ACTIVE = 10;  // en passant and under-promotions
-constexpr int RECAPTURE_BONUS = 6;
-constexpr int LOSING_CAPTURE = 8;  // plus the type of the victim
-
 constexpr int16_t HISTORY_START = 2048;
 
 int LastTo(const Position& pos) { return pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE; }
 
-uint32_t MoveHash(Move move) {
-    return static_cast<uint32_t>(rtable[static_cast<size_t>(ToSquare(move))] ^
-                                 rtable[static_cast<size_t>(FromSquare(move))]);
-}
+uint32_t MoveHash(Move move) { return static_cast<uint32_t>(rtable[ToSquare(move)] ^ rtable[FromSquare(move)]); }
 
 size_t FollowupHash(const Position& pos) {
     const PlyFrame* frame = pos.frames + pos.ply;
@@ -45,9 +35,9 @@ size_t FollowupHash(const Position& pos) {
     return (both & 0x7ff) + (pos.stm == BLACK ? 0x800 : 0);
 }
 
-size_t RefutationIndex(const Position& pos) {
+int RefutationIndex(const Position& pos) {
     const int to = ToSquare(pos.last_move);
-    return static_cast<size_t>((to << 4) + pos.board[static_cast<size_t>(to)]);
+    return (to << 4) + pos.board[to];
 }
 
 void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
@@ -60,13 +50,13 @@ void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
             *order = 0;
             continue;
         }
-        int value = OTHER_ACTIVE;
+        int value = ORDER_OTHER_ACTIVE;
         if (entry->captured)
-            value = capture_value[static_cast<size_t>(TypeOf(entry->captured))] - TypeOf(entry->piece);
+            value = capture_value[TypeOf(entry->captured)] - TypeOf(entry->piece);
         else if (entry->move & PROMOTE_QUEEN)
-            value = QUEEN_PROMOTION;
+            value = ORDER_QUEEN_PROMOTION;
         if (ToSquare(entry->move) == last_to)
-            value += RECAPTURE_BONUS;
+            value += ORDER_RECAPTURE;
         *order = static_cast<uint8_t>(value);
     }
 }
@@ -92,11 +82,11 @@ void PrescoreQuiet(Position* pos, MoveEntry* list, const MoveEntry* end) {
                 entry->move = NO_MOVE;
                 value = 0;
             } else if (move == frame.null_killer || move == frame.killer1) {
-                value = history / 2 + 81;
+                value = history / 2 + ORDER_KILLER;
             } else if (move == frame.killer2 || move == refutation) {
-                value = history / 2 + 61;
+                value = history / 2 + ORDER_SECOND_KILLER;
             } else if (move == followup) {
-                value = history / 2 + 41;
+                value = history / 2 + ORDER_FOLLOWUP;
             }
         }
         *order = static_cast<uint8_t>(value);
@@ -113,7 +103,9 @@ void PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end) {
             entry->move = NO_MOVE;
             *order = 0;
         } else {
-            *order = entry->move == frame.check_killer ? 75 : entry->move == refutation ? 70 : 1;
+            *order = entry->move == frame.check_killer ? ORDER_CHECK_KILLER
+                     : entry->move == refutation       ? ORDER_CHECK_REFUTATION
+                                                       : 1;
         }
     }
 }
@@ -121,8 +113,7 @@ void PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end) {
 MoveEntry* HashMoveEntry(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->first;
     const Move move = frame->hash_move;
-    *entry = {move, pos->board[static_cast<size_t>(FromSquare(move))], pos->board[static_cast<size_t>(ToSquare(move))],
-              HASH_VALUE, 0};
+    *entry = {move, pos->board[FromSquare(move)], pos->board[ToSquare(move)], ORDER_HASH_MOVE, 0};
     CloseList(pos, entry + 1);
     return entry;
 }
@@ -145,11 +136,11 @@ MoveEntry* PickActive(Position* pos, PlyFrame* frame) {
     const MoveEntry* end = EndOfList(frame);
     while (entry != end) {
         PickHighest(thread, entry, end);
-        if (entry->sort_value <= GOOD_CAPTURE)
+        if (entry->sort_value <= ORDER_GOOD_CAPTURE)
             return nullptr;
         if (MoveIsSafe(*pos, *entry))
             return entry;
-        *OrderOf(thread, entry) = static_cast<uint8_t>(LOSING_CAPTURE + TypeOf(entry->captured));
+        *OrderOf(thread, entry) = static_cast<uint8_t>(ORDER_LOSING_CAPTURE + TypeOf(entry->captured));
     }
     return nullptr;
 }
@@ -171,7 +162,7 @@ MoveEntry* PickRest(Position* pos, PlyFrame* frame) {
     if (entry == end)
         return nullptr;
     PickHighest(ThreadOf(pos), entry, end);
-    if (entry->sort_value <= NO_MERIT)
+    if (entry->sort_value <= ORDER_NO_MERIT)
         frame->stage = STAGE_IN_ORDER;
     return entry;
 }
@@ -238,6 +229,7 @@ void InitMoveOrderingTables(SearchThread* thread) {
 }
 
 void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end) {
+    assert(head < end);
     uint8_t* order = OrderOf(thread, head);
     const ptrdiff_t best = FirstHighest(order, end - head);
     const uint8_t value = order[best];
@@ -279,11 +271,17 @@ Move GetRefutation(const Position& pos) {
     return pos.last_move ? ThreadOf(pos)->refutation[RefutationIndex(pos)] : NO_MOVE;
 }
 
-void SetRefutation(Position* pos, Move move) { ThreadOf(pos)->refutation[RefutationIndex(*pos)] = move; }
+void SetRefutation(Position* pos, Move move) {
+    assert(pos->last_move != NO_MOVE);
+    ThreadOf(pos)->refutation[RefutationIndex(*pos)] = move;
+}
 
 Move GetFollowup(const Position& pos) { return pos.ply > 2 ? ThreadOf(pos)->followup[FollowupHash(pos)] : NO_MOVE; }
 
-void SetFollowup(Position* pos, Move move) { ThreadOf(pos)->followup[FollowupHash(*pos)] = move; }
+void SetFollowup(Position* pos, Move move) {
+    assert(pos->ply > 2);
+    ThreadOf(pos)->followup[FollowupHash(*pos)] = move;
+}
 
 void UpdateKillers(Position* pos, int ply, Move move, bool in_check) {
     PlyFrame& frame = pos->frames[ply];

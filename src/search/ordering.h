@@ -4,10 +4,26 @@
 #include "board/search_thread.h"
 
 // Move ordering inside a node: the staged picker, and what remembers good moves between nodes. Everything here belongs
-// to one thread and starts cold with each search. Moves are ordered by an unsigned byte, whose ranges also carry
-// meaning for pruning: above 149 the hash move and winning captures, above 31 remembered moves and high history, 3 or
-// below quiet moves without merit.
+// to one thread and starts cold with each search.
 namespace vrel {
+
+// The scale of the ordering byte, highest first. Its ranges also carry meaning for pruning.
+enum OrderValue : int {
+    ORDER_HASH_MOVE = 255,
+    ORDER_QUEEN_PROMOTION = 200,
+    ORDER_GOOD_CAPTURE = 179,  // active moves above it are tried before the quiet ones
+    ORDER_SURE = 149,          // above it: the hash move and winning active moves
+    ORDER_KILLER = 81,         // plus half the history, as for the next three
+    ORDER_CHECK_KILLER = 75,   // in check, where history doesn't count
+    ORDER_CHECK_REFUTATION = 70,
+    ORDER_SECOND_KILLER = 61,  // and the refutation
+    ORDER_FOLLOWUP = 41,
+    ORDER_REMEMBERED = 31,     // above it: the remembered moves, and high history
+    ORDER_OTHER_ACTIVE = 10,   // en passant and under-promotions
+    ORDER_LOSING_CAPTURE = 8,  // plus the type of the victim
+    ORDER_RECAPTURE = 6,       // bonus for a move to the square of the last one
+    ORDER_NO_MERIT = 3,        // from here on down the order no longer matters
+};
 
 // Values of captured pieces by type, less the mover's type; 20 stands for no piece.
 inline constexpr std::array<uint8_t, 8> capture_value = {20, 210, 220, 220, 230, 240, 250, 0};
@@ -33,7 +49,7 @@ inline MoveEntry* EndOfList(const PlyFrame* frame) { return frame[1].first - 1; 
 MoveEntry* GetNextMoveFW(Position* pos, bool in_check);
 
 Move GetRefutation(const Position& pos);
-// For the move that led here, which isn't a null move.
+// For the move that led here.
 void SetRefutation(Position* pos, Move move);
 
 // The quiet move that last cut after the last two moves; only beyond ply 2.
@@ -45,7 +61,7 @@ void UpdateKillers(Position* pos, int ply, Move move, bool in_check);
 
 // Gravity: a step towards the ceiling or towards 0, smaller the nearer it is.
 inline int16_t& HistoryOf(SearchThread* thread, const MoveEntry& entry) {
-    return thread->history[static_cast<size_t>((ToSquare(entry.move) << 4) + entry.piece)];
+    return thread->history[(ToSquare(entry.move) << 4) + entry.piece];
 }
 inline void HistoryInc(SearchThread* thread, const MoveEntry& entry) {
     int16_t& h = HistoryOf(thread, entry);

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstddef>
+#include <cassert>
 
 #include "board/exchange.h"
 #include "board/generate.h"
@@ -20,17 +20,17 @@ constexpr int CAPTURE_HORIZON = -4;  // below it only PV nodes go on making move
 constexpr int DELTA_MARGIN = 150;
 
 // Values of frame.stage.
-enum QuietStage : uint16_t { STAGE_START = 0, STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
+enum QuietStage : uint16_t { STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
 
 void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
     const int last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
     uint8_t* order = OrderOf(ThreadOf(pos), list);
     for (const MoveEntry* entry = list; entry != end; ++entry, ++order) {
-        int value = (entry->move & PROMOTE_QUEEN) ? 200 : 1;
+        int value = (entry->move & PROMOTE_QUEEN) ? ORDER_QUEEN_PROMOTION : 1;
         if (entry->captured)
-            value = capture_value[static_cast<size_t>(TypeOf(entry->captured))] - TypeOf(entry->piece);
+            value = capture_value[TypeOf(entry->captured)] - TypeOf(entry->piece);
         if (ToSquare(entry->move) == last_to)
-            value += 6;
+            value += ORDER_RECAPTURE;
         *order = static_cast<uint8_t>(value);
     }
 }
@@ -66,7 +66,7 @@ MoveEntry* GetNextMoveQU(Position* pos, PlyFrame* frame) {
 bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
     if (TypeOf(entry.piece) == PAWN && RelativeRank(side, ToSquare(entry.move)) >= 6)
         return false;
-    return eval <= a - (piece_value[static_cast<size_t>(TypeOf(entry.captured))] + DELTA_MARGIN);
+    return eval <= a - (piece_value[TypeOf(entry.captured)] + DELTA_MARGIN);
 }
 
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
@@ -81,7 +81,8 @@ bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, int sid
 
 }  // namespace
 
-int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv) {
+int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
+    assert(pos->ply == ply && pos->stm == side && alpha < beta);
     PlyFrame* frame = pos->frames + ply;
     const int eval = frame->eval;
     if (eval >= beta)
@@ -90,13 +91,13 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, i
     // Beyond the horizon the best recapture on the last square is credited, and no move is made.
     if (depth < CAPTURE_HORIZON && node_type != NODE_PV) {
         const int target = ToSquare(pos->last_move);
-        if (eval + piece_value[static_cast<size_t>(TypeOf(pos->board[static_cast<size_t>(target)]))] <= a)
+        if (eval + piece_value[TypeOf(pos->board[target])] <= a)
             return a;
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, target, Occupied(*pos)));
     }
 
     SearchThread* thread = ThreadOf(pos);
-    const int child_type = node_opp[static_cast<size_t>(node_type)];
+    const NodeType child_type = node_opp[node_type];
     // Nothing about legality and checks is found out for a node without moves.
     LegalityContext legality{};
     CheckContext checks;

@@ -1,8 +1,8 @@
 #include "search/root.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
-#include <cstddef>
 #include <cstdlib>
 
 #include "board/attacks.h"
@@ -45,7 +45,7 @@ struct RootPass {
     PvLine local_pv{};
 };
 
-int SearchChild(RootPass* pass, int depth, int lo, int hi, int type) {
+int SearchChild(RootPass* pass, int depth, int lo, int hi, NodeType type) {
     return -Search(pass->pos, pass->side ^ 1, 2, depth, -hi, -lo, type, pass->local_pv.data());
 }
 
@@ -163,6 +163,7 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
         return;
     if (swapoff1(*pos, pass->side, FromSquare(list->move), ToSquare(list->move), Occupied(*pos)) <= 89)
         return;
+    assert(list->move != END_OF_LIST);
     const int bound = b - 200;
     for (MoveEntry* entry = list + 1; entry->move != END_OF_LIST; ++entry) {
         PickNextMove(entry);
@@ -219,6 +220,7 @@ uint8_t RootSortValue(int score) {
 }
 
 void SearchRoot(Position* pos, int side, int depth, int first_index) {
+    assert(pos->ply == 1 && pos->stm == side && depth >= 1 && depth < FRAMES);
     RootPass pass = BeginPass(pos, side, depth, first_index);
     SearchThread* thread = pass.thread;
     MoveEntry* const head = pass.frame->first + first_index;

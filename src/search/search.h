@@ -12,7 +12,7 @@ namespace vrel {
 enum NodeType : int { NODE_ANY = 0, NODE_PV = 1, NODE_CUT = 2, NODE_ALL = 3 };
 
 // Type of the first child.
-inline constexpr std::array<int, 4> node_opp = {NODE_ANY, NODE_PV, NODE_ALL, NODE_CUT};
+inline constexpr std::array<NodeType, 4> node_opp = {NODE_ANY, NODE_PV, NODE_ALL, NODE_CUT};
 
 inline constexpr int MATE_BOUND = 9898;  // scores above it, and below -MATE_BOUND - 1, are mates
 inline constexpr int MAX_PLY = 65;
@@ -32,12 +32,13 @@ void SearchIterations(int id);
 void SearchRoot(Position* pos, int side, int depth, int first_index);
 
 // A node below the root; the result lies in [alpha, beta] after the mate-distance clip.
-int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv);
+int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv);
 
 // Move loop of a node that Search doesn't settle by itself; the result may lie outside the window.
-int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, int node_type, Move* pv);
+int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, NodeType node_type,
+              Move* pv);
 
 // Quiescence: settles a node at depth 0 or below that isn't in check. Evaluate has run for this ply.
-int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, int node_type, Move* pv);
+int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv);
 
 }  // namespace vrel

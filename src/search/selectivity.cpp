@@ -7,22 +7,22 @@
 #include "board/move_kind.h"
 #include "eval/personality.h"
 #include "interface/messages.h"
+#include "search/ordering.h"
+#include "search/search.h"
 
 namespace vrel {
 
 namespace {
 
-constexpr int REMEMBERED = 31;  // sort_value above it: killers and their like, and high history
 constexpr int MAX_REDUCTION_PAIR = 4;
 
-size_t MoveColumn(int searched) { return static_cast<size_t>(std::min(searched, 31)); }
-size_t TableDepth(int depth) { return static_cast<size_t>(std::clamp(depth, 0, 69)); }
-size_t MarginDepth(int depth) { return static_cast<size_t>(std::clamp(depth, 0, 7)); }
+int MoveColumn(int searched) { return std::min(searched, 31); }
+int TableDepth(int depth) { return std::clamp(depth, 0, 69); }
 
 // The move takes the opponent's last piece other than pawns.
 bool CaptureLastPiece(const Position& pos, const MoveEntry& entry) {
     const int type = TypeOf(entry.captured);
-    return type > PAWN && pos.npv[static_cast<size_t>(pos.stm ^ 1)] == npv_unit[static_cast<size_t>(type)];
+    return type > PAWN && pos.npv[pos.stm ^ 1] == npv_unit[type];
 }
 
 void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
@@ -61,7 +61,7 @@ int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks)
 bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched) {
     const PlyFrame& frame = pos.frames[pos.ply];
     const int side = pos.stm;
-    if (entry.flags & 15)
+    if (entry.flags & ANY_FLAG)
         return false;
     if (EndgamePruneExclusion(pos, entry))
         return false;
@@ -72,7 +72,7 @@ bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searc
         return false;
     if (MoveIsCastle(entry) || MoveIsPawnPush(pos, side, entry))
         return false;
-    if (entry.sort_value <= REMEMBERED && !MoveIsThreat(pos, entry))
+    if (entry.sort_value <= ORDER_REMEMBERED && !MoveIsThreat(pos, entry))
         return true;
     return !MoveIsSafe(pos, entry);
 }
@@ -83,22 +83,22 @@ bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry) {
     const int victim = TypeOf(entry.captured);
     if (victim == NO_PIECE)
         return false;
-    const uint32_t pawns = pos.msig[static_cast<size_t>(pos.stm ^ 1)] & MSIG_PAWNS;
+    const uint32_t pawns = pos.msig[pos.stm ^ 1] & MSIG_PAWNS;
     if (victim == PAWN)
         return pawns <= 2;
     return CaptureLastPiece(pos, entry) || pawns <= 1;
 }
 
-int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, int node_type) {
+int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, NodeType node_type) {
     if (depth < Personality.LMR_depth)
         return 0;
-    const auto& table = node_type == 1 ? Personality.LMR_table1 : Personality.LMR_table2;
+    const auto& table = node_type == NODE_PV ? Personality.LMR_table1 : Personality.LMR_table2;
     int r = table[TableDepth(depth)][MoveColumn(searched)];
     if (r == 0 || CaptureLastPiece(pos, entry))
         return 0;
-    if (entry.flags & 15)
+    if (entry.flags & ANY_FLAG)
         return 1;
-    if ((entry.sort_value > REMEMBERED || MoveIsPawnPush(pos, pos.stm, entry)) && MoveIsSafe(pos, entry))
+    if ((entry.sort_value > ORDER_REMEMBERED || MoveIsPawnPush(pos, pos.stm, entry)) && MoveIsSafe(pos, entry))
         return 0;
     // Two consecutive reductions take no more than this together.
     r = std::min(r, MAX_REDUCTION_PAIR - pos.frames[pos.ply - 1].reduction);

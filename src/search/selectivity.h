@@ -1,12 +1,18 @@
 #pragma once
 
+#include <algorithm>
+
 #include "board/legality.h"
 #include "board/position.h"
+#include "search/search.h"
 
 namespace vrel {
 
 // Bits of MoveEntry::flags.
-enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8 };
+enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8, ANY_FLAG = 15 };
+
+// Place of a depth in the margins of Personality.
+constexpr int MarginDepth(int depth) { return std::clamp(depth, 0, 7); }
 
 // Fills entry->flags and gives the extension, 0 or 1.
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks);
@@ -18,7 +24,7 @@ bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searc
 bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry);
 
 // Reduction in plies, 0 to 3.
-int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, int node_type);
+int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, NodeType node_type);
 
 // Prints the two reduction tables on standard output.
 void DisplayLMR();

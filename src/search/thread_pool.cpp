@@ -1,7 +1,7 @@
 #include "search/thread_pool.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <cassert>
 #include <cstdlib>
 
 #include "board/search_thread.h"
@@ -40,6 +40,7 @@ void* SearchThreadFunc(void* arg) {
 // Hands work to an idle worker, or tells it to end.
 void WakeWorker(int id, WorkFlag flag) {
     SearchThread* worker = GetThread(id);
+    assert(worker->work_flag.load(std::memory_order_relaxed) == WORK_IDLE);
     worker->work_flag.store(flag, std::memory_order_release);
     worker->work_flag.notify_one();
 }
@@ -81,6 +82,7 @@ void HandOverPosition(const SearchThread& game, SearchThread* worker) {
 }  // namespace
 
 int CreateThreadPool(int n) {
+    assert(n >= 1 && n <= MAX_THREADS);
     for (int i = 1; i <= n; ++i) {
         FreeThread(i);  // a record of an earlier pool must not be taken for the new one
         thread_id[i] = i;
@@ -127,6 +129,7 @@ void DestroyLocks() {
 }
 
 void PrepareThreads() {
+    assert(WorkersIdle());
     const SearchThread& game = *GetThread(0);
     for (int i = 1; i <= PBlock.nthreads; ++i)
         HandOverPosition(game, GetThread(i));

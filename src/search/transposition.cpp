@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstring>
 
@@ -72,7 +73,7 @@ bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MA
 // First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
 TTEntry* Bucket(uint64_t key, int stm) {
     const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
-    return htable[static_cast<size_t>(stm)] + slot;
+    return htable[stm] + slot;
 }
 
 // An entry that is in use stays young. Only the age changes: should another writer come between, his entry gets the
@@ -90,7 +91,7 @@ int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + d
 bool MoveFits(const Position& pos, Move move) {
     const uint64_t own = pos.bb[pos.stm][0];
     return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
-           (!(move & PROMOTION_BITS) || TypeOf(pos.board[static_cast<size_t>(FromSquare(move))]) == PAWN);
+           (!(move & PROMOTION_BITS) || TypeOf(pos.board[FromSquare(move)]) == PAWN);
 }
 
 void ForgetFill() {
@@ -165,9 +166,10 @@ void ProbeTTable(Position* pos, TTData* result) {
         thread->tt_hits.Add(1);
 }
 
-void StoreInTTable(Position* pos, int ply, int depth, int score, int type, Move move) {
+void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move) {
     if (!PBlock.use_hash || !slots)
         return;
+    assert(score >= -10000 && score <= 10000);
     const uint64_t key = GetFullHash(*pos);
     const uint16_t age = PBlock.tt_age;
     TTEntry* entry = Bucket(key, pos->stm);

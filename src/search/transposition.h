@@ -44,7 +44,7 @@ void CheckTTable();
 void ProbeTTable(Position* pos, TTData* result);
 
 // `score` as the search sees it at `ply`.
-void StoreInTTable(Position* pos, int ply, int depth, int score, int type, Move move);
+void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move);
 
 // Brings the bucket of a key into the cache ahead of its probe.
 void PrefetchTTable(uint64_t key, int stm);

@@ -18,7 +18,7 @@ double Logistic(int score) { return 1.0 / (1.0 + std::pow(10.0, -SLOPE * score))
 ResultTable MakeTable() {
     ResultTable table;
     for (int score = -LIMIT; score <= LIMIT; ++score)
-        table[static_cast<size_t>(score + LIMIT)] = Logistic(score);
+        table[score + LIMIT] = Logistic(score);
     return table;
 }
 
@@ -30,7 +30,7 @@ double ExpectedResult(int score) {
     static const ResultTable table = MakeTable();
     if (score < -LIMIT || score > LIMIT)
         return Logistic(score);
-    return table[static_cast<size_t>(score + LIMIT)];
+    return table[score + LIMIT];
 }
 
 }  // namespace vrel

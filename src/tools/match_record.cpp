@@ -1,5 +1,6 @@
 #include "tools/match_record.h"
 
+#include <cassert>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -21,7 +22,8 @@ const char* ResultText(MatchResult result) {
 }  // namespace
 
 void RecordMove(MatchGame* game, Move move, int score, int depth) {
-    MatchMove& entry = game->moves[static_cast<size_t>(game->count++)];
+    assert(game->count < MATCH_MOVES);
+    MatchMove& entry = game->moves[game->count++];
     std::snprintf(entry.text.data(), entry.text.size(), "%s%s", algbr(FromSquare(move)), algbr(ToSquare(move)));
     entry.score = static_cast<int16_t>(score);
     entry.depth = static_cast<int16_t>(depth);
@@ -36,7 +38,10 @@ void CountResult(const MatchGame& game, MatchScore* score) {
         ++score->losses;
 }
 
-double MatchRate(const MatchScore& score, int games) { return (score.wins + score.draws / 2.0) / games; }
+double MatchRate(const MatchScore& score, int games) {
+    assert(games > 0);
+    return (score.wins + score.draws / 2.0) / games;
+}
 
 double MatchMargin(int games) { return 1.5 * std::sqrt(games + 10.0) / (games + 1.0); }
 
@@ -49,7 +54,7 @@ void WriteGame(File* out, const MatchGame& game) {
     out->Print("[White \"%s\"]\n[Black \"%s\"]\n", PlayerName(game.white), PlayerName(game.white ^ 1));
     out->Print("[Result \"%s\"]\n", ResultText(game.result));
     for (int i = 0; i < game.count; ++i) {
-        const MatchMove& move = game.moves[static_cast<size_t>(i)];
+        const MatchMove& move = game.moves[i];
         const bool black = i & 1;
         out->Print("%s%s {%0.2f/%d}%s", black ? "   " : "", move.text.data(), move.score / 100.0, move.depth,
                    black ? "\n" : "");

@@ -1,5 +1,7 @@
 #include "tools/perft.h"
 
+#include <cassert>
+
 #include "board/attacks.h"
 #include "board/generate.h"
 #include "board/legality.h"
@@ -11,6 +13,7 @@ namespace {
 
 // The leaves below a node, whose moves are all generated and tested; the last ply is counted without being made.
 uint64_t CountLeaves(Position* pos, int side, int ply, int depth) {
+    assert(depth >= 1 && pos->ply == ply && pos->stm == side);
     GenerateAll(pos);
     const bool in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
     const LegalityContext legality = MakeLegalityContext(*pos, side, in_check);

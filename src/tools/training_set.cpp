@@ -1,6 +1,7 @@
 #include "tools/training_set.h"
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,6 +12,7 @@
 #include "board/keys.h"
 #include "board/search_thread.h"
 #include "platform/file.h"
+#include "search/thread_pool.h"
 #include "tools/epd_file.h"
 
 namespace vrel {
@@ -20,8 +22,6 @@ namespace {
 // About 250 MB of positions. The text of a position takes 40 bytes and more.
 constexpr size_t MOST_POSITIONS = 450000;
 constexpr int64_t LARGEST_FILE = 200'000'000;
-
-uint64_t KeyInUse() { return rtable[64]; }
 
 struct KeptSet {
     std::string name;
@@ -43,7 +43,7 @@ std::shared_ptr<const TrainingSet> ReadSet(const char* name) {
     if (!file)
         return nullptr;
     auto set = std::make_shared<TrainingSet>();
-    set->key = KeyInUse();
+    set->key = KeyTablesInUse();
     std::array<char, EPD_LINE> line;
     while (file.Next(line.data())) {
         if (set->positions.size() == MOST_POSITIONS || !TellsSide(line.data()))
@@ -60,21 +60,22 @@ std::shared_ptr<const TrainingSet> GetTrainingSet(const char* name) {
     FileStamp stamp;
     if (!ReadFileStamp(name, &stamp) || stamp.size > LARGEST_FILE)
         return nullptr;
-    if (kept.name != name || !(kept.stamp == stamp) || kept.key != KeyInUse()) {
+    if (kept.name != name || !(kept.stamp == stamp) || kept.key != KeyTablesInUse()) {
         kept.set = nullptr;  // its memory serves the new one
-        kept = {name, stamp, KeyInUse(), ReadSet(name)};
+        kept = {name, stamp, KeyTablesInUse(), ReadSet(name)};
     }
     return kept.set;
 }
 
 void PlaceOnBoard(const TrainingSet& set, const TrainingPosition& entry) {
+    assert(WorkersIdle());
     SearchThread* game = GetThread(0);
     game->pos = entry.setup;
     game->pos.undo = game->undo.data();
     game->pos.frames = game->frames.data();
     game->undo[0] = {};
     game->undo[1] = {};
-    if (set.key != KeyInUse())
+    if (set.key != KeyTablesInUse())
         SetHash(&game->pos);
 }
 

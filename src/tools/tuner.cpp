@@ -77,7 +77,7 @@ void ImproveWeight(int index, double e0, double* x) {
 // The new values take effect together, once all slopes are known.
 void ApplyWeights(const Vector& x) {
     for (int i = 0; i < TUNED_WEIGHTS; ++i) {
-        *TunedWeight(&Personality, i) = Narrow(x[static_cast<size_t>(i)]);
+        *TunedWeight(&Personality, i) = Narrow(x[i]);
         WriteWeight(i);
     }
 }
@@ -85,7 +85,7 @@ void ApplyWeights(const Vector& x) {
 double RunPass(int pass, double e0, Vector* x) {
     Print("%s", PassLine(pass).c_str());
     for (int i = 0; i < TUNED_WEIGHTS; ++i)
-        ImproveWeight(i, e0, &(*x)[static_cast<size_t>(i)]);
+        ImproveWeight(i, e0, &(*x)[i]);
     Print("\n");
     fdtune.WriteText("*********************************\n");
     fdtune.WriteText(PassLine(pass).c_str());
@@ -134,7 +134,7 @@ void Tune() {
     WriteBoth("\n");
     Vector x;
     for (int i = 0; i < TUNED_WEIGHTS; ++i) {
-        x[static_cast<size_t>(i)] = *TunedWeight(&Personality, i);
+        x[i] = *TunedWeight(&Personality, i);
         WriteWeight(i);
     }
     WriteError(e0);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "board/search_thread.h"
+#include "interface/control/options.h"
 #include "interface/numbers.h"
 
 namespace vrel {
@@ -36,9 +36,9 @@ bool SetValue(const std::string& word, const char* argument, CommandLine* line) 
         PBlock.level_moves = 1;
         PBlock.level_time = ReadReal(argument, 0.0, 1e9);
     } else if (word == "-hash") {
-        PBlock.hash_mb = static_cast<int16_t>(ReadInteger(argument, 0, 8192));
+        PBlock.hash_mb = static_cast<int16_t>(ReadOption(*FindOption("Hash"), argument));
     } else if (word == "-threads") {
-        PBlock.nthreads = static_cast<int8_t>(ReadInteger(argument, 1, MAX_THREADS));
+        PBlock.nthreads = static_cast<int8_t>(ReadOption(*FindOption("Threads"), argument));
     } else if (word == "-anepd") {
         CopyText(&PBlock.epd_file, argument);
         line->analyse_epd = true;

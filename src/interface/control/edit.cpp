@@ -17,7 +17,7 @@ constexpr const char* EDIT_LETTERS = "pnbrqk";
 constexpr int EDIT_LINE = 78;
 
 void EditSquare(Position* pos, int side, char letter, int sq) {
-    if (pos->board[static_cast<size_t>(sq)])
+    if (pos->board[sq])
         RemovePiece(pos, sq);
     const char* found = std::strchr(EDIT_LETTERS, std::tolower(static_cast<unsigned char>(letter)));
     if (letter != '\0' && found != nullptr)
@@ -48,8 +48,7 @@ void EditLine(Position* pos, const char* line) {
 // A right stays only while king and rook stand at home. Rights are never added.
 void DropImpossibleRights(Position* pos) {
     const auto home = [pos](int side, int rook) {
-        return pos->board[static_cast<size_t>(init_king_sq[static_cast<size_t>(side)])] == PieceCode(side, KING) &&
-               pos->board[static_cast<size_t>(rook)] == PieceCode(side, ROOK);
+        return pos->board[init_king_sq[side]] == PieceCode(side, KING) && pos->board[rook] == PieceCode(side, ROOK);
     };
     int rights = 0;
     rights |= home(WHITE, 7) ? WHITE_SHORT : 0;

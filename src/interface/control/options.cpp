@@ -1,5 +1,6 @@
 #include "interface/control/options.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 
@@ -91,6 +92,7 @@ int ReadOption(const UciOption& option, const char* text) {
 }
 
 void SetOption(const UciOption& option, int value) {
+    assert(value >= option.lowest && value <= option.highest);
     option.apply(value);
     if (option.reply != nullptr)
         ShowFormatted(option.reply, value);
