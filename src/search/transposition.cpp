@@ -76,13 +76,14 @@ TTEntry* Bucket(uint64_t key, int stm) {
     return htable[stm] + slot;
 }
 
-// An entry that is in use stays young. Only the age changes: should another writer come between, his entry gets the
-// old first word back, which the check word then doesn't fit.
+// An entry that is in use stays young. Only the age changes, and only if the entry is still what was read: an older
+// first word put back under another writer's check word would pass for its own.
 void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
     if (data->age == age)
         return;
+    uint64_t read = Pack(*data);
     data->age = age;
-    entry->data.store(Pack(*data), std::memory_order_relaxed);
+    entry->data.compare_exchange_strong(read, Pack(*data), std::memory_order_relaxed);
 }
 
 // One game ply counts as much as 32 plies of depth.
