@@ -17,8 +17,14 @@ double start = 0.0;  // of the search, on the monotonic clock
 
 constexpr double SHORTEST_TARGET = 0.002;
 constexpr double EXTEND_FROM = 0.02;  // seconds of search before the target is lengthened
-constexpr double PATIENCE = 2.0;      // seconds beyond the target that a line of depth 2 is waited for
-constexpr int CLEARLY = 20;           // centipawns that make one worker's score differ from the published one
+
+// Seconds beyond the target that a line of depth 2 is waited for. With one of depth 1 in hand it is a share of the
+// clock.
+constexpr double LONGEST_PATIENCE = 2.0;
+constexpr double SHORTEST_PATIENCE = 0.2;
+constexpr double PATIENCE_SHARE = 0.25;
+
+constexpr int CLEARLY = 20;  // centipawns that make one worker's score differ from the published one
 
 int MovesToGo(int ply) {
     const int level_moves = PBlock.level_moves;
@@ -74,12 +80,15 @@ int TrendExtension() {
     return PBlock.done_depth <= PBlock.change_depth ? 1 : 0;
 }
 
+// Of the side to move, seconds.
+double TimeLeft() { return std::max(PBlock.clock[GamePosition()->stm] - PBlock.elapsed, 0.0); }
+
 bool TimeIsOver() {
     const double elapsed = PBlock.elapsed;
     int extension = 0;
     if (PBlock.depth > 1 && elapsed > EXTEND_FROM)
         extension = std::max(DisagreementExtension(), TrendExtension());
-    const double left = std::max(PBlock.clock[GamePosition()->stm] - elapsed, 0.0);
+    const double left = TimeLeft();
     const double limit = PBlock.trg_time + extension * 0.01 * left;
     if (PBlock.level_moves == 1)
         return elapsed >= limit;
@@ -87,7 +96,16 @@ bool TimeIsOver() {
 }
 
 // A search never stops before it has a line of depth 2, unless the board is so crowded that it gets none for a while.
-bool MayStillWait() { return PBlock.depth <= 1 && PBlock.elapsed < PBlock.trg_time + PATIENCE; }
+bool MayStillWait() {
+    if (PBlock.depth > 1)
+        return false;
+    double patience = LONGEST_PATIENCE;
+    if (PBlock.depth == 1 && PBlock.level_moves == 1)
+        patience = SHORTEST_PATIENCE;
+    else if (PBlock.depth == 1)
+        patience = std::clamp(PATIENCE_SHARE * TimeLeft(), SHORTEST_PATIENCE, LONGEST_PATIENCE);
+    return PBlock.elapsed < PBlock.trg_time + patience;
+}
 
 }  // namespace
 
