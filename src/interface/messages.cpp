@@ -96,6 +96,16 @@ void Print(const char* format, ...) {
     va_end(arguments);
 }
 
+void Complain(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WithFormatted(format, arguments, [](const char* text, size_t size) {
+        const std::lock_guard<std::mutex> guard(output);
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(size), text);
+    });
+    va_end(arguments);
+}
+
 void OpenLog() {
     // The name of a file in use can be taken away here, which would leave the other program's log without one.
     if (FileIsHeld(logfile) || (FileExists(logfile) && !DeleteFile(logfile))) {

@@ -17,6 +17,9 @@ void LogMessage(const char* text);
 // Writes to standard output alone: as it stands, without a line end.
 [[gnu::format(printf, 1, 2)]] void Print(const char* format, ...);
 
+// A word on standard error about what went wrong, one line.
+[[gnu::format(printf, 1, 2)]] void Complain(const char* format, ...);
+
 // Starts a new log file; without one the program goes on.
 void OpenLog();
 void CloseLog();

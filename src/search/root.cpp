@@ -125,7 +125,7 @@ int SearchRootMove(RootPass* pass, const MoveEntry& entry, int reduction) {
 }
 
 void ShowProgress(const RootPass& pass, Move move) {
-    if (!pass.report || PBlock.mode != MODE_UCI || PBlock.elapsed <= QUIET_SECONDS)
+    if (!pass.report || PBlock.mode != MODE_UCI || PBlock.elapsed <= QUIET_SECONDS || SearchIsSilent())
         return;
     if (pass.n == 0)
         ShowInfo();
@@ -175,6 +175,14 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
             return;
     }
     PublishEasy(2);
+}
+
+// The node limit is each worker's own, but of several only worker 1 ends the search, and not before it has a line of
+// depth 2: a side worker may be through with its share before worker 1 has had a core.
+bool NodesAreUsedUp(const SearchThread& thread) {
+    if (PBlock.max_nodes == 0 || thread.nodes <= static_cast<uint64_t>(PBlock.max_nodes))
+        return false;
+    return PBlock.nthreads == 1 || (thread.id == 1 && PBlock.depth > 1);
 }
 
 RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
@@ -255,7 +263,7 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
         entry->sort_value = RootSortValue(w);
         if (w > pass.best)
             AcceptMove(&pass, head, entry, w);
-        if (PBlock.max_nodes && thread->nodes > static_cast<uint64_t>(PBlock.max_nodes)) {
+        if (NodesAreUsedUp(*thread)) {
             StopSearch(STOP_TIME);
             return;
         }

@@ -140,9 +140,12 @@ void NewBestMove(SearchThread* thread) {
         DisplaySearchInfo(thread->id, -1, depth, thread->score, CopyPV(thread->pv).data());
 }
 
+bool SearchIsSilent() { return PBlock.noise == SILENT || PBlock.noise > PBlock.elapsed; }
+
 void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
-    const double noise = PBlock.noise;
-    if ((!PBlock.stop && noise > PBlock.elapsed) || noise == SILENT || depth == 0 || pv[1] == NO_MOVE)
+    // A search that has been stopped shows its result within the first seconds as well.
+    const bool silent = PBlock.stop ? PBlock.noise == SILENT : SearchIsSilent();
+    if (silent || depth == 0 || pv[1] == NO_MOVE)
         return;
     const char mark = mpv >= 0 ? '.' : ' ';
     const SpinGuard guard(&spinlock2);

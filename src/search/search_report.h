@@ -33,6 +33,9 @@ PvLine CopyPV(const SharedLine& line);
 // Publishes the thread's line in PBlock if it qualifies; only worker 1 does.
 void NewBestMove(SearchThread* thread);
 
+// True while no lines are wanted: in the first seconds of a search, or at all.
+bool SearchIsSilent();
+
 // One info line. `mpv` is the MultiPV index, -1 for a report while the search runs.
 void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv);
 // The published line of PBlock.
