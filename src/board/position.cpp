@@ -1,8 +1,8 @@
 #include "board/position.h"
 
-#include <emmintrin.h>
-
 #include <cstddef>
+
+#include "platform/vector.h"
 
 namespace vrel {
 
@@ -11,33 +11,11 @@ namespace {
 using Row = std::array<uint8_t, MAX_ROW + 1>;
 
 // The rows are searched as a whole: where a piece stands in its row can't be predicted, and a loop would pay for that.
-static_assert(sizeof(Row) == 16);
-__m128i LoadRow(const Row& row) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(row.data())); }
-
-void StoreRow(Row* row, __m128i squares) { _mm_storeu_si128(reinterpret_cast<__m128i*>(row->data()), squares); }
-
-// `a` where the mask is set, else `b`.
-__m128i Select(__m128i mask, __m128i a, __m128i b) {
-    return _mm_or_si128(_mm_and_si128(mask, a), _mm_andnot_si128(mask, b));
-}
+static_assert(sizeof(Row) == sizeof(Vector));
 
 // Place of a square that is in the row; NO_SQUARE gives its length. The king's isn't part of the material signature, so
 // the terminator tells.
-size_t PlaceOf(__m128i row, int sq) {
-    const int equal = _mm_movemask_epi8(_mm_cmpeq_epi8(row, _mm_set1_epi8(static_cast<char>(sq))));
-    return static_cast<size_t>(__builtin_ctz(static_cast<unsigned>(equal)));
-}
-
-// Ones from the given place of a row on.
-__m128i PlacesFrom(size_t place) {
-    alignas(16) static constexpr std::array<uint8_t, 32> zeros_then_ones = [] {
-        std::array<uint8_t, 32> bytes{};
-        for (size_t i = 16; i < 32; ++i)
-            bytes[i] = 0xff;
-        return bytes;
-    }();
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(zeros_then_ones.data() + 16 - place));
-}
+int PlaceOf(Vector row, int sq) { return FirstPlace(EqualBytes(row, FillVector(sq))); }
 
 }  // namespace
 
@@ -61,7 +39,7 @@ void AddPiece(Position* pos, int side, int piece, int sq) {
     const auto type = static_cast<size_t>(piece & 7);
     const auto s = static_cast<size_t>(side);
     Row& row = pos->plist[s][type];
-    const size_t n = PlaceOf(LoadRow(row), NO_SQUARE);
+    const int n = PlaceOf(LoadVector(row.data()), NO_SQUARE);
     if (n == MAX_ROW)
         return;
     row[n] = static_cast<uint8_t>(sq);
@@ -79,10 +57,10 @@ void RemovePiece(Position* pos, int sq) {
     const auto s = static_cast<size_t>(SideOf(code));
     pos->board[static_cast<size_t>(sq)] = 0;
     Row& row = pos->plist[s][type];
-    const __m128i squares = LoadRow(row);
+    const Vector squares = LoadVector(row.data());
     // Later squares move up one place, so that the order of the row stays.
-    const __m128i later = PlacesFrom(PlaceOf(squares, sq));
-    StoreRow(&row, Select(later, _mm_srli_si128(squares, 1), squares));
+    const Vector earlier = FirstPlaces(PlaceOf(squares, sq));
+    StoreVector(row.data(), Select(earlier, squares, DropFirst(squares)));
     pos->npv[s] = static_cast<int16_t>(pos->npv[s] - npv_unit[type]);
     pos->msig[s] -= msig_unit[type];
     pos->bb[s][0] ^= Bit(sq);
@@ -96,9 +74,8 @@ void MovePiece(Position* pos, int side, int from, int to) {
     pos->board[static_cast<size_t>(to)] = code;
     pos->board[static_cast<size_t>(from)] = 0;
     Row& row = pos->plist[s][type];
-    const __m128i squares = LoadRow(row);
-    const __m128i place = _mm_cmpeq_epi8(squares, _mm_set1_epi8(static_cast<char>(from)));
-    StoreRow(&row, Select(place, _mm_set1_epi8(static_cast<char>(to)), squares));
+    const Vector squares = LoadVector(row.data());
+    StoreVector(row.data(), Select(EqualBytes(squares, FillVector(from)), FillVector(to), squares));
     const uint64_t both = Bit(from) | Bit(to);
     pos->bb[s][0] ^= both;
     pos->bb[s][type] ^= both;

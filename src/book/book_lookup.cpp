@@ -57,7 +57,7 @@ bool LoadBuffer(int key) {
     if (!file || start == NOT_IN_BOOK)
         return false;
     ForgetBuffer();
-    if (!file.Seek(static_cast<long>(start) * static_cast<long>(sizeof(BookRecord))))
+    if (!file.Seek(start * int64_t{sizeof(BookRecord)}))
         return false;
     while (cnt < BUFFER_RECORDS && file.Read(&bkbuffr[cnt], sizeof(BookRecord)) == sizeof(BookRecord))
         if (PrefixOf(bkbuffr[cnt++].key) < PrefixOf(key))

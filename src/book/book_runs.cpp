@@ -65,7 +65,7 @@ bool Replace(const char* finished, const char* name) {
 }  // namespace
 
 RecordSource::RecordSource(const char* name) : file_(name, "rb") {
-    const long size = file_.Size();
+    const int64_t size = file_.Size();
     if (size >= 0)
         left_ = static_cast<size_t>(size) / sizeof(BookRecord);
     else

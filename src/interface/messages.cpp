@@ -10,7 +10,6 @@
 
 #include "interface/pblock.h"
 #include "platform/file.h"
-#include "platform/file_lock.h"
 #include "platform/standard_output.h"
 
 namespace vrel {

@@ -8,6 +8,7 @@
 namespace vrel {
 
 // An open file that closes itself. An object without a file is false; reading from it finds the end and writing fails.
+// Names are UTF-8 and bytes pass unchanged, on every system.
 class File {
 public:
     File() = default;
@@ -42,9 +43,9 @@ public:
     bool Flush();
 
     // Moves to a place counted in bytes from the start.
-    bool Seek(long offset);
+    bool Seek(int64_t offset);
     // Length in bytes, -1 on failure. The place in the file stays.
-    long Size();
+    int64_t Size();
 
     // Closes the file: true if there was one and no write to it has failed.
     bool Close();
@@ -60,7 +61,7 @@ struct FileStamp {
     uint64_t device = 0;
     uint64_t number = 0;  // of the file on its device
     int64_t size = 0;     // bytes
-    int64_t changed = 0;  // nanoseconds of the last change of its contents
+    int64_t changed = 0;  // time of the last change of its contents, in the system's smallest unit
 
     bool operator==(const FileStamp&) const = default;
 };
@@ -73,6 +74,29 @@ inline bool SameFile(const FileStamp& a, const FileStamp& b) { return a.device =
 
 // True on success. A directory is not deleted.
 bool DeleteFile(const char* name);
+
+// Gives a file another name, in the place of a file that has it so far. Not every system replaces an open file.
 bool RenameFile(const char* from, const char* to);
+
+// A mark on a file that only one running program can have; it goes when the program ends in any way.
+class FileLock {
+public:
+    FileLock() = default;
+    ~FileLock() { Release(); }
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    // Puts the mark on an existing file. Without effect where files can't be marked.
+    void Hold(const char* name);
+    void Release();
+
+private:
+    static constexpr intptr_t NO_FILE = -1;
+
+    intptr_t file_ = NO_FILE;  // what the system knows the open file by
+};
+
+// True if another running program has marked the file.
+bool FileIsHeld(const char* name);
 
 }  // namespace vrel

@@ -1,7 +1,5 @@
 #include "search/ordering.h"
 
-#include <emmintrin.h>
-
 #include <cassert>
 #include <cstddef>
 #include <utility>
@@ -9,6 +7,7 @@
 #include "board/generate.h"
 #include "board/keys.h"
 #include "board/move_kind.h"
+#include "platform/vector.h"
 
 namespace vrel {
 
@@ -175,47 +174,26 @@ MoveEntry* NextInOrder(Position* pos, PlyFrame* frame) {
     return entry;
 }
 
-// Ones for the first `count` of sixteen bytes, which may be anything from -16 to 32.
-__m128i FirstBytes(ptrdiff_t count) {
-    alignas(16) static constexpr std::array<uint8_t, 64> ones_then_zeros = [] {
-        std::array<uint8_t, 64> bytes{};
-        for (size_t i = 0; i < 32; ++i)
-            bytes[i] = 0xff;
-        return bytes;
-    }();
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(ones_then_zeros.data() + 32 - count));
-}
-
-__m128i LoadBytes(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
-
-// The same highest byte in all places: each half takes the higher of itself and the other, ever smaller.
-__m128i HighestOf(__m128i bytes) {
-    bytes = _mm_max_epu8(bytes, _mm_shuffle_epi32(bytes, 0x4e));
-    bytes = _mm_max_epu8(bytes, _mm_shuffle_epi32(bytes, 0xb1));
-    bytes = _mm_max_epu8(bytes, _mm_or_si128(_mm_slli_epi32(bytes, 16), _mm_srli_epi32(bytes, 16)));
-    return _mm_max_epu8(bytes, _mm_or_si128(_mm_slli_epi16(bytes, 8), _mm_srli_epi16(bytes, 8)));
-}
-
-unsigned EqualBytes(__m128i a, __m128i b) { return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b))); }
-
 // Place of the first highest of `count` bytes, at least one. Up to 31 bytes behind them are read and ignored: the first
 // equal byte lies within the list.
 ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
-    const __m128i first = LoadBytes(bytes);
-    const __m128i second = LoadBytes(bytes + 16);
+    const Vector first = LoadVector(bytes);
+    const Vector second = LoadVector(bytes + 16);
     if (count <= 32) [[likely]] {
-        const __m128i highest = HighestOf(
-            _mm_max_epu8(_mm_and_si128(first, FirstBytes(count)), _mm_and_si128(second, FirstBytes(count - 16))));
-        return __builtin_ctz(EqualBytes(first, highest) | EqualBytes(second, highest) << 16);
+        const Vector highest = HighestByte(
+            HigherBytes(CommonBits(first, FirstPlaces(count)), CommonBits(second, FirstPlaces(count - 16))));
+        return FirstPlace(EqualBytes(first, highest), EqualBytes(second, highest));
     }
-    __m128i highest = _mm_max_epu8(first, second);
+    Vector highest = HigherBytes(first, second);
     ptrdiff_t i = 32;
     for (; i + 16 < count; i += 16)
-        highest = _mm_max_epu8(highest, LoadBytes(bytes + i));
-    highest = HighestOf(_mm_max_epu8(highest, _mm_and_si128(LoadBytes(bytes + i), FirstBytes(count - i))));
-    for (i = 0;; i += 16)
-        if (const unsigned equal = EqualBytes(LoadBytes(bytes + i), highest))
-            return i + __builtin_ctz(equal);
+        highest = HigherBytes(highest, LoadVector(bytes + i));
+    highest = HighestByte(HigherBytes(highest, CommonBits(LoadVector(bytes + i), FirstPlaces(count - i))));
+    for (i = 0;; i += 16) {
+        const Vector equal = EqualBytes(LoadVector(bytes + i), highest);
+        if (AnyPlace(equal))
+            return i + FirstPlace(equal);
+    }
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "board/search_thread.h"
 #include "interface/pblock.h"
 #include "platform/clock.h"
-#include "platform/worker_thread.h"
+#include "platform/threads.h"
 #include "search/search.h"
 #include "search/search_control.h"
 

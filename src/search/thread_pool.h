@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/spin_lock.h"
+#include "platform/threads.h"
 
 // The pool of workers. Each searches on its own SearchThread; worker 1 is the master and the only one that publishes.
 namespace vrel {

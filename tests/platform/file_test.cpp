@@ -1,5 +1,6 @@
 #include "platform/file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -132,6 +133,21 @@ TEST_F(FileTest, DeleteAndRename) {
     EXPECT_FALSE(DeleteFile(new_name.c_str()));
     EXPECT_FALSE(RenameFile(old_name.c_str(), new_name.c_str()));
     EXPECT_FALSE(DeleteFile(folder_.c_str())) << "a directory isn't deleted";
+}
+
+// A watch for overflow stands behind this: a file system keeps times up to the year 2446 or far beyond.
+TEST_F(FileTest, StampsTellAnyTimesApart) {
+    const std::string name = Make("dated", "x");
+    FileStamp stamps[3];
+    const time_t years[3] = {0, 15'000'000'000, 15'000'000'001};
+    for (int i = 0; i < 3; i++) {
+        const timespec times[2] = {{years[i], 0}, {years[i], 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, name.c_str(), times, 0), 0);
+        ASSERT_TRUE(ReadFileStamp(name.c_str(), &stamps[i]));
+        EXPECT_TRUE(SameFile(stamps[i], stamps[0]));
+    }
+    EXPECT_FALSE(stamps[0] == stamps[1]);
+    EXPECT_FALSE(stamps[1] == stamps[2]);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "platform/clock.h"
-#include "platform/worker_thread.h"
+#include "platform/threads.h"
 
 namespace vrel {
 namespace {

@@ -5,8 +5,7 @@
 
 #include "platform/clock.h"
 #include "platform/relaxed.h"
-#include "platform/spin_lock.h"
-#include "platform/worker_thread.h"
+#include "platform/threads.h"
 
 namespace vrel {
 namespace {

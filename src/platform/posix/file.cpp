@@ -1,8 +1,11 @@
 #include "platform/file.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstring>
 #include <utility>
@@ -15,6 +18,11 @@ bool IsDirectory(std::FILE* stream) {
     struct stat status {};
     return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
 }
+
+// For a mark on it; not to be stopped by a pipe that stands in the place of the file.
+int OpenToMark(const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_CLOEXEC); }
+
+bool Mark(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
 
 }  // namespace
 
@@ -75,16 +83,16 @@ bool File::Print(const char* format, ...) {
 
 bool File::Flush() { return stream_ != nullptr && std::fflush(stream_) == 0; }
 
-bool File::Seek(long offset) { return stream_ != nullptr && std::fseek(stream_, offset, SEEK_SET) == 0; }
+bool File::Seek(int64_t offset) { return stream_ != nullptr && fseeko(stream_, offset, SEEK_SET) == 0; }
 
-long File::Size() {
+int64_t File::Size() {
     if (stream_ == nullptr)
         return -1;
-    const long place = std::ftell(stream_);
-    if (place < 0 || std::fseek(stream_, 0, SEEK_END) != 0)
+    const int64_t place = ftello(stream_);
+    if (place < 0 || fseeko(stream_, 0, SEEK_END) != 0)
         return -1;
-    const long size = std::ftell(stream_);
-    return std::fseek(stream_, place, SEEK_SET) == 0 ? size : -1;
+    const int64_t size = ftello(stream_);
+    return fseeko(stream_, place, SEEK_SET) == 0 ? size : -1;
 }
 
 bool File::Close() {
@@ -103,12 +111,37 @@ bool ReadFileStamp(const char* name, FileStamp* stamp) {
     stamp->device = status.st_dev;
     stamp->number = status.st_ino;
     stamp->size = status.st_size;
-    stamp->changed = status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec;
+    // A file may bear any time: one far off wraps around and still tells states apart.
+    const auto seconds = static_cast<uint64_t>(status.st_mtim.tv_sec);
+    stamp->changed = static_cast<int64_t>(seconds * 1'000'000'000 + static_cast<uint64_t>(status.st_mtim.tv_nsec));
     return true;
 }
 
 bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
+
+void FileLock::Hold(const char* name) {
+    Release();
+    const int descriptor = OpenToMark(name);
+    file_ = descriptor;
+    if (descriptor >= 0 && !Mark(descriptor))
+        Release();
+}
+
+void FileLock::Release() {
+    if (file_ != NO_FILE)
+        close(static_cast<int>(file_));
+    file_ = NO_FILE;
+}
+
+bool FileIsHeld(const char* name) {
+    const int descriptor = OpenToMark(name);
+    if (descriptor < 0)
+        return false;
+    const bool held = !Mark(descriptor) && errno == EWOULDBLOCK;
+    close(descriptor);
+    return held;
+}
 
 }  // namespace vrel

@@ -1,6 +1,7 @@
-#include "platform/worker_thread.h"
+#include "platform/threads.h"
 
 #include <pthread.h>
+#include <sched.h>
 
 namespace vrel {
 
@@ -16,5 +17,7 @@ int StartThread(ThreadBody body, void* argument) {
     pthread_attr_destroy(&attributes);
     return error;
 }
+
+void LetOthersRun() { sched_yield(); }
 
 }  // namespace vrel

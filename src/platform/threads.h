@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+
+namespace vrel {
+
+using ThreadBody = void* (*)(void*);
+
+// Starts a detached thread that runs body(argument); what it returns is dropped. 0, or the error code of the start.
+int StartThread(ThreadBody body, void* argument);
+
+// Lets another thread have the processor, if one wants it.
+void LetOthersRun();
+
+// A lock for stretches of a few instructions or one line of output: a waiter spins.
+class SpinLock {
+public:
+    // 0, or an error code. The other functions need a lock that has been initialised.
+    int Init() {
+        Unlock();
+        return 0;
+    }
+    // The flag is only looked at while another thread has it, so that the waiters don't take its cache line away.
+    void Lock() {
+        while (taken_.exchange(true, std::memory_order_acquire))
+            while (taken_.load(std::memory_order_relaxed))
+                LetOthersRun();
+    }
+    void Unlock() { taken_.store(false, std::memory_order_release); }
+    void Destroy() {}
+
+private:
+    std::atomic<bool> taken_{false};
+};
+
+// Holds a lock until the end of its block.
+class SpinGuard {
+public:
+    explicit SpinGuard(SpinLock* lock) : lock_(lock) { lock_->Lock(); }
+    ~SpinGuard() { lock_->Unlock(); }
+
+    SpinGuard(const SpinGuard&) = delete;
+    SpinGuard& operator=(const SpinGuard&) = delete;
+
+private:
+    SpinLock* lock_;
+};
+
+}  // namespace vrel
