@@ -12,10 +12,12 @@
 #include "board/keys.h"
 #include "board/legality.h"
 #include "board/make_move.h"
-#include "engine.h"
 #include "eval/evaluate.h"
-#include "positions.h"
+#include "interface/pblock.h"
+#include "search/start_up.h"
 #include "search/transposition.h"
+#include "tools/bench.h"
+#include "tools/bench_positions.h"
 #include "tools/perft.h"
 
 namespace vrel {
@@ -23,13 +25,17 @@ namespace {
 
 // A worker on a position; the tables are built once.
 SearchThread* Worker(const char* fen) {
-    static const bool started = StartForBench();
-    SearchThread* worker = started ? FreshWorker(fen) : nullptr;
-    if (worker == nullptr) {
+    static const bool started = StartEngine([] {
+                                    PBlock.log = 0;
+                                    PBlock.noise = SILENT;
+                                }) &&
+                                InitNewThread(1) == 0;
+    if (!started) {
         std::fprintf(stderr, "no memory\n");
         std::exit(1);
     }
-    return worker;
+    PrepareAfresh(fen);
+    return GetThread(1);
 }
 
 // The legal moves of the side to move.

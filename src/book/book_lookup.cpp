@@ -146,6 +146,8 @@ void KillBook() {
     ForgetBuffer();
 }
 
+bool BookIsThere() { return bkrecnum > 0; }
+
 const BookRecord* FindPosition(int side) {
     static BookRecord h;
     if (bkrecnum == 0)

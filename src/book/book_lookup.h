@@ -11,6 +11,9 @@ void InitBook();
 // From here on there is no book.
 void KillBook();
 
+// True if there is a book to look moves up in.
+bool BookIsThere();
+
 // The record of the position last given to UpdatePosHash, with `side` to move; null if the book doesn't hold it. Good
 // until the next call.
 const BookRecord* FindPosition(int side);

@@ -67,6 +67,12 @@ void SetLimits(const SearchLimits& limits) {
     PBlock.moves_to_go = static_cast<int16_t>(limits.moves_to_go);
 }
 
+void LimitDepth(int depth) {
+    SearchLimits limits = LimitsInForce();
+    limits.max_depth = depth;
+    SetLimits(limits);
+}
+
 void RequestSearch(SearchState kind, const SearchLimits& limits) {
     SetLimits(limits);
     RequestSearch(kind);
@@ -165,11 +171,11 @@ void SearchOnWorkers() {
 
 void SearchAtDepthZero() {
     PBlock.report = EvalReport{};
-    const int8_t max_depth = PBlock.max_depth;
-    PBlock.max_depth = 0;
+    const int max_depth = PBlock.max_depth;
+    LimitDepth(0);
     InitSearch(STATE_IDLE);
     SearchHere();
-    PBlock.max_depth = max_depth;
+    LimitDepth(max_depth);
 }
 
 void PollSearch() {

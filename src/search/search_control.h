@@ -28,6 +28,9 @@ struct SearchLimits {
 SearchLimits LimitsInForce();
 void SetLimits(const SearchLimits& limits);
 
+// The last iteration of the searches to come; the other limits stay.
+void LimitDepth(int depth);
+
 // What commands ask for
 // ------------------------------------------------------------------------------------------------
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <set>
 
 #include "board/fen.h"
 #include "board/make_move.h"
@@ -133,19 +134,32 @@ void PlayMatch() {
         return;
     }
     ApplySettings();
+    if (!BookIsThere())
+        Complain("%s: no book, so most games will be the same; scripts/openings makes one", PBlock.book_file.data());
     ShowMessage("Starting match...");
     MatchScore score;
     MatchGame game;
+    std::set<uint64_t> different;
     int moves_played = 0;
+    int shown = 0;  // games of the last line of statistics
     for (game.number = 1; game.number <= GAMES; ++game.number) {
         if (!PlayGame(players, &game, &moves_played))
-            return;
+            break;
         CountResult(game, &score);
-        if (game.number % 10 == 9)
+        different.insert(MovesSignature(game));
+        if (game.number % 10 == 9) {
             ShowScore(score, game.number);
+            shown = game.number;
+        }
         WriteGame(&out, game);
         out.Flush();  // whoever looks on sees whole games
     }
+    const int games = game.number - 1;
+    if (games == 0)
+        return;
+    if (games > shown)
+        ShowScore(score, games);
+    ShowFormatted("%d games, %d of them different", games, static_cast<int>(different.size()));
 }
 
 }  // namespace vrel

@@ -24,6 +24,7 @@ const char* ResultText(MatchResult result) {
 void RecordMove(MatchGame* game, Move move, int score, int depth) {
     assert(game->count < MATCH_MOVES);
     MatchMove& entry = game->moves[game->count++];
+    entry.text.fill(0);
     std::snprintf(entry.text.data(), entry.text.size(), "%s%s", algbr(FromSquare(move)), algbr(ToSquare(move)));
     entry.score = static_cast<int16_t>(score);
     entry.depth = static_cast<int16_t>(depth);
@@ -36,6 +37,14 @@ void CountResult(const MatchGame& game, MatchScore* score) {
         ++score->wins;
     else
         ++score->losses;
+}
+
+uint64_t MovesSignature(const MatchGame& game) {
+    uint64_t signature = 0xcbf29ce484222325;  // FNV-1a
+    for (int i = 0; i < game.count; ++i)
+        for (const char c : game.moves[i].text)
+            signature = (signature ^ static_cast<unsigned char>(c)) * 0x100000001b3;
+    return signature;
 }
 
 double MatchRate(const MatchScore& score, int games) {

@@ -37,6 +37,9 @@ struct MatchScore {
 void RecordMove(MatchGame* game, Move move, int score, int depth);
 void CountResult(const MatchGame& game, MatchScore* score);
 
+// Tells games apart by their moves.
+uint64_t MovesSignature(const MatchGame& game);
+
 // Share of the points that the first player has taken in `games` games.
 double MatchRate(const MatchScore& score, int games);
 // How far from one half the rate of equal players may well lie.

@@ -60,7 +60,7 @@ void WriteError(double error) {
 
 std::string PassLine(int pass) { return Formatted("pass= %d, k0= %0.3e\n", pass, GAIN); }
 
-// Moves x[index] against the slope of the error, a one-sided difference quotient. The weight itself stays.
+// Moves *x against the slope of the error, a one-sided difference quotient. The weight itself stays.
 void ImproveWeight(int index, double e0, double* x) {
     int16_t* weight = TunedWeight(&Personality, index);
     const int16_t p = *weight;
@@ -69,6 +69,8 @@ void ImproveWeight(int index, double e0, double* x) {
     const int p1 = *weight;
     const double e1 = Analyze_EPD_File(false);
     *weight = p;
+    if (PBlock.quit)
+        return;
     const double g = (e1 - e0) / std::round(d);
     *x += std::clamp(-GAIN * (std::fabs(*x) + OFFSET) * g, -d, d);
     Print("p0=%d, p1=%d, e0=%0.3e, e1=%0.3e, g=%0.5e, p0 = %0.3f\n", p, p1, e0, e1, g, *x);
@@ -76,21 +78,38 @@ void ImproveWeight(int index, double e0, double* x) {
 
 // The new values take effect together, once all slopes are known.
 void ApplyWeights(const Vector& x) {
-    for (int i = 0; i < TUNED_WEIGHTS; ++i) {
+    for (int i = 0; i < TUNED_WEIGHTS; ++i)
         *TunedWeight(&Personality, i) = Narrow(x[i]);
-        WriteWeight(i);
-    }
 }
 
-double RunPass(int pass, double e0, Vector* x) {
-    Print("%s", PassLine(pass).c_str());
+void WriteWeights() {
     for (int i = 0; i < TUNED_WEIGHTS; ++i)
+        WriteWeight(i);
+}
+
+// A pass that is broken off changes no weight, and the log says no more than that: errors of a part of the positions
+// say nothing about the weights.
+void BreakOff(int pass, const PersonalityRecord& before) {
+    Personality = before;
+    fdtune.Print("pass %d broken off\n", pass);
+}
+
+// The error with the weights of the pass; not a number if it was broken off.
+double RunPass(int pass, double e0, Vector* x) {
+    const PersonalityRecord before = Personality;
+    Print("%s", PassLine(pass).c_str());
+    for (int i = 0; i < TUNED_WEIGHTS && !PBlock.quit; ++i)
         ImproveWeight(i, e0, &(*x)[i]);
+    ApplyWeights(*x);
+    const double error = PBlock.quit ? e0 : Analyze_EPD_File(false);
+    if (PBlock.quit) {
+        BreakOff(pass, before);
+        return e0;
+    }
     Print("\n");
     fdtune.WriteText("*********************************\n");
     fdtune.WriteText(PassLine(pass).c_str());
-    ApplyWeights(*x);
-    const double error = Analyze_EPD_File(false);
+    WriteWeights();
     WriteError(error);
     return error;
 }
@@ -127,16 +146,17 @@ void Tune() {
     if (!fdtune)
         return;
     PBlock.noise = SILENT;
-    SearchLimits limits = LimitsInForce();
-    limits.max_depth = 0;
-    SetLimits(limits);
+    LimitDepth(0);
     double e0 = Analyze_EPD_File(false);
+    if (PBlock.quit) {
+        BreakOff(0, Personality);
+        return;
+    }
     WriteBoth("\n");
     Vector x;
-    for (int i = 0; i < TUNED_WEIGHTS; ++i) {
+    for (int i = 0; i < TUNED_WEIGHTS; ++i)
         x[i] = *TunedWeight(&Personality, i);
-        WriteWeight(i);
-    }
+    WriteWeights();
     WriteError(e0);
     for (int pass = 0; pass < PASSES && !PBlock.quit; ++pass)
         e0 = RunPass(pass, e0, &x);
@@ -148,18 +168,26 @@ int PTune(const char* name, int16_t* param, int range) {
     const long long width = range;
     Bracket b = {orig, WithinWeight(orig - width), WithinWeight(orig + width), Analyze_EPD_File(false)};
     const int limit = range / 12 + 2;
-    while (b.max - b.min > limit) {
+    while (b.max - b.min > limit && !PBlock.quit) {
         Print("best= %d, err= %0.5e, min= %d, max= %d\n\n", b.best, b.error, b.min, b.max);
         const int probe = Probe(b);
         *param = static_cast<int16_t>(probe);
         if (probe == b.best)
             break;
         const double error = Analyze_EPD_File(false);
+        if (PBlock.quit)
+            break;
         Print("%s= %d, err= %0.5e\n", name, probe, error);
         Shrink(&b, probe, error);
     }
     *param = orig;
     InitEval();  // what comes next plays with the old value
+    // An analysis that was broken off says nothing about the weight.
+    if (PBlock.quit) {
+        Complain("tune %s: broken off, no best value", name);
+        return orig;
+    }
+    Print("best= %d, err= %0.5e\n", b.best, b.error);
     if (fdtune) {
         fdtune.Print("%-24s  %4d  %0.5f\n", name, b.best, b.error);
         fdtune.Flush();

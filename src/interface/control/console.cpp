@@ -150,12 +150,6 @@ void SetLevel(const Command& command) {
                   limits.inc);
 }
 
-void LimitDepth(int depth) {
-    SearchLimits limits = LimitsInForce();
-    limits.max_depth = depth;
-    SetLimits(limits);
-}
-
 void SetDepth(const Command& command) { LimitDepth(command.Integer(2, 0, MAX_DEPTH)); }
 
 void SetTime(const Command& command) {
