@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "board/search_thread.h"
 #include "interface/pblock.h"
 #include "search/start_up.h"
 #include "tools/bench.h"
@@ -22,11 +21,10 @@ int main(int argc, char** argv) {
         PBlock.log = 0;
         PBlock.noise = SILENT;
     });
-    if (!started || InitNewThread(1) != 0) {
+    if (!started || RunBench(depth) == 0) {
         std::fprintf(stderr, "no memory\n");
         return 1;
     }
-    RunBench(depth);
     EndEngine();
     return 0;
 }

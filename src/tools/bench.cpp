@@ -1,7 +1,6 @@
 #include "tools/bench.h"
 
 #include <cinttypes>
-#include <cstring>
 
 #include "board/fen.h"
 #include "board/search_thread.h"
@@ -14,14 +13,14 @@
 
 namespace vrel {
 
-void PrepareAfresh(const char* fen) {
+bool PrepareAfresh(const char* fen) {
     ClearTTable();
-    SearchThread* worker = GetThread(1);
-    std::memset(&worker->eval_cache, 0, sizeof worker->eval_cache);
-    std::memset(&worker->pawn_cache, 0, sizeof worker->pawn_cache);
+    if (InitNewThread(1) != 0)
+        return false;
     SetPosition(GamePosition(), fen);
     GetElapsedTime(0);
     InitSearch(STATE_IDLE);
+    return true;
 }
 
 uint64_t RunBench(int depth) {
@@ -29,7 +28,8 @@ uint64_t RunBench(int depth) {
     uint64_t total = 0;
     double seconds = 0.0;
     for (const char* fen : kBenchPositions) {
-        PrepareAfresh(fen);
+        if (!PrepareAfresh(fen))
+            return 0;
         const double start = MonotonicSeconds();
         SearchHere();
         seconds += SecondsSince(start);
