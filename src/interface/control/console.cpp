@@ -231,69 +231,96 @@ void TuneOne(const Command& command) {
     ShowMessage("done!\n");
 }
 
-struct Entry {
-    const char* name;
-    Need need;
-    void (*run)(const Command&);
-    Need need_in_debug;  // while the evaluation report, which is a search, takes the place of the board
-};
-
 template <typename T>
 void SetField(Relaxed<T>* field, const Command& command) {
     *field = static_cast<T>(command.Integer(2, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
-constexpr Entry Row(const char* name, Need need, void (*run)(const Command&)) { return {name, need, run, need}; }
+void ShowHelp(const Command&);
+
+struct Entry {
+    const char* name;
+    const char* help;  // how it is written, a tab, what it does; null for another name of the command before
+    Need need;
+    void (*run)(const Command&);
+    bool shows_board = false;  // in whose place `debug` puts the evaluation report, which needs a free engine
+};
 
 // In the order in which they are tested, up to the one that is matched as a part of the word.
 constexpr Entry commands[] = {
-    Row("new", ENDS_SEARCH, NewGame),
-    Row("fen", ENDS_SEARCH, SetFen),
-    Row("force", ENDS_SEARCH, Force),
-    Row("quit", ENDS_PROGRAM, Quit),
-    Row("go", FREE_ENGINE, AnalyseToDepth),
-    Row("an", FREE_ENGINE, AnalyseWithoutLimit),
-    Row(".", AT_ONCE, [](const Command&) { StopSearch(STOP_COMMAND); }),
-    Row("mv", FREE_ENGINE, Think),
-    {"bd", BESIDE, [](const Command&) { ShowGame(); }, WHEN_OVER},
-    Row("level", NO_TOOL, SetLevel),
-    Row("depth", NO_TOOL, SetDepth),
-    Row("sd", NO_TOOL, SetDepth),
-    Row("time", NO_TOOL, SetTime),
-    Row("ponder", NO_TOOL, [](const Command& command) { SetField(&PBlock.ponder, command); }),
-    Row("self", FREE_ENGINE, PlaySelf),
-    Row("get", FREE_ENGINE, [](const Command& command) { GetTestPosition(command.Word(2)); }),
-    Row("noise", BESIDE, [](const Command& command) { PBlock.noise = command.Real(2); }),
-    Row("hash", NO_TOOL, [](const Command& command) { SetField(&PBlock.use_hash, command); }),
-    Row("tag", BESIDE, [](const Command&) { PBlock.tagged_key = GamePosition()->hash; }),
-    Row("ev", WHEN_OVER, [](const Command&) { ShowEvalInfo(); }),
-    Row("trace", BESIDE, [](const Command& command) { SetTrace(command.Integer(2, INT16_MIN, INT16_MAX)); }),
-    Row("lmr", BESIDE, [](const Command&) { DisplayLMR(); }),
-    Row("debug", BESIDE, [](const Command& command) { SetField(&PBlock.debug, command); }),
+    {"new", "new\tstart position", ENDS_SEARCH, NewGame},
+    {"fen", "fen TEXT\tset up a position", ENDS_SEARCH, SetFen},
+    {"force", "force\tend a search, play no side", ENDS_SEARCH, Force},
+    {"quit", "quit\tend the program", ENDS_PROGRAM, Quit},
+    {"go", "go DEPTH\tanalyse to a depth", FREE_ENGINE, AnalyseToDepth},
+    {"an", "an\tanalyse without a limit", FREE_ENGINE, AnalyseWithoutLimit},
+    {".", ".\tend the search", AT_ONCE, [](const Command&) { StopSearch(STOP_COMMAND); }},
+    {"mv", "mv\tthink about a move", FREE_ENGINE, Think},
+    {"bd", "bd\tshow the board", BESIDE, [](const Command&) { ShowGame(); }, true},
+    {"level", "level MOVES TIME INC\ttime control: 40 5:00 0", NO_TOOL, SetLevel},
+    {"depth", "depth N\tlast depth of searches", NO_TOOL, SetDepth},
+    {"sd", nullptr, NO_TOOL, SetDepth},
+    {"time", "time SECONDS\tclock of the side that thinks", NO_TOOL, SetTime},
+    {"ponder", "ponder N\t1 if the interface lets the engine ponder", NO_TOOL,
+     [](const Command& command) { SetField(&PBlock.ponder, command); }},
+    {"self", "self\tplay both sides", FREE_ENGINE, PlaySelf},
+    {"get", "get ID\tposition from test.epd", FREE_ENGINE,
+     [](const Command& command) { GetTestPosition(command.Word(2)); }},
+    {"noise", "noise SECONDS\tno search output before so many seconds, 9999 for none", BESIDE,
+     [](const Command& command) { PBlock.noise = command.Real(2); }},
+    {"hash", "hash N\t0 no table, 1 cleared for each analysis, 2 kept", NO_TOOL,
+     [](const Command& command) { SetField(&PBlock.use_hash, command); }},
+    {"tag", "tag\tnote the key of the position", BESIDE,
+     [](const Command&) { PBlock.tagged_key = GamePosition()->hash; }},
+    {"ev", "ev\tshow the evaluation term by term", WHEN_OVER, [](const Command&) { ShowEvalInfo(); }},
+    {"trace", "trace N\twrite N plies of the search tree to trace.txt", BESIDE,
+     [](const Command& command) { SetTrace(command.Integer(2, INT16_MIN, INT16_MAX)); }},
+    {"lmr", "lmr\tshow the reduction tables", BESIDE, [](const Command&) { DisplayLMR(); }},
+    {"debug", "debug N\t1 shows the evaluation in place of the board", BESIDE,
+     [](const Command& command) { SetField(&PBlock.debug, command); }},
 };
 
-constexpr Entry several_lines =
-    Row("multipv", NO_TOOL, [](const Command& command) { SetField(&PBlock.multipv, command); });
+constexpr Entry several_lines = {"multipv", "multipv N\tnumber of lines shown", NO_TOOL,
+                                 [](const Command& command) { SetField(&PBlock.multipv, command); }};
 
 constexpr Entry later_commands[] = {
-    {"undo", ENDS_SEARCH, [](const Command&) { UndoMove(); }, FREE_ENGINE},
-    {"[", ENDS_SEARCH, [](const Command&) { UndoMove(); }, FREE_ENGINE},
-    {"]", ENDS_SEARCH, [](const Command&) { RedoMove(); }, FREE_ENGINE},
-    Row("load", ENDS_SEARCH, [](const Command& command) { LoadGame(command.Word(2), command.Word(3)); }),
-    Row("save", NO_TOOL, [](const Command&) { SaveGame(); }),
-    Row("jump", ENDS_SEARCH, [](const Command& command) { JumpToPly(command.Integer(2, 0, UNDO_RECORDS)); }),
-    Row("edit", ENDS_SEARCH, Edit),
-    Row("book", WHEN_OVER, ShowBook),
-    Row("mkbook", FREE_ENGINE, [](const Command&) { CreateBook(); }),
-    Row("set", WHEN_OVER, SetSelectivity),
-    Row("tune", FREE_ENGINE, TuneOne),
-    Row("perft", FREE_ENGINE, RunPerft),
-    Row("swap", BESIDE, ShowSwaps),
-    {"move", ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(2)); }, FREE_ENGINE},
+    {"undo", "undo, [\ttake a move back", ENDS_SEARCH, [](const Command&) { UndoMove(); }, true},
+    {"[", nullptr, ENDS_SEARCH, [](const Command&) { UndoMove(); }, true},
+    {"]", "]\tplay it again", ENDS_SEARCH, [](const Command&) { RedoMove(); }, true},
+    {"load", "load FILE GAME\tread a game of a PGN file, by number or text", ENDS_SEARCH,
+     [](const Command& command) { LoadGame(command.Word(2), command.Word(3)); }},
+    {"save", "save\tappend the game to tmp.pgn", NO_TOOL, [](const Command&) { SaveGame(); }},
+    {"jump", "jump PLY\tgo to a ply of the game", ENDS_SEARCH,
+     [](const Command& command) { JumpToPly(command.Integer(2, 0, UNDO_RECORDS)); }},
+    {"edit", "edit\tset up a position piece by piece", ENDS_SEARCH, Edit},
+    {"book", "book\tshow the book moves", WHEN_OVER, ShowBook},
+    {"mkbook", "mkbook\tbuild book.opn from book.pgn", FREE_ENGINE, [](const Command&) { CreateBook(); }},
+    {"set", "set NAME VALUE\tchange a setting of the search; alone: all back to default", WHEN_OVER, SetSelectivity},
+    {"tune", "tune WEIGHT STEPS\tfit a weight to tune.epd", FREE_ENGINE, TuneOne},
+    {"perft", "perft N\tcount the leaves of the move tree", FREE_ENGINE, RunPerft},
+    {"swap", "swap\tshow the exchanges on the board", BESIDE, ShowSwaps},
+    {"help", "help\tthis page", BESIDE, ShowHelp},
+    {"move", "move MOVE\tplay a move; the word alone will do: Nf3, e2e4, exd5, O-O", ENDS_SEARCH,
+     [](const Command& command) { PlayMoveText(command.Word(2)); }, true},
 };
 
-constexpr Entry any_other = {"", ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
-                             FREE_ENGINE};
+constexpr Entry any_other = {"", nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
+                             true};
+
+void ShowHelpOf(const Entry& entry) {
+    if (entry.help == nullptr)
+        return;
+    const int width = static_cast<int>(std::strcspn(entry.help, "\t"));
+    ShowFormatted("%-22.*s%s", width, entry.help, entry.help + width + 1);
+}
+
+void ShowHelp(const Command&) {
+    for (const Entry& entry : commands)
+        ShowHelpOf(entry);
+    ShowHelpOf(several_lines);
+    for (const Entry& entry : later_commands)
+        ShowHelpOf(entry);
+}
 
 template <size_t N>
 const Entry* Find(const Entry (&table)[N], const std::string& word) {
@@ -316,7 +343,9 @@ const Entry& EntryOf(const std::string& word) {
 
 Need ConsoleNeed(const char* line) {
     const Entry& entry = EntryOf(Split(line).words[0]);
-    return PBlock.debug ? entry.need_in_debug : entry.need;
+    if (!PBlock.debug || !entry.shows_board)
+        return entry.need;
+    return entry.need == BESIDE ? WHEN_OVER : FREE_ENGINE;
 }
 
 void ConsoleCommand(const char* line) {

@@ -1,0 +1,126 @@
+#include "tools/openings.h"
+
+#include <cctype>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "board/fen.h"
+#include "board/generate.h"
+#include "board/make_move.h"
+#include "board/search_thread.h"
+#include "interface/messages.h"
+#include "interface/move_text.h"
+#include "interface/pblock.h"
+#include "platform/file.h"
+#include "search/search_control.h"
+#include "search/time_control.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr int SHORTEST = 8;  // plies
+constexpr int LONGEST = 12;
+constexpr int LARGEST_SCORE = 50;  // centipawns for either side, at the end of an opening
+constexpr int FIRST_LOOK = 0;      // depth at which most are passed over
+constexpr int SECOND_LOOK = 4;     // and that at which the others are judged
+constexpr int WINS_EACH = 3;       // a position of a book needs more than five points, its chooser two wins
+
+using Opening = std::vector<Move>;
+
+// Numerical Recipes' generator: the same numbers on every system.
+class Dice {
+public:
+    explicit Dice(uint32_t seed) : state_(seed) {}
+    int Below(int limit) {
+        state_ = state_ * 1664525 + 1013904223;
+        return static_cast<int>((static_cast<uint64_t>(state_) * static_cast<uint64_t>(limit)) >> 32);
+    }
+
+private:
+    uint32_t state_;
+};
+
+std::vector<Move> LegalMoves(Position* pos) {
+    GenerateAll(pos);
+    MoveEntry* list = pos->frames[pos->ply].first;
+    RemoveIllegalMoves(*pos, list);
+    std::vector<Move> moves;
+    for (; list->move != END_OF_LIST; ++list)
+        moves.push_back(list->move);
+    return moves;
+}
+
+// Plays random moves from the start position. The first moves and the replies to them are dealt evenly, so that a book
+// chooses among its lines evenly too. Empty if the game ends on the way.
+Opening RandomOpening(Position* pos, int number, Dice* dice) {
+    SetPosition(pos, fen_opn);
+    Opening opening;
+    for (int length = SHORTEST + dice->Below(LONGEST - SHORTEST + 1); length > 0; --length) {
+        const std::vector<Move> moves = LegalMoves(pos);
+        if (moves.empty())
+            return {};
+        const int many = static_cast<int>(moves.size());
+        const int choice = opening.empty() ? number % many : opening.size() == 1 ? number / 20 % many : dice->Below(many);
+        opening.push_back(moves[choice]);
+        PlayGameMove(pos, opening.back());
+    }
+    return opening;
+}
+
+bool IsBalanced(int depth) {
+    LimitDepth(depth);
+    InitSearch(STATE_IDLE);
+    SearchHere();
+    const int score = GetThread(1)->score;
+    return score >= -LARGEST_SCORE && score <= LARGEST_SCORE;
+}
+
+// The moves with their numbers.
+std::string TextOf(Position* pos, const Opening& opening) {
+    SetPosition(pos, fen_opn);
+    std::string text;
+    for (size_t i = 0; i < opening.size(); ++i) {
+        MoveText coord, san, file_form, rank_form;
+        GenMoveStrings(*pos, opening[i], coord.data(), san.data(), file_form.data(), rank_form.data());
+        if (i % 2 == 0)
+            text += std::to_string(i / 2 + 1) + ". ";
+        for (const char* c = san.data(); *c != '\0'; ++c)
+            text += *c == 'o' ? 'O' : *c;
+        text += ' ';
+        PlayGameMove(pos, opening[i]);
+    }
+    return text;
+}
+
+void WriteGames(File* out, const std::string& moves) {
+    for (int i = 0; i < 2 * WINS_EACH; ++i) {
+        const char* result = i % 2 == 0 ? "1-0" : "0-1";
+        out->Print("[Event \"Opening\"]\n[Result \"%s\"]\n\n%s%s\n\n", result, moves.c_str(), result);
+    }
+}
+
+}  // namespace
+
+bool WriteOpenings(const char* file, int count, uint32_t seed) {
+    File out(file, "w");
+    PBlock.noise = SILENT;
+    PBlock.use_hash = 0;
+    Position* pos = GamePosition();
+    Dice dice(seed);
+    std::set<Opening> known;
+    GetElapsedTime(0);
+    while (static_cast<int>(known.size()) < count && out && !PBlock.quit) {
+        const Opening opening = RandomOpening(pos, static_cast<int>(known.size()), &dice);
+        if (!opening.empty() && IsBalanced(FIRST_LOOK) && IsBalanced(SECOND_LOOK) && known.insert(opening).second)
+            WriteGames(&out, TextOf(pos, opening));
+        poll_input();
+    }
+    if (out.Close())
+        return true;
+    Complain("%s: can't be written", file);
+    return false;
+}
+
+}  // namespace vrel
