@@ -17,9 +17,10 @@ void SetDefaults() {
     CopyText(&PBlock.book_file, "vrel.opn");
 }
 
-void CopyText(std::array<char, FILE_NAME>* dest, const char* text) {
-    std::strncpy(dest->data(), text, dest->size() - 1);
-    dest->back() = '\0';
+bool CopyText(std::array<char, FILE_NAME>* dest, const char* text) {
+    const bool fits = std::strlen(text) < dest->size();
+    std::strcpy(dest->data(), fits ? text : "");
+    return fits;
 }
 
 }  // namespace vrel

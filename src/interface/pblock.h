@@ -92,7 +92,7 @@ extern int selfplay;            // nonzero while the program plays both sides
 // All fields back to their defaults.
 void SetDefaults();
 
-// Copies a file name into one of the fixed buffers, cut to fit.
-void CopyText(std::array<char, FILE_NAME>* dest, const char* text);
+// Copies a file name into one of the fixed buffers. False, and an empty name, if it is too long.
+bool CopyText(std::array<char, FILE_NAME>* dest, const char* text);
 
 }  // namespace vrel

@@ -5,6 +5,7 @@
 #include "board/fen.h"
 #include "board/search_thread.h"
 #include "interface/messages.h"
+#include "interface/pblock.h"
 #include "platform/clock.h"
 #include "search/search_control.h"
 #include "search/time_control.h"
@@ -25,6 +26,7 @@ bool PrepareAfresh(const char* fen) {
 
 uint64_t RunBench(int depth) {
     LimitDepth(depth);
+    PBlock.noise = SILENT;
     uint64_t total = 0;
     double seconds = 0.0;
     for (const char* fen : kBenchPositions) {

@@ -25,6 +25,9 @@ constexpr int LONGEST = 12;
 constexpr int LARGEST_SCORE = 50;  // centipawns for either side, at the end of an opening
 constexpr int FIRST_LOOK = 0;      // depth at which most are passed over
 constexpr int SECOND_LOOK = 4;     // and that at which the others are judged
+constexpr int TWIG = 2;            // last plies in which the openings of a stem differ
+constexpr int TWIGS = 4;           // openings of a stem, at most
+constexpr int TRIES = 40;          // to find them
 constexpr int WINS_EACH = 3;       // a position of a book needs more than five points, its chooser two wins
 
 using Opening = std::vector<Move>;
@@ -52,17 +55,20 @@ std::vector<Move> LegalMoves(Position* pos) {
     return moves;
 }
 
-// Plays random moves from the start position. The first moves and the replies to them are dealt evenly, so that a book
-// chooses among its lines evenly too. Empty if the game ends on the way.
-Opening RandomOpening(Position* pos, int number, Dice* dice) {
+// Plays random moves behind a stem until the opening has `length` plies. The first moves and the replies to them are
+// dealt evenly, so that a book chooses among its lines evenly too. Empty if the game ends on the way.
+Opening Grow(Position* pos, Opening opening, int length, int number, Dice* dice) {
     SetPosition(pos, fen_opn);
-    Opening opening;
-    for (int length = SHORTEST + dice->Below(LONGEST - SHORTEST + 1); length > 0; --length) {
+    for (const Move move : opening)
+        PlayGameMove(pos, move);
+    while (static_cast<int>(opening.size()) < length) {
         const std::vector<Move> moves = LegalMoves(pos);
         if (moves.empty())
             return {};
         const int many = static_cast<int>(moves.size());
-        const int choice = opening.empty() ? number % many : opening.size() == 1 ? number / 20 % many : dice->Below(many);
+        const int choice = opening.empty()       ? number % many
+                           : opening.size() == 1 ? number / 20 % many
+                                                 : dice->Below(many);
         opening.push_back(moves[choice]);
         PlayGameMove(pos, opening.back());
     }
@@ -110,12 +116,24 @@ bool WriteOpenings(const char* file, int count, uint32_t seed) {
     Position* pos = GamePosition();
     Dice dice(seed);
     std::set<Opening> known;
+    Opening stem;  // of the last opening, if it still has twigs to grow
     GetElapsedTime(0);
-    while (static_cast<int>(known.size()) < count && out && !PBlock.quit) {
-        const Opening opening = RandomOpening(pos, static_cast<int>(known.size()), &dice);
-        if (!opening.empty() && IsBalanced(FIRST_LOOK) && IsBalanced(SECOND_LOOK) && known.insert(opening).second)
+    for (int twigs = 0, stems = 0; static_cast<int>(known.size()) < count && out && !PBlock.quit; poll_input()) {
+        const int length =
+            stem.empty() ? SHORTEST + dice.Below(LONGEST - SHORTEST + 1) : static_cast<int>(stem.size()) + TWIG;
+        const Opening opening = Grow(pos, stem, length, stems, &dice);
+        const bool taken =
+            !opening.empty() && IsBalanced(FIRST_LOOK) && IsBalanced(SECOND_LOOK) && known.insert(opening).second;
+        if (taken)
             WriteGames(&out, TextOf(pos, opening));
-        poll_input();
+        // The first opening of a stem leaves it to a few more; so a book of many lines stays small.
+        if (taken && stem.empty()) {
+            ++stems;
+            twigs = 0;
+            stem.assign(opening.begin(), opening.end() - TWIG);
+        } else if (!stem.empty() && (++twigs == TRIES || known.size() % TWIGS == 0)) {
+            stem.clear();
+        }
     }
     if (out.Close())
         return true;

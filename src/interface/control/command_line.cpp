@@ -1,74 +1,150 @@
 #include "interface/control/command_line.h"
 
-#include <string>
+#include <cstring>
 
 #include "interface/control/options.h"
+#include "interface/messages.h"
 #include "interface/numbers.h"
+#include "tools/bench.h"
 
 namespace vrel {
 
 namespace {
 
-void SetFlag(const std::string& word) {
-    if (word == "-uci") {
-        PBlock.mode = MODE_UCI;
-    } else if (word == "-c") {
-        PBlock.mode = MODE_CONSOLE;
-    } else if (word == "-nolog") {
-        PBlock.log = 0;
-    } else if (word == "-quiet") {
-        PBlock.log = 0;
-        PBlock.noise = SILENT;
-    } else if (word == "-uci_extra") {
-        uci_extra = 1;
+constexpr int OPENINGS = 1000;
+constexpr int MOST_OPENINGS = 100000;
+
+// The words that haven't been read.
+struct Words {
+    int count;
+    char** next;
+
+    const char* Take() {
+        --count;
+        return *next++;
     }
+    bool NumberIsNext() const { return count > 0 && (*next)[0] >= '0' && (*next)[0] <= '9'; }
+    int TakeNumber(int lowest, int highest, int otherwise) {
+        return NumberIsNext() ? ReadInteger(Take(), lowest, highest) : otherwise;
+    }
+};
+
+// A path that is too long for its field is refused whole: a cut one may be another file's.
+void TakeFile(Words* words, std::array<char, FILE_NAME>* field, CommandLine* line) {
+    const char* name = words->Take();
+    if (!CopyText(field, name))
+        line->fault = std::string(name) + ": path longer than " + std::to_string(FILE_NAME - 1) + " characters";
 }
 
-// True if the word is an option with an argument.
-bool SetValue(const std::string& word, const char* argument, CommandLine* line) {
-    if (word == "-noise") {
-        PBlock.noise = ReadReal(argument, -1e9, 1e9);
-    } else if (word == "-d") {
-        PBlock.level_moves = 1;
-        PBlock.level_time = 10000.0;
-        PBlock.max_depth = static_cast<int8_t>(ReadInteger(argument, 0, MAX_DEPTH));
-    } else if (word == "-t") {
-        PBlock.level_moves = 1;
-        PBlock.level_time = ReadReal(argument, 0.0, 1e9);
-    } else if (word == "-hash") {
-        PBlock.hash_mb = static_cast<int16_t>(ReadOption(*FindOption("Hash"), argument));
-    } else if (word == "-threads") {
-        PBlock.nthreads = static_cast<int8_t>(ReadOption(*FindOption("Threads"), argument));
-    } else if (word == "-anepd") {
-        CopyText(&PBlock.epd_file, argument);
-        line->analyse_epd = true;
-    } else if (word == "-scan_pgn1" || word == "-scan_pgn2" || word == "-scan_pgn3") {
-        CopyText(&line->file, argument);
-        line->scan_kind = word.back() - '0';
-    } else if (word == "-match") {
-        CopyText(&line->file, argument);
-        line->match = true;
-    } else if (word == "-tune") {
-        CopyText(&PBlock.epd_file, argument);
-        line->tune = true;
-    } else {
-        return false;
-    }
-    return true;
+void FixTime(double seconds) {
+    PBlock.level_moves = 1;
+    PBlock.level_time = seconds;
+}
+
+void TakeScan(Words* words, CommandLine* line, int kind) {
+    TakeFile(words, &line->file, line);
+    line->scan_kind = kind;
+}
+
+struct Option {
+    const char* name;
+    bool takes_word;   // which has to be there
+    const char* help;  // what follows the name, a tab, what it does; null for another name of the option before
+    void (*apply)(Words* words, CommandLine* line);
+};
+
+constexpr Option options[] = {
+    {"-uci", false, "\tspeak UCI (the default)", [](Words*, CommandLine*) { PBlock.mode = MODE_UCI; }},
+    {"-c", false, "\tconsole: commands for a person at the keyboard",
+     [](Words*, CommandLine*) { PBlock.mode = MODE_CONSOLE; }},
+    {"-d", true, "N\tsearch to depth N, 66 at most",
+     [](Words* words, CommandLine*) {
+         FixTime(10000.0);
+         PBlock.max_depth = static_cast<int8_t>(ReadInteger(words->Take(), 0, MAX_DEPTH));
+     }},
+    {"-t", true, "SECONDS\ttime for each move",
+     [](Words* words, CommandLine*) { FixTime(ReadReal(words->Take(), 0.0, 1e9)); }},
+    {"-hash", true, "MIB\tsize of the transposition table",
+     [](Words* words, CommandLine*) {
+         PBlock.hash_mb = static_cast<int16_t>(ReadOption(*FindOption("Hash"), words->Take()));
+     }},
+    {"-threads", true, "N\tnumber of threads that search",
+     [](Words* words, CommandLine*) {
+         PBlock.nthreads = static_cast<int8_t>(ReadOption(*FindOption("Threads"), words->Take()));
+     }},
+    {"-noise", true, "SECONDS\tno search output before so many seconds",
+     [](Words* words, CommandLine*) { PBlock.noise = ReadReal(words->Take(), -1e9, 1e9); }},
+    {"-quiet", false, "\tno search output and no log; the answer still comes",
+     [](Words*, CommandLine*) {
+         PBlock.log = 0;
+         PBlock.noise = SILENT;
+     }},
+    {"-nolog", false, "\tno log", [](Words*, CommandLine*) { PBlock.log = 0; }},
+    {"-uci_extra", false, "\tlonger info lines", [](Words*, CommandLine*) { uci_extra = 1; }},
+    {"-anepd", true, "FILE\trun a suite of test positions, for example with -d 9",
+     [](Words* words, CommandLine* line) {
+         TakeFile(words, &PBlock.epd_file, line);
+         line->analyse_epd = true;
+     }},
+    {"-scan_pgn1", true, "FILE\tlist the games of a PGN file with their doubtful moves, in tmp.pgn",
+     [](Words* words, CommandLine* line) { TakeScan(words, line, 1); }},
+    {"-scan_pgn2", true, "FILE\twrite training positions from a PGN file, in tmp.epd",
+     [](Words* words, CommandLine* line) { TakeScan(words, line, 2); }},
+    {"-scan_pgn3", true, "FILE\tthe same without results",
+     [](Words* words, CommandLine* line) { TakeScan(words, line, 3); }},
+    {"-match", true, "FILE\tplay a match of the engine against itself, its games into the file",
+     [](Words* words, CommandLine* line) {
+         TakeFile(words, &line->file, line);
+         line->match = true;
+     }},
+    {"-tune", true, "FILE\ttune the evaluation to the positions of the file",
+     [](Words* words, CommandLine* line) {
+         TakeFile(words, &PBlock.epd_file, line);
+         line->tune = true;
+     }},
+    {"bench", false, "[DEPTH]\tsearch a set of positions; the node total is the same on every machine",
+     [](Words* words, CommandLine* line) { line->bench_depth = words->TakeNumber(1, MAX_DEPTH, BENCH_DEPTH); }},
+    {"openings", true, "FILE [N] [SEED]\twrite N short random openings as PGN, for mkbook",
+     [](Words* words, CommandLine* line) {
+         TakeFile(words, &line->file, line);
+         line->openings = words->TakeNumber(1, MOST_OPENINGS, OPENINGS);
+         line->seed = static_cast<uint32_t>(words->TakeNumber(0, INT32_MAX, 1));
+     }},
+    {"--help", false, "\tthis page", [](Words*, CommandLine* line) { line->help = true; }},
+    {"-help", false, nullptr, [](Words*, CommandLine* line) { line->help = true; }},
+    {"--version", false, "\tname and version", [](Words*, CommandLine* line) { line->version = true; }},
+};
+
+const Option* Find(const char* word) {
+    for (const Option& option : options)
+        if (std::strcmp(word, option.name) == 0)
+            return &option;
+    return nullptr;
 }
 
 }  // namespace
 
 CommandLine ReadCommandLine(int argc, char** argv) {
     CommandLine line;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (i + 1 < argc && SetValue(word, argv[i + 1], &line))
-            ++i;
-        else
-            SetFlag(word);
+    Words words = {argc - 1, argv + 1};
+    while (words.count > 0) {
+        const Option* option = Find(words.Take());
+        if (option != nullptr && words.count >= (option->takes_word ? 1 : 0))
+            option->apply(&words, &line);
     }
     return line;
+}
+
+void ShowCommandLineHelp() {
+    Print("%s, a chess engine. Chess interfaces start it and talk UCI to it; vrel -c talks to a person.\n\n", version);
+    Print("usage: vrel [OPTION...]\n\n");
+    for (const Option& option : options) {
+        if (option.help == nullptr)
+            continue;
+        const int width = static_cast<int>(std::strcspn(option.help, "\t"));
+        const std::string usage = option.name + std::string(" ") + std::string(option.help, option.help + width);
+        Print("  %-26s%s\n", usage.c_str(), option.help + width + 1);
+    }
 }
 
 }  // namespace vrel

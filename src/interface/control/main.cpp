@@ -13,8 +13,10 @@
 #include "search/search_control.h"
 #include "search/start_up.h"
 #include "search/thread_pool.h"
+#include "tools/bench.h"
 #include "tools/epd_analysis.h"
 #include "tools/match.h"
+#include "tools/openings.h"
 #include "tools/pgn_scan.h"
 #include "tools/tuner.h"
 
@@ -24,21 +26,47 @@ namespace {
 
 constexpr double TOOL_NOISE = 1000.0;  // seconds that a batch search must take before it shows lines
 
-// Starts everything but the tool or the game. False if the program can't run.
+constexpr int FAILED = 1;  // exit status
+
+// What needs neither workers nor a log of its own.
+bool IsAnsweredAtOnce(const CommandLine& line) {
+    return !line.fault.empty() || line.help || line.version || line.bench_depth > 0;
+}
+
+// Builds the engine as the command line wants it, without its workers. False if there is no memory.
 bool StartUp(int argc, char** argv, CommandLine* line) {
     poll_input = PollInputForTool;
     OccupyStandardStreams();
     IgnoreBrokenPipe();
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone
-    OpenLog();
-    if (!StartEngine([&] { *line = ReadCommandLine(argc, argv); }))
+    const auto configure = [&] {
+        *line = ReadCommandLine(argc, argv);
+        if (!IsAnsweredAtOnce(*line))
+            OpenLog();
+    };
+    if (!StartEngine(configure))
         return false;
     InitBook();
-    return CreateThreadPool(PBlock.nthreads) == 0;
+    return true;
 }
 
-// Runs the first tool that was asked for. False if there is none.
-bool RunTool(const CommandLine& line) {
+// Returns the exit status.
+int AnswerAtOnce(const CommandLine& line) {
+    if (!line.fault.empty()) {
+        Complain("%s", line.fault.c_str());
+        return FAILED;
+    }
+    if (line.help)
+        ShowCommandLineHelp();
+    else if (line.version)
+        Print("%s\n", version);
+    else if (RunBench(line.bench_depth) == 0)
+        return FAILED;
+    return 0;
+}
+
+// Runs the first tool that was asked for. False if there is none; `status` is the exit status.
+bool RunTool(const CommandLine& line, int* status) {
     if (line.analyse_epd) {
         Analyze_EPD_File(true);
     } else if (line.scan_kind != 0) {
@@ -50,6 +78,8 @@ bool RunTool(const CommandLine& line) {
     } else if (line.tune) {
         PBlock.noise = TOOL_NOISE;
         Tune();
+    } else if (line.openings > 0) {
+        *status = WriteOpenings(line.file.data(), line.openings, line.seed) ? 0 : FAILED;
     } else {
         return false;
     }
@@ -62,24 +92,26 @@ void Play() {
     RunGameLoop();
 }
 
-// The workers end before what they use is given back.
-void ShutDown() {
+}  // namespace
+
+int Run(int argc, char** argv) {
+    CommandLine line;
+    if (!StartUp(argc, argv, &line))
+        return FAILED;
+    if (IsAnsweredAtOnce(line))
+        return AnswerAtOnce(line);
+    if (CreateThreadPool(PBlock.nthreads) != 0)
+        return FAILED;
+    int status = 0;
+    if (!RunTool(line, &status))
+        Play();
     KillBook();
-    KillThreadPool(PBlock.nthreads);
+    KillThreadPool(PBlock.nthreads);  // before what the workers use is given back
     EndEngine();
     CloseLog();
+    return status;
 }
-
-}  // namespace
 
 }  // namespace vrel
 
-int main(int argc, char** argv) {
-    vrel::CommandLine line;
-    if (!vrel::StartUp(argc, argv, &line))
-        return 1;
-    if (!vrel::RunTool(line))
-        vrel::Play();
-    vrel::ShutDown();
-    return 0;
-}
+int main(int argc, char** argv) { return vrel::Run(argc, argv); }
