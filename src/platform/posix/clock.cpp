@@ -2,6 +2,7 @@
 
 #include <sys/time.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -29,7 +30,8 @@ double SecondsSince(double start) {
 unsigned int TimeOfDaySeed() {
     timeval now{};
     gettimeofday(&now, nullptr);
-    return static_cast<unsigned int>(static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_usec / 1000);
+    const auto time = static_cast<unsigned int>(static_cast<int64_t>(now.tv_sec) * 1000 + now.tv_usec / 1000);
+    return time ^ static_cast<unsigned int>(getpid()) * 2654435761U;
 }
 
 void SleepMilliseconds(int milliseconds) {
