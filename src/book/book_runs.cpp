@@ -74,8 +74,11 @@ RecordSource::RecordSource(const char* name) : file_(name, "rb") {
 
 bool RecordSource::Refill() {
     const size_t wanted = std::min(left_, CHUNK_RECORDS);
-    if (wanted == 0)
+    if (wanted == 0) {
+        // Another file can take the place of a closed one everywhere.
+        file_.Close();
         return false;
+    }
     const size_t count = file_.Read(chunk_.data(), wanted * sizeof(BookRecord)) / sizeof(BookRecord);
     sound_ = count == wanted;
     left_ = sound_ ? left_ - count : 0;
