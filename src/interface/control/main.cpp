@@ -8,6 +8,7 @@
 #include "interface/control/input.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
+#include "platform/arguments.h"
 #include "platform/clock.h"
 #include "platform/standard_output.h"
 #include "search/search_control.h"
@@ -114,4 +115,7 @@ int Run(int argc, char** argv) {
 
 }  // namespace vrel
 
-int main(int argc, char** argv) { return vrel::Run(argc, argv); }
+int main(int argc, char** argv) {
+    argv = vrel::ArgumentsInUtf8(&argc, argv);
+    return vrel::Run(argc, argv);
+}

@@ -1,0 +1,90 @@
+#include "platform/file.h"
+
+#include <windows.h>
+
+#include <cwchar>
+
+#include "platform/windows/wide.h"
+
+// Names of the system's own that are the engine's too.
+#undef DeleteFile
+
+namespace vrel {
+
+namespace {
+
+constexpr DWORD SHARE_ALL = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+HANDLE Open(const char* name, DWORD access) {
+    return CreateFileW(WideText(name).c_str(), access, SHARE_ALL, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
+// The mark lies far behind the last byte, since nobody else may read or write what it covers.
+bool Mark(HANDLE file) {
+    OVERLAPPED place{};
+    place.OffsetHigh = 0x40000000;
+    return LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) != 0;
+}
+
+uint64_t Join(DWORD high, DWORD low) { return uint64_t{high} << 32 | low; }
+
+}  // namespace
+
+// Without the "b" line ends would change on their way, and a control character would end the file.
+File::File(const char* name, const char* mode) {
+    std::wstring wide_mode = WideText(mode);
+    if (wide_mode.find(L'b') == std::wstring::npos)
+        wide_mode += L'b';
+    stream_ = _wfopen(WideText(name).c_str(), wide_mode.c_str());
+}
+
+bool FileExists(const char* name) { return GetFileAttributesW(WideText(name).c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+bool ReadFileStamp(const char* name, FileStamp* stamp) {
+    const HANDLE file = Open(name, FILE_READ_ATTRIBUTES);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    BY_HANDLE_FILE_INFORMATION about;
+    const bool regular = GetFileType(file) == FILE_TYPE_DISK && GetFileInformationByHandle(file, &about) != 0 &&
+                         (about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    CloseHandle(file);
+    if (!regular)
+        return false;
+    stamp->device = about.dwVolumeSerialNumber;
+    stamp->number = Join(about.nFileIndexHigh, about.nFileIndexLow);
+    stamp->size = static_cast<int64_t>(Join(about.nFileSizeHigh, about.nFileSizeLow));
+    stamp->changed =
+        static_cast<int64_t>(Join(about.ftLastWriteTime.dwHighDateTime, about.ftLastWriteTime.dwLowDateTime));
+    return true;
+}
+
+bool DeleteFile(const char* name) { return DeleteFileW(WideText(name).c_str()) != 0; }
+
+bool RenameFile(const char* from, const char* to) {
+    return MoveFileExW(WideText(from).c_str(), WideText(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+void FileLock::Hold(const char* name) {
+    Release();
+    const HANDLE file = Open(name, GENERIC_READ);
+    file_ = reinterpret_cast<intptr_t>(file);
+    if (file != INVALID_HANDLE_VALUE && !Mark(file))
+        Release();
+}
+
+void FileLock::Release() {
+    if (file_ != NO_FILE)
+        CloseHandle(reinterpret_cast<HANDLE>(file_));
+    file_ = NO_FILE;
+}
+
+bool FileIsHeld(const char* name) {
+    const HANDLE file = Open(name, GENERIC_READ);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    const bool held = !Mark(file) && GetLastError() == ERROR_LOCK_VIOLATION;
+    CloseHandle(file);
+    return held;
+}
+
+}  // namespace vrel
