@@ -52,7 +52,7 @@ void ForgetBuffer() {
 bool LoadBuffer(int key) {
     if (PBlock.book_file[0] == 0)
         return false;
-    File file(PBlock.book_file.data(), "rb");
+    File file = OpenOwnFile(PBlock.book_file.data(), "rb");
     const int32_t start = bktable[PrefixOf(key)];
     if (!file || start == NOT_IN_BOOK)
         return false;
@@ -75,7 +75,7 @@ void IndexBook() {
     bktable.fill(NOT_IN_BOOK);
     if (PBlock.book_file[0] == 0)
         return;
-    File file(PBlock.book_file.data(), "rb");
+    File file = OpenOwnFile(PBlock.book_file.data(), "rb");
     size_t count;
     do {
         count = file.Read(bkbuffr.data(), sizeof bkbuffr) / sizeof(BookRecord);

@@ -106,14 +106,13 @@ void Complain(const char* format, ...) {
 }
 
 void OpenLog() {
-    // The name of a file in use can be taken away here, which would leave the other program's log without one.
-    if (FileIsHeld(logfile) || (FileExists(logfile) && !DeleteFile(logfile))) {
+    const FileLock::Claimed claimed = log_lock.Claim(logfile);
+    if (claimed == FileLock::CLAIMED)
+        fdlog = File(logfile, "w");
+    else if (claimed == FileLock::IN_USE)
         Print("log file in use\n\n");
-        return;
-    }
-    fdlog = File(logfile, "w");
-    if (fdlog)
-        log_lock.Hold(logfile);
+    else
+        Complain("%s: %s", logfile, FileTrouble(logfile));
 }
 
 void CloseLog() {

@@ -1,10 +1,22 @@
 #include "platform/file.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstring>
 #include <utility>
 
 namespace vrel {
+
+File OpenOwnFile(const char* name, const char* mode) {
+    FileStamp stamp;
+    return FileExists(name) && !ReadFileStamp(name, &stamp) ? File() : File(name, mode);
+}
+
+const char* FileTrouble(const char* name) {
+    const int error = errno;
+    FileStamp stamp;
+    return FileExists(name) && !ReadFileStamp(name, &stamp) ? "not a regular file" : std::strerror(error);
+}
 
 File::~File() { Close(); }
 

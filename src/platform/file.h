@@ -47,12 +47,22 @@ public:
     // Length in bytes, -1 on failure. The place in the file stays.
     int64_t Size();
 
+    // True if reading or writing has failed, other than by reaching the end.
+    bool Failed() const { return stream_ != nullptr && std::ferror(stream_) != 0; }
+
     // Closes the file: true if there was one and no write to it has failed.
     bool Close();
 
 private:
     std::FILE* stream_ = nullptr;
 };
+
+// For files that the program opens on its own account: only a regular file is opened, since a pipe or a device of that
+// name could keep it waiting for ever.
+File OpenOwnFile(const char* name, const char* mode);
+
+// Why a file could not be opened, read or written just now, in the system's words.
+const char* FileTrouble(const char* name);
 
 bool FileExists(const char* name);
 
@@ -86,8 +96,14 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // Puts the mark on an existing file. Without effect where files can't be marked.
-    void Hold(const char* name);
+    // Puts the mark on an existing file. False if another running program has it, or files can't be marked here.
+    bool Hold(const char* name);
+
+    // Makes an empty file of that name, in the place of any that nobody has marked, and marks it; of several programs
+    // that do so in the same moment one succeeds.
+    enum Claimed { CLAIMED, IN_USE, NOT_TO_BE_HAD };
+    Claimed Claim(const char* name);
+
     void Release();
 
 private:
@@ -95,8 +111,5 @@ private:
 
     intptr_t file_ = NO_FILE;  // what the system knows the open file by
 };
-
-// True if another running program has marked the file.
-bool FileIsHeld(const char* name);
 
 }  // namespace vrel

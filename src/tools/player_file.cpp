@@ -58,9 +58,10 @@ const char* ReadPlayerLine(const std::string& line, PersonalityRecord* record) {
 bool ReadPlayerFile(const char* file, PersonalityRecord* record) {
     if (!FileExists(file))
         return true;
-    File in(file, "r");
+    File in = OpenOwnFile(file, "r");
     if (!in) {
         ShowFormatted("can't open %s", file);
+        Complain("%s: %s", file, FileTrouble(file));
         return false;
     }
     std::string line;

@@ -42,7 +42,7 @@ void TraceMove(const Position& pos, Move move) {
         return;
     const std::lock_guard guard(writing);
     if (!out) {
-        out = File("trace.txt", "w");
+        out = OpenOwnFile("trace.txt", "w");
         if (!out)
             std::_Exit(0);
     }

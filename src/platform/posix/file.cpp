@@ -21,6 +21,13 @@ int OpenToMark(const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_C
 
 bool Mark(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
 
+bool IsNamed(int descriptor, const char* name) {
+    struct stat open_file {
+    }, named{};
+    return fstat(descriptor, &open_file) == 0 && stat(name, &named) == 0 && open_file.st_dev == named.st_dev &&
+           open_file.st_ino == named.st_ino;
+}
+
 }  // namespace
 
 File::File(const char* name, const char* mode) : stream_(std::fopen(name, mode)) {
@@ -47,27 +54,41 @@ bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
 
-void FileLock::Hold(const char* name) {
+bool FileLock::Hold(const char* name) {
     Release();
     const int descriptor = OpenToMark(name);
+    if (descriptor < 0)
+        return false;
     file_ = descriptor;
-    if (descriptor >= 0 && !Mark(descriptor))
+    if (!Mark(descriptor))
         Release();
+    return file_ != NO_FILE;
+}
+
+FileLock::Claimed FileLock::Claim(const char* name) {
+    // The old file is marked while it makes way, so that nobody takes it for his own meanwhile.
+    FileLock old;
+    old.file_ = OpenToMark(name);
+    if (old.file_ != NO_FILE && !Mark(static_cast<int>(old.file_)) && errno == EWOULDBLOCK)
+        return IN_USE;
+    if (unlink(name) != 0 && errno != ENOENT)
+        return IN_USE;
+    Release();
+    const int descriptor = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return errno == EEXIST ? IN_USE : NOT_TO_BE_HAD;
+    file_ = descriptor;
+    // Another program may have come between the file and its mark, and removed it again.
+    if (Mark(descriptor) && IsNamed(descriptor, name))
+        return CLAIMED;
+    Release();
+    return IN_USE;
 }
 
 void FileLock::Release() {
     if (file_ != NO_FILE)
         close(static_cast<int>(file_));
     file_ = NO_FILE;
-}
-
-bool FileIsHeld(const char* name) {
-    const int descriptor = OpenToMark(name);
-    if (descriptor < 0)
-        return false;
-    const bool held = !Mark(descriptor) && errno == EWOULDBLOCK;
-    close(descriptor);
-    return held;
 }
 
 }  // namespace vrel

@@ -15,8 +15,8 @@ namespace {
 
 constexpr DWORD SHARE_ALL = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-HANDLE Open(const char* name, DWORD access) {
-    return CreateFileW(WideText(name).c_str(), access, SHARE_ALL, nullptr, OPEN_EXISTING, 0, nullptr);
+HANDLE Open(const char* name, DWORD access, DWORD disposition) {
+    return CreateFileW(WideText(name).c_str(), access, SHARE_ALL, nullptr, disposition, 0, nullptr);
 }
 
 // The mark lies far behind the last byte, since nobody else may read or write what it covers.
@@ -41,7 +41,7 @@ File::File(const char* name, const char* mode) {
 bool FileExists(const char* name) { return GetFileAttributesW(WideText(name).c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 bool ReadFileStamp(const char* name, FileStamp* stamp) {
-    const HANDLE file = Open(name, FILE_READ_ATTRIBUTES);
+    const HANDLE file = Open(name, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
     if (file == INVALID_HANDLE_VALUE)
         return false;
     BY_HANDLE_FILE_INFORMATION about;
@@ -64,27 +64,34 @@ bool RenameFile(const char* from, const char* to) {
     return MoveFileExW(WideText(from).c_str(), WideText(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-void FileLock::Hold(const char* name) {
+bool FileLock::Hold(const char* name) {
     Release();
-    const HANDLE file = Open(name, GENERIC_READ);
+    const HANDLE file = Open(name, GENERIC_READ, OPEN_EXISTING);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
     file_ = reinterpret_cast<intptr_t>(file);
-    if (file != INVALID_HANDLE_VALUE && !Mark(file))
+    if (!Mark(file))
         Release();
+    return file_ != NO_FILE;
+}
+
+// The file stays the same one: whoever has its mark empties it.
+FileLock::Claimed FileLock::Claim(const char* name) {
+    Release();
+    const HANDLE file = Open(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+    if (file == INVALID_HANDLE_VALUE)
+        return FileExists(name) ? IN_USE : NOT_TO_BE_HAD;
+    file_ = reinterpret_cast<intptr_t>(file);
+    if (Mark(file) && SetEndOfFile(file) != 0)
+        return CLAIMED;
+    Release();
+    return IN_USE;
 }
 
 void FileLock::Release() {
     if (file_ != NO_FILE)
         CloseHandle(reinterpret_cast<HANDLE>(file_));
     file_ = NO_FILE;
-}
-
-bool FileIsHeld(const char* name) {
-    const HANDLE file = Open(name, GENERIC_READ);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    const bool held = !Mark(file) && GetLastError() == ERROR_LOCK_VIOLATION;
-    CloseHandle(file);
-    return held;
 }
 
 }  // namespace vrel
