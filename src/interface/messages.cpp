@@ -15,10 +15,10 @@
 namespace vrel {
 
 const char* const version = "Vrel 2.6";
+const char* const logfile = "vrel.log";
 
 namespace {
 
-constexpr const char* logfile = "vrel.log";
 constexpr size_t USUAL_LINE = 2048;
 
 File fdlog;

@@ -20,6 +20,9 @@ void LogMessage(const char* text);
 // A word on standard error about what went wrong, one line.
 [[gnu::format(printf, 1, 2)]] void Complain(const char* format, ...);
 
+// Name of the log.
+extern const char* const logfile;
+
 // Starts a new log file; without one the program goes on.
 void OpenLog();
 void CloseLog();

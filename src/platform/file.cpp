@@ -12,6 +12,11 @@ File OpenOwnFile(const char* name, const char* mode) {
     return FileExists(name) && !ReadFileStamp(name, &stamp) ? File() : File(name, mode);
 }
 
+bool NameOneFile(const char* a, const char* b) {
+    FileStamp first, second;
+    return ReadFileStamp(a, &first) && ReadFileStamp(b, &second) && SameFile(first, second);
+}
+
 const char* FileTrouble(const char* name) {
     const int error = errno;
     FileStamp stamp;
@@ -54,6 +59,10 @@ size_t File::Read(void* data, size_t size) { return stream_ == nullptr ? 0 : std
 
 bool File::Write(const void* data, size_t size) {
     return stream_ != nullptr && std::fwrite(data, 1, size, stream_) == size;
+}
+
+size_t File::Append(const void* data, size_t size) {
+    return stream_ == nullptr ? 0 : std::fwrite(data, 1, size, stream_);
 }
 
 bool File::WriteText(const char* text) { return Write(text, std::strlen(text)); }

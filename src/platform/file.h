@@ -42,6 +42,13 @@ public:
     [[gnu::format(printf, 2, 3)]] bool Print(const char* format, ...);
     bool Flush();
 
+    // From here on every write goes to the system at once: what Append says is what stands in the file.
+    void WriteThrough() { std::setvbuf(stream_, nullptr, _IONBF, 0); }
+    // How many of the bytes could be written, less than asked for on a full disk.
+    size_t Append(const void* data, size_t size);
+    // Cuts off what lies behind the first `size` bytes. False on failure.
+    bool CutTo(int64_t size);
+
     // Moves to a place counted in bytes from the start.
     bool Seek(int64_t offset);
     // Length in bytes, -1 on failure. The place in the file stays.
@@ -81,6 +88,9 @@ bool ReadFileStamp(const char* name, FileStamp* stamp);
 
 // True if two stamps are of one file, whatever was written to it in between.
 inline bool SameFile(const FileStamp& a, const FileStamp& b) { return a.device == b.device && a.number == b.number; }
+
+// True if both names lead to one regular file.
+bool NameOneFile(const char* a, const char* b);
 
 // True on success. A directory is not deleted.
 bool DeleteFile(const char* name);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <string>
 
 #include "board/fen.h"
 #include "board/search_thread.h"
@@ -18,6 +19,7 @@
 #include "search/transposition.h"
 #include "tools/epd_file.h"
 #include "tools/expected_result.h"
+#include "tools/record_file.h"
 #include "tools/training_set.h"
 
 namespace vrel {
@@ -25,9 +27,10 @@ namespace vrel {
 namespace {
 
 constexpr Move NOT_LOOKED_FOR = END_OF_LIST;  // epd_best when nothing is searched
-constexpr int WORKER_DEPTH = 5;               // deeper searches run on the workers
-constexpr int TABLE_DEPTH = 1;                // so do those that profit from the table
-constexpr int POLL_INTERVAL = 16;             // positions between looks at the input
+constexpr const char* UNSOLVED = "unsolved.epd";
+constexpr int WORKER_DEPTH = 5;    // deeper searches run on the workers
+constexpr int TABLE_DEPTH = 1;     // so do those that profit from the table
+constexpr int POLL_INTERVAL = 16;  // positions between looks at the input
 
 // Sums over the positions analysed.
 struct Totals {
@@ -65,6 +68,8 @@ public:
         SetPosition(GamePosition(), line_.data());
         return ReadTarget(line_.data());
     }
+
+    bool ReadToItsEnd() const { return set_ != nullptr || !file_.Failed(); }
 
     const char* line() const { return line_.data(); }
 
@@ -117,7 +122,7 @@ void AddSearch(Totals* totals, double target) {
     totals->error += std::fabs(target - ExpectedResult(PBlock.score));
 }
 
-void AnalysePosition(Source* source, File* unsolved, bool timed, Totals* totals) {
+void AnalysePosition(Source* source, RecordFile* unsolved, bool timed, Totals* totals) {
     ++totals->positions;
     const double target = source->SetUp();
     PBlock.epd_best = PBlock.max_depth > 0 ? ReadBestMove(source->line()) : NOT_LOOKED_FOR;
@@ -133,7 +138,7 @@ void AnalysePosition(Source* source, File* unsolved, bool timed, Totals* totals)
     if (PBlock.pv[1] == PBlock.epd_best)
         ++totals->correct;
     else if (*unsolved)
-        unsolved->Print("%s\n", source->line());
+        unsolved->Put(std::string(source->line()) + '\n');
     if (!IsSilent())
         ShowResult();
     CloseSearch();
@@ -165,15 +170,22 @@ void ShowSummary(const Totals& totals, const Means& means) {
 }  // namespace
 
 double Analyze_EPD_File(bool show) {
+    bool complete = false;
+    return Analyze_EPD_File(show, &complete);
+}
+
+double Analyze_EPD_File(bool show, bool* complete) {
     const char* name = PBlock.epd_file.data();
+    *complete = false;
     Source source(name);
-    if (!source)
+    if (!source) {
+        Complain("%s: %s", name, FileTrouble(name));
         return 1.0;
-    File unsolved;
-    if (PBlock.max_depth > 0) {
-        unsolved = CreateOutput("unsolved.epd", name);
-        if (!unsolved)
-            return 1.0;
+    }
+    RecordFile unsolved(PBlock.max_depth > 0 ? CreateOutput(UNSOLVED, name) : File(), UNSOLVED);
+    if (PBlock.max_depth > 0 && !unsolved) {
+        Complain("%s: %s", UNSOLVED, FileTrouble(UNSOLVED));
+        return 1.0;
     }
     InitEval();
     if (show)
@@ -187,6 +199,10 @@ double Analyze_EPD_File(bool show) {
         if (PBlock.quit)
             break;
     }
+    const bool read = source.ReadToItsEnd();
+    if (!read)
+        Complain("%s: %s", name, FileTrouble(name));
+    *complete = unsolved.Close() && read;
     const Means means(totals);
     if (show)
         ShowSummary(totals, means);

@@ -6,4 +6,7 @@ namespace vrel {
 // can't be opened. `show` prints heading and summary.
 double Analyze_EPD_File(bool show);
 
+// The same; `complete` tells whether all could be read and written. If not, a word on standard error says why.
+double Analyze_EPD_File(bool show, bool* complete);
+
 }  // namespace vrel

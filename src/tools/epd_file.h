@@ -18,6 +18,9 @@ class EpdFile {
 public:
     explicit EpdFile(const char* name) : file_(name, "r") {}
 
+    // True if the file couldn't be read to its end.
+    bool Failed() const { return file_.Failed(); }
+
     explicit operator bool() const { return static_cast<bool>(file_); }
 
     // Reads the next position's line, without its end, into `line`, which has room for EPD_LINE characters; what is

@@ -20,11 +20,13 @@
 #include "search/transposition.h"
 #include "tools/match_record.h"
 #include "tools/player_file.h"
+#include "tools/record_file.h"
 
 namespace vrel {
 
 namespace {
 
+constexpr const char* PLAYER_FILE = "player2.par";
 constexpr int GAMES = 8000;
 constexpr int BOOK_PLIES = 12;
 constexpr int POLL_INTERVAL = 16;  // moves between looks at the input
@@ -123,15 +125,17 @@ void ShowScore(const MatchScore& score, int games) {
 
 }  // namespace
 
-void PlayMatch() {
+bool PlayMatch() {
     Players players = {DefaultPersonality, DefaultPersonality};
-    if (!ReadPlayerFile("player2.par", &players[1]))
-        return;
+    if (!ReadPlayerFile(PLAYER_FILE, &players[1]))
+        return false;
     InitEval();
-    File out(PBlock.match_file.data(), "w");
+    const char* name = PBlock.match_file.data();
+    RecordFile out(File(name, "w"), name);
     if (!out) {
-        Print("can't open %s\n", PBlock.match_file.data());
-        return;
+        Print("can't open %s\n", name);
+        Complain("%s: %s", name, FileTrouble(name));
+        return false;
     }
     ApplySettings();
     if (!BookIsThere())
@@ -151,15 +155,17 @@ void PlayMatch() {
             ShowScore(score, game.number);
             shown = game.number;
         }
-        WriteGame(&out, game);
-        out.Flush();  // whoever looks on sees whole games
+        out.Put(GameText(game));
+        if (!out.Flush())  // whoever looks on sees whole games
+            break;
     }
     const int games = game.number - 1;
     if (games == 0)
-        return;
+        return out.Close();
     if (games > shown)
         ShowScore(score, games);
     ShowFormatted("%d games, %d of them different", games, static_cast<int>(different.size()));
+    return out.Close();
 }
 
 }  // namespace vrel

@@ -58,17 +58,20 @@ char MatchMark(double rate, int games) {
     return games > FEWEST_GAMES && std::fabs(rate - 0.5) > MatchMargin(games) ? '*' : ' ';
 }
 
-void WriteGame(File* out, const MatchGame& game) {
-    out->Print("[Event selfplay]\n[Game %d]\n", game.number);
-    out->Print("[White \"%s\"]\n[Black \"%s\"]\n", PlayerName(game.white), PlayerName(game.white ^ 1));
-    out->Print("[Result \"%s\"]\n", ResultText(game.result));
+std::string GameText(const MatchGame& game) {
+    std::string text = "[Event selfplay]\n[Game " + std::to_string(game.number) + "]\n";
+    text += std::string("[White \"") + PlayerName(game.white) + "\"]\n";
+    text += std::string("[Black \"") + PlayerName(game.white ^ 1) + "\"]\n";
+    text += std::string("[Result \"") + ResultText(game.result) + "\"]\n";
     for (int i = 0; i < game.count; ++i) {
         const MatchMove& move = game.moves[i];
         const bool black = i & 1;
-        out->Print("%s%s {%0.2f/%d}%s", black ? "   " : "", move.text.data(), move.score / 100.0, move.depth,
-                   black ? "\n" : "");
+        std::array<char, 64> entry;
+        std::snprintf(entry.data(), entry.size(), "%s%s {%0.2f/%d}%s", black ? "   " : "", move.text.data(),
+                      move.score / 100.0, move.depth, black ? "\n" : "");
+        text += entry.data();
     }
-    out->WriteText("\n\n");
+    return text + "\n\n";
 }
 
 }  // namespace vrel

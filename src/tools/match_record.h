@@ -2,9 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
 #include "board/position.h"
-#include "platform/file.h"
 
 // What a self-play match keeps of a game, and its statistics.
 namespace vrel {
@@ -47,7 +47,7 @@ double MatchMargin(int games);
 // '*' if the rate tells one player from the other, else a blank.
 char MatchMark(double rate, int games);
 
-// Writes the game as PGN, each move with its score in pawns and its depth.
-void WriteGame(File* out, const MatchGame& game);
+// The game as PGN, each move with its score in pawns and its depth.
+std::string GameText(const MatchGame& game);
 
 }  // namespace vrel

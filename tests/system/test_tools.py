@@ -38,9 +38,9 @@ class ToolCase(unittest.TestCase):
 
     def run_tool(self, *arguments, script=""):
         result = subprocess.run([os.environ["VREL"], "-nolog", "-hash", "4", *arguments], input=script.encode(),
-                                check=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=10 * HANG,
+                                check=False, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=10 * HANG,
                                 cwd=self.folder)
-        self.assertEqual(result.stderr, b"")
+        self.assertIn(result.returncode, (0, 1))
         return result.stdout.decode("latin-1")
 
 

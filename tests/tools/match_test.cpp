@@ -20,11 +20,7 @@ TEST_F(MatchTest, WritesGamesTwoMovesALine) {
     RecordMove(&game, MakeMoveValue(12, 28), 35, 7);
     RecordMove(&game, MakeMoveValue(52, 36), -4, 6);
     RecordMove(&game, NO_MOVE, -950, 0);
-    {
-        File out("game.pgn", "w");
-        WriteGame(&out, game);
-    }
-    EXPECT_EQ(ReadFile("game.pgn"),
+    EXPECT_EQ(GameText(game),
               "[Event selfplay]\n[Game 7]\n[White \"Player2\"]\n[Black \"Player1\"]\n[Result \"0-1\"]\n"
               "e2e4 {0.35/7}   e7e5 {-0.04/6}\na1a1 {-9.50/0}\n\n");
 }

@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <string>
 
 #include "board/search_thread.h"
 #include "book/book_lookup.h"
@@ -10,6 +11,7 @@
 #include "interface/pblock.h"
 #include "platform/arguments.h"
 #include "platform/clock.h"
+#include "platform/file.h"
 #include "platform/standard_output.h"
 #include "search/search_control.h"
 #include "search/start_up.h"
@@ -34,6 +36,18 @@ bool IsAnsweredAtOnce(const CommandLine& line) {
     return !line.fault.empty() || line.help || line.version || line.bench_depth > 0;
 }
 
+// The file that a tool would read while it or the log is written to it, or the other way round; null if there is none.
+const char* FileUsedTwice(const CommandLine& line) {
+    const char* positions = PBlock.epd_file.data();
+    const char* file = line.file.data();
+    const char* book = PBlock.book_file.data();
+    if (NameOneFile(positions, logfile) || (line.tune && NameOneFile(positions, "tune.log")))
+        return positions;
+    if (NameOneFile(file, logfile) || (line.match && (NameOneFile(file, "player2.par") || NameOneFile(file, book))))
+        return file;
+    return nullptr;
+}
+
 // Builds the engine as the command line wants it, without its workers. False if there is no memory.
 bool StartUp(int argc, char** argv, CommandLine* line) {
     poll_input = PollInputForTool;
@@ -42,6 +56,8 @@ bool StartUp(int argc, char** argv, CommandLine* line) {
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone
     const auto configure = [&] {
         *line = ReadCommandLine(argc, argv);
+        if (const char* file = FileUsedTwice(*line))
+            line->fault = std::string(file) + ": would be read and written at once";
         if (!IsAnsweredAtOnce(*line))
             OpenLog();
     };
@@ -69,16 +85,18 @@ int AnswerAtOnce(const CommandLine& line) {
 // Runs the first tool that was asked for. False if there is none; `status` is the exit status.
 bool RunTool(const CommandLine& line, int* status) {
     if (line.analyse_epd) {
-        Analyze_EPD_File(true);
+        bool complete = false;
+        Analyze_EPD_File(true, &complete);
+        *status = complete ? 0 : FAILED;
     } else if (line.scan_kind != 0) {
         Scan_PGN_File(line.file.data(), line.scan_kind);
     } else if (line.match) {
         PBlock.match_file = line.file;
         PBlock.noise = TOOL_NOISE;
-        PlayMatch();
+        *status = PlayMatch() ? 0 : FAILED;
     } else if (line.tune) {
         PBlock.noise = TOOL_NOISE;
-        Tune();
+        *status = Tune() ? 0 : FAILED;
     } else if (line.openings > 0) {
         *status = WriteOpenings(line.file.data(), line.openings, line.seed) ? 0 : FAILED;
     } else {

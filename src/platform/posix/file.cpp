@@ -35,6 +35,8 @@ File::File(const char* name, const char* mode) : stream_(std::fopen(name, mode))
         Close();
 }
 
+bool File::CutTo(int64_t size) { return stream_ != nullptr && ftruncate(fileno(stream_), size) == 0; }
+
 bool FileExists(const char* name) { return access(name, F_OK) == 0; }
 
 bool ReadFileStamp(const char* name, FileStamp* stamp) {

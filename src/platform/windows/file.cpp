@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <io.h>
+
 #include <cwchar>
 
 #include "platform/windows/wide.h"
@@ -37,6 +39,8 @@ File::File(const char* name, const char* mode) {
         wide_mode += L'b';
     stream_ = _wfopen(WideText(name).c_str(), wide_mode.c_str());
 }
+
+bool File::CutTo(int64_t size) { return stream_ != nullptr && _chsize_s(_fileno(stream_), size) == 0; }
 
 bool FileExists(const char* name) { return GetFileAttributesW(WideText(name).c_str()) != INVALID_FILE_ATTRIBUTES; }
 
