@@ -16,13 +16,13 @@ constexpr uint64_t Ray(int sq, int file_step, int rank_step) {
 constexpr std::array<SquareLines, SQUARES> MakeSquareLines() {
     std::array<SquareLines, SQUARES> table{};
     for (int sq = 0; sq < NO_SQUARE; ++sq)
-        table[static_cast<size_t>(sq)] = {Ray(sq, 0, 1) | Ray(sq, 0, -1),
-                                          Ray(sq, 1, 1) | Ray(sq, -1, -1),
-                                          Ray(sq, -1, 1) | Ray(sq, 1, -1),
-                                          Ray(sq, -1, 0),
-                                          Ray(sq, 1, 0),
-                                          Bit(sq),
-                                          Bit(sq ^ 56)};
+        table[sq] = {Ray(sq, 0, 1) | Ray(sq, 0, -1),
+                     Ray(sq, 1, 1) | Ray(sq, -1, -1),
+                     Ray(sq, -1, 1) | Ray(sq, 1, -1),
+                     Ray(sq, -1, 0),
+                     Ray(sq, 1, 0),
+                     Bit(sq),
+                     Bit(sq ^ 56)};
     return table;
 }
 
@@ -33,7 +33,7 @@ constexpr std::array<SquareLines, SQUARES> square_lines = MakeSquareLines();
 uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ) {
     switch (type) {
         case KNIGHT:
-            return set & BB_KnightRays[static_cast<size_t>(sq)];
+            return set & BB_KnightRays[sq];
         case BISHOP:
             return set & GenAttacksB(sq, occ);
         case ROOK:
@@ -47,18 +47,18 @@ uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ) {
 
 uint64_t PinnedToKing(const Position& pos, int side) {
     const int king = KingSquare(pos, side);
-    const auto n = static_cast<size_t>(king);
-    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    const auto& enemy = pos.bb[side ^ 1];
     return LoneBlockers(
-        king, (BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN])),
+        king,
+        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN])),
         Occupied(pos));
 }
 
 uint64_t PinnedToQueen(const Position& pos, int side) {
-    const int queen = pos.plist[static_cast<size_t>(side)][QUEEN][0];
-    const auto n = static_cast<size_t>(queen);
-    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
-    return LoneBlockers(queen, (BB_BishopRays[n] & enemy[BISHOP]) | (BB_RookRays[n] & enemy[ROOK]), Occupied(pos));
+    const int queen = pos.plist[side][QUEEN][0];
+    const auto& enemy = pos.bb[side ^ 1];
+    return LoneBlockers(queen, (BB_BishopRays[queen] & enemy[BISHOP]) | (BB_RookRays[queen] & enemy[ROOK]),
+                        Occupied(pos));
 }
 
 }  // namespace vrel

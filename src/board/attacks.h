@@ -37,11 +37,11 @@ inline uint64_t RankAttacks(const SquareLines& lines, uint64_t occ) {
 
 // Attack sets of a slider on `sq` over the occupied set `occ`, the first blocker of each direction included.
 inline uint64_t GenAttacksB(int sq, uint64_t occ) {
-    const SquareLines& lines = square_lines[static_cast<size_t>(sq)];
+    const SquareLines& lines = square_lines[sq];
     return LineAttacks(lines, lines.diagonal, occ) | LineAttacks(lines, lines.antidiagonal, occ);
 }
 inline uint64_t GenAttacksR(int sq, uint64_t occ) {
-    const SquareLines& lines = square_lines[static_cast<size_t>(sq)];
+    const SquareLines& lines = square_lines[sq];
     return LineAttacks(lines, lines.file, occ) | RankAttacks(lines, occ);
 }
 
@@ -55,14 +55,12 @@ inline bool AnySees(uint64_t set, int sq, uint64_t occ) {
 
 // True if a piece of `side` attacks `sq`.
 inline bool SqAtakd(const Position& pos, int sq, int side) {
-    const auto n = static_cast<size_t>(sq);
-    const auto& bb = pos.bb[static_cast<size_t>(side)];
-    if ((BB_PawnRays[static_cast<size_t>(side ^ 1)][n] & bb[PAWN]) | (BB_KnightRays[n] & bb[KNIGHT]) |
-        (BB_KingRays[n] & bb[KING]))
+    const auto& bb = pos.bb[side];
+    if ((BB_PawnRays[side ^ 1][sq] & bb[PAWN]) | (BB_KnightRays[sq] & bb[KNIGHT]) | (BB_KingRays[sq] & bb[KING]))
         return true;
     const uint64_t occ = Occupied(pos);
-    return AnySees(BB_BishopRays[n] & (bb[BISHOP] | bb[QUEEN]), sq, occ) ||
-           AnySees(BB_RookRays[n] & (bb[ROOK] | bb[QUEEN]), sq, occ);
+    return AnySees(BB_BishopRays[sq] & (bb[BISHOP] | bb[QUEEN]), sq, occ) ||
+           AnySees(BB_RookRays[sq] & (bb[ROOK] | bb[QUEEN]), sq, occ);
 }
 
 // Members of `set` that a piece of `type` (knight to queen) on `sq` attacks.

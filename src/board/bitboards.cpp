@@ -40,37 +40,35 @@ uint64_t Ray(int sq, int files, int ranks) {
 
 void InitializeRankAndFileTables() {
     for (int i = 0; i < 8; ++i) {
-        const auto n = static_cast<size_t>(i);
-        BB_North[n] = i == 7 ? 0 : ~0ULL << (8 * (i + 1));
-        BB_South[n] = ~(~0ULL << (8 * i));
-        BB_AdjacentFiles[n] = (i > 0 ? FILE_A << (i - 1) : 0) | (i < 7 ? FILE_A << (i + 1) : 0);
+        BB_North[i] = i == 7 ? 0 : ~0ULL << (8 * (i + 1));
+        BB_South[i] = ~(~0ULL << (8 * i));
+        BB_AdjacentFiles[i] = (i > 0 ? FILE_A << (i - 1) : 0) | (i < 7 ? FILE_A << (i + 1) : 0);
     }
 }
 
 void InitializeSquare(int sq) {
-    const auto n = static_cast<size_t>(sq);
-    const auto file = static_cast<size_t>(FileOf(sq));
-    const auto rank = static_cast<size_t>(RankOf(sq));
+    const int file = FileOf(sq);
+    const int rank = RankOf(sq);
     const uint64_t three_files = BB_AdjacentFiles[file] | FILE_A << file;
-    BB_AdjacentSquares[n] = Step(sq, -1, 0) | Step(sq, 1, 0);
-    BB_PawnRays[WHITE][n] = Step(sq, -1, 1) | Step(sq, 1, 1);
-    BB_PawnRays[BLACK][n] = Step(sq, -1, -1) | Step(sq, 1, -1);
-    BB_PawnSpan[WHITE][n] = three_files & BB_North[rank];
-    BB_PawnSpan[BLACK][n] = three_files & BB_South[rank];
-    BB_KnightRays[n] = Step(sq, 1, 2) | Step(sq, 2, 1) | Step(sq, 2, -1) | Step(sq, 1, -2) | Step(sq, -1, -2) |
-                       Step(sq, -2, -1) | Step(sq, -2, 1) | Step(sq, -1, 2);
-    BB_RayN[n] = Ray(sq, 0, 1);
-    BB_RayS[n] = Ray(sq, 0, -1);
-    BB_RayE[n] = Ray(sq, 1, 0);
-    BB_RayW[n] = Ray(sq, -1, 0);
-    BB_RayNE[n] = Ray(sq, 1, 1);
-    BB_RayNW[n] = Ray(sq, -1, 1);
-    BB_RaySE[n] = Ray(sq, 1, -1);
-    BB_RaySW[n] = Ray(sq, -1, -1);
-    BB_BishopRays[n] = BB_RayNE[n] | BB_RayNW[n] | BB_RaySE[n] | BB_RaySW[n];
-    BB_RookRays[n] = BB_RayN[n] | BB_RayS[n] | BB_RayE[n] | BB_RayW[n];
-    BB_KingRays[n] =
-        Step(sq, 0, 1) | Step(sq, 0, -1) | BB_AdjacentSquares[n] | BB_PawnRays[WHITE][n] | BB_PawnRays[BLACK][n];
+    BB_AdjacentSquares[sq] = Step(sq, -1, 0) | Step(sq, 1, 0);
+    BB_PawnRays[WHITE][sq] = Step(sq, -1, 1) | Step(sq, 1, 1);
+    BB_PawnRays[BLACK][sq] = Step(sq, -1, -1) | Step(sq, 1, -1);
+    BB_PawnSpan[WHITE][sq] = three_files & BB_North[rank];
+    BB_PawnSpan[BLACK][sq] = three_files & BB_South[rank];
+    BB_KnightRays[sq] = Step(sq, 1, 2) | Step(sq, 2, 1) | Step(sq, 2, -1) | Step(sq, 1, -2) | Step(sq, -1, -2) |
+                        Step(sq, -2, -1) | Step(sq, -2, 1) | Step(sq, -1, 2);
+    BB_RayN[sq] = Ray(sq, 0, 1);
+    BB_RayS[sq] = Ray(sq, 0, -1);
+    BB_RayE[sq] = Ray(sq, 1, 0);
+    BB_RayW[sq] = Ray(sq, -1, 0);
+    BB_RayNE[sq] = Ray(sq, 1, 1);
+    BB_RayNW[sq] = Ray(sq, -1, 1);
+    BB_RaySE[sq] = Ray(sq, 1, -1);
+    BB_RaySW[sq] = Ray(sq, -1, -1);
+    BB_BishopRays[sq] = BB_RayNE[sq] | BB_RayNW[sq] | BB_RaySE[sq] | BB_RaySW[sq];
+    BB_RookRays[sq] = BB_RayN[sq] | BB_RayS[sq] | BB_RayE[sq] | BB_RayW[sq];
+    BB_KingRays[sq] =
+        Step(sq, 0, 1) | Step(sq, 0, -1) | BB_AdjacentSquares[sq] | BB_PawnRays[WHITE][sq] | BB_PawnRays[BLACK][sq];
 }
 
 constexpr int Sign(int x) { return (x > 0) - (x < 0); }
@@ -95,7 +93,7 @@ void InitializeBitboards() {
         InitializeSquare(sq);
     for (int b = 0; b < 64; ++b)
         for (int a = 0; a < 64; ++a)
-            BB_BetweenTable[static_cast<size_t>(b)][static_cast<size_t>(a)] = SquaresBetween(a, b);
+            BB_BetweenTable[b][a] = SquaresBetween(a, b);
 }
 
 }  // namespace vrel

@@ -75,7 +75,7 @@ constexpr uint64_t FillSouth(uint64_t set) {
 }
 
 // The squares strictly between two squares of one line, else empty. `a` must be a square of the board.
-inline uint64_t BB_Between(int a, int b) { return BB_BetweenTable[static_cast<size_t>(b)][static_cast<size_t>(a)]; }
+inline uint64_t BB_Between(int a, int b) { return BB_BetweenTable[b][a]; }
 
 // King distance. Defined for "no square" too, where it is merely some small number.
 constexpr int distance(int a, int b) {

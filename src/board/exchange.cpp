@@ -1,7 +1,6 @@
 #include "board/exchange.h"
 
 #include <algorithm>
-#include <cstddef>
 
 #include "board/attacks.h"
 
@@ -13,15 +12,14 @@ constexpr int FORCED_FLOOR = -9999;
 constexpr int KING_TAKEN = 9999;
 
 // Every capture takes an attacker off the board, so no sequence is longer than the board.
-constexpr size_t MAX_CAPTURES = 66;
+constexpr int MAX_CAPTURES = 66;
 
 // All pieces of both sides that attack `sq` over `occ`.
 uint64_t AttackersOf(const Position& pos, int sq, uint64_t occ) {
-    const auto n = static_cast<size_t>(sq);
     const auto& w = pos.bb[WHITE];
     const auto& b = pos.bb[BLACK];
-    return (BB_PawnRays[BLACK][n] & w[PAWN]) | (BB_PawnRays[WHITE][n] & b[PAWN]) |
-           (BB_KnightRays[n] & (w[KNIGHT] | b[KNIGHT])) | (BB_KingRays[n] & (w[KING] | b[KING])) |
+    return (BB_PawnRays[BLACK][sq] & w[PAWN]) | (BB_PawnRays[WHITE][sq] & b[PAWN]) |
+           (BB_KnightRays[sq] & (w[KNIGHT] | b[KNIGHT])) | (BB_KingRays[sq] & (w[KING] | b[KING])) |
            (GenAttacksB(sq, occ) & (w[BISHOP] | w[QUEEN] | b[BISHOP] | b[QUEEN])) |
            (GenAttacksR(sq, occ) & (w[ROOK] | w[QUEEN] | b[ROOK] | b[QUEEN]));
 }
@@ -29,7 +27,7 @@ uint64_t AttackersOf(const Position& pos, int sq, uint64_t occ) {
 // Type of the least valuable piece among the side's attackers, which aren't empty.
 int LowestAttackerType(const Position& pos, int side, uint64_t attackers) {
     int type = PAWN;
-    while ((pos.bb[static_cast<size_t>(side)][static_cast<size_t>(type)] & attackers) == 0)
+    while ((pos.bb[side][type] & attackers) == 0)
         ++type;
     return type;
 }
@@ -66,25 +64,25 @@ int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ) {
 
     // What each capture of the sequence takes, in turn; a capture of a king ends it.
     std::array<int, MAX_CAPTURES> taken;
-    size_t n = 0;
-    int target = TypeOf(pos.board[static_cast<size_t>(sq)]);
+    int n = 0;
+    int target = TypeOf(pos.board[sq]);
     int mover = side;
     int attacker = from;
     bool king_taken = false;
     while (true) {
         if (attacker == NO_SQUARE) {
-            const uint64_t own = attackers & pos.bb[static_cast<size_t>(mover)][0];
+            const uint64_t own = attackers & pos.bb[mover][0];
             if (own == 0)
                 break;
             const int type = LowestAttackerType(pos, mover, own);
-            attacker = GetLSB(pos.bb[static_cast<size_t>(mover)][static_cast<size_t>(type)] & own);
+            attacker = GetLSB(pos.bb[mover][type] & own);
         }
         if (target == KING) {
             king_taken = true;
             break;
         }
-        taken[n++] = piece_value[static_cast<size_t>(target)];
-        target = TypeOf(pos.board[static_cast<size_t>(attacker)]);
+        taken[n++] = piece_value[target];
+        target = TypeOf(pos.board[attacker]);
         occ &= ~Bit(attacker);
         attackers |= SlidersBehind(target, sq, occ, sliders);
         attackers &= occ;
@@ -103,36 +101,35 @@ int swapoff1(const Position& pos, int side, int from, int sq, uint64_t occ) {
 }
 
 bool ExchangeReaches(const Position& pos, int side, int from, int sq, int threshold) {
-    const int victim = TypeOf(pos.board[static_cast<size_t>(sq)]);
+    const int victim = TypeOf(pos.board[sq]);
     if (victim == KING)
         return true;
-    int target = TypeOf(pos.board[static_cast<size_t>(from)]);
+    int target = TypeOf(pos.board[from]);
     int mover = side ^ 1;
     // The exchange fails the threshold if the side to capture, taking `target`, gets at least `wanted` out of it. That
     // is asked for each side in turn: it can't get more than the target's value, and it gets that much if the other
     // side in its turn doesn't get what is left.
-    int wanted = piece_value[static_cast<size_t>(victim)] - threshold + 1;
-    if (piece_value[static_cast<size_t>(target)] < wanted)
+    int wanted = piece_value[victim] - threshold + 1;
+    if (piece_value[target] < wanted)
         return true;
-    const uint64_t pawns =
-        BB_PawnRays[static_cast<size_t>(side)][static_cast<size_t>(sq)] & pos.bb[static_cast<size_t>(mover)][PAWN];
-    if (pawns && piece_value[PAWN] <= piece_value[static_cast<size_t>(target)] - wanted)
+    const uint64_t pawns = BB_PawnRays[side][sq] & pos.bb[mover][PAWN];
+    if (pawns && piece_value[PAWN] <= piece_value[target] - wanted)
         return false;
 
     uint64_t occ = Occupied(pos) & ~Bit(from);
     uint64_t attackers = AttackersOf(pos, sq, occ) & occ;
     const Sliders sliders = SlidersOf(pos);
     for (bool reached = true;; reached = !reached) {
-        const uint64_t own = attackers & pos.bb[static_cast<size_t>(mover)][0];
+        const uint64_t own = attackers & pos.bb[mover][0];
         if (own == 0)
             return reached;
         if (target == KING)
             return !reached;
         const int type = LowestAttackerType(pos, mover, own);
-        wanted = piece_value[static_cast<size_t>(target)] - wanted + 1;
-        if (piece_value[static_cast<size_t>(type)] < wanted)
+        wanted = piece_value[target] - wanted + 1;
+        if (piece_value[type] < wanted)
             return !reached;
-        const uint64_t set = pos.bb[static_cast<size_t>(mover)][static_cast<size_t>(type)] & own;
+        const uint64_t set = pos.bb[mover][type] & own;
         occ ^= set & (0 - set);
         attackers = (attackers | SlidersBehind(type, sq, occ, sliders)) & occ;
         target = type;

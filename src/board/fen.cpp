@@ -21,7 +21,7 @@ const char* SkipBlanks(const char* text) {
 void PlaceLetter(Position* pos, char c, int sq) {
     static constexpr const char* letters = "PNBRQKpnbrqk";
     const char* found = std::strchr(letters, c);
-    if (found == nullptr || pos->board[static_cast<size_t>(sq)])
+    if (found == nullptr || pos->board[sq])
         return;
     const int index = static_cast<int>(found - letters);
     AddPiece(pos, index / 6, index % 6 + 1, sq);
@@ -97,7 +97,7 @@ void ReadEnPassant(Position* pos, const char* text) {
 char* WriteRank(const Position& pos, int rank, char* out) {
     int run = 0;
     for (int file = 0; file < 8; ++file) {
-        const int code = pos.board[static_cast<size_t>(rank * 8 + file)];
+        const int code = pos.board[rank * 8 + file];
         if (code == 0) {
             ++run;
             continue;

@@ -1,6 +1,5 @@
 #include "board/generate.h"
 
-#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -21,14 +20,13 @@ MoveEntry* WriteEntry(MoveEntry* list, Move move, uint32_t piece, uint32_t captu
 }
 
 MoveEntry* AddMove(MoveEntry* list, const Position& pos, int from, int to) {
-    return WriteEntry(list, MakeMoveValue(from, to), pos.board[static_cast<size_t>(from)],
-                      pos.board[static_cast<size_t>(to)]);
+    return WriteEntry(list, MakeMoveValue(from, to), pos.board[from], pos.board[to]);
 }
 
 // Queen, then knight, bishop and rook if `all`.
 MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, int from, int to, bool all) {
-    const uint32_t piece = pos.board[static_cast<size_t>(from)];
-    const uint32_t captured = pos.board[static_cast<size_t>(to)];
+    const uint32_t piece = pos.board[from];
+    const uint32_t captured = pos.board[to];
     const Move move = MakeMoveValue(from, to);
     list = WriteEntry(list, move | PROMOTE_QUEEN, piece, captured);
     if (!all)
@@ -40,17 +38,17 @@ MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, int from, int to, 
 
 // All moves of one piece to a set of squares, from the lowest up.
 MoveEntry* AddTargets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
-    const uint32_t piece = pos.board[static_cast<size_t>(from)];
+    const uint32_t piece = pos.board[from];
     while (targets) {
         const int to = PopLSB(&targets);
-        list = WriteEntry(list, MakeMoveValue(from, to), piece, pos.board[static_cast<size_t>(to)]);
+        list = WriteEntry(list, MakeMoveValue(from, to), piece, pos.board[to]);
     }
     return list;
 }
 
 // Quiet moves of one piece.
 MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
-    const uint32_t piece = pos.board[static_cast<size_t>(from)];
+    const uint32_t piece = pos.board[from];
     while (targets)
         list = WriteEntry(list, MakeMoveValue(from, PopLSB(&targets)), piece, 0);
     return list;
@@ -60,8 +58,8 @@ MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, int from, uint64_t ta
 template <int Side>
 uint64_t EnPassantTarget(const Position& pos) {
     const int sq = pos.ep_square;
-    if (sq == NO_SQUARE || RelativeRank(Side, sq) != 5 || pos.board[static_cast<size_t>(sq)] ||
-        pos.board[static_cast<size_t>(sq - pawn_dir[Side])] != PieceCode(Side ^ 1, PAWN))
+    if (sq == NO_SQUARE || RelativeRank(Side, sq) != 5 || pos.board[sq] ||
+        pos.board[sq - pawn_dir[Side]] != PieceCode(Side ^ 1, PAWN))
         return 0;
     return Bit(sq);
 }
@@ -109,7 +107,7 @@ void ForEachSlider(const Position& pos, uint64_t occ, Action action) {
 // The same from attack sets at hand.
 template <int Side, typename Action>
 void ForEachSlider(const Position& pos, const uint64_t* sets, Action action) {
-    for (size_t type = BISHOP; type <= QUEEN; ++type)
+    for (int type = BISHOP; type <= QUEEN; ++type)
         for (const uint8_t* sq = pos.plist[Side][type].data(); *sq != NO_SQUARE; ++sq)
             action(*sq, *sets++);
 }
@@ -123,7 +121,7 @@ MoveEntry* PieceCaptures(const Position& pos, Sliders sliders, MoveEntry* list) 
     ForEachSlider<Side>(pos, sliders,
                         [&](int sq, uint64_t attacks) { list = AddTargets(list, pos, sq, attacks & enemy); });
     const int king = rows[KING][0];
-    return AddTargets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & enemy);
+    return AddTargets(list, pos, king, BB_KingRays[king] & enemy);
 }
 
 template <int Side>
@@ -133,7 +131,7 @@ MoveEntry* Promotions(const Position& pos, bool all, MoveEntry* list) {
     while (pawns) {
         const int from = PopLSB(&pawns);
         const int front = from + pawn_dir[Side];
-        if (pos.board[static_cast<size_t>(front)] == 0)
+        if (pos.board[front] == 0)
             list = AddPromotion(list, pos, from, front, all);
         if (FileOf(from) != 0 && (enemy & Bit(front - 1)))
             list = AddPromotion(list, pos, from, front - 1, all);
@@ -188,7 +186,7 @@ MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
     ForEachSlider<Side>(pos, sliders,
                         [&](int sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & empty); });
     const int king = rows[KING][0];
-    list = AddQuiets(list, pos, king, BB_KingRays[static_cast<size_t>(king)] & empty);
+    list = AddQuiets(list, pos, king, BB_KingRays[king] & empty);
     return king == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
 }
 
@@ -209,12 +207,11 @@ MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     const uint64_t occ = Occupied(pos);
     const uint64_t empty = ~occ;
     const int ksq = KingSquare(pos, Side ^ 1);
-    const auto k = static_cast<size_t>(ksq);
     const auto& rows = pos.plist[Side];
-    const uint64_t knight_sq = BB_KnightRays[k] & empty;
+    const uint64_t knight_sq = BB_KnightRays[ksq] & empty;
     const uint64_t bishop_sq = (pos.msig[Side] & 0xf0f00) ? GenAttacksB(ksq, occ) & empty : 0;
     const uint64_t rook_sq = (pos.msig[Side] & 0xff000) ? GenAttacksR(ksq, occ) & empty : 0;
-    const uint64_t pawn_sq = BB_PawnRays[Side ^ 1][k] & empty;
+    const uint64_t pawn_sq = BB_PawnRays[Side ^ 1][ksq] & empty;
     uint64_t pawns = (Side == WHITE ? pawn_sq >> 8 : pawn_sq << 8) & pos.bb[Side][PAWN];
     while (pawns) {
         const int from = PopLSB(&pawns);

@@ -16,8 +16,8 @@ uint64_t DrawKey() {
 }
 
 // Keys whose halves differ in at least five bits each keep both halves useful on their own.
-bool FarFromEarlierKeys(uint64_t key, size_t count) {
-    for (size_t j = 0; j < count; ++j) {
+bool FarFromEarlierKeys(uint64_t key, int count) {
+    for (int j = 0; j < count; ++j) {
         const uint64_t x = key ^ rtable[j];
         if (CountBits(x & 0xffffffffULL) <= 4 || CountBits(x >> 32) <= 4)
             return false;
@@ -33,7 +33,7 @@ uint32_t myrand() {
 }
 
 void FillKeyTables() {
-    for (size_t i = 0; i < rtable.size(); ++i) {
+    for (int i = 0; i < static_cast<int>(rtable.size()); ++i) {
         do {
             rtable[i] = DrawKey();
         } while (!FarFromEarlierKeys(rtable[i], i));
@@ -46,7 +46,7 @@ void SetHash(Position* pos) {
     pos->hash = 0;
     pos->pawn_hash = 0;
     for (int sq = 0; sq < 64; ++sq) {
-        const int code = pos->board[static_cast<size_t>(sq)];
+        const int code = pos->board[sq];
         if (code)
             UpdateHash(pos, SideOf(code), code, sq);
     }

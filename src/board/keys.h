@@ -29,7 +29,7 @@ void SetHash(Position* pos);
 // Takes a piece on a square into the keys or out of them.
 inline void UpdateHash(Position* pos, int side, int piece, int sq) {
     const int type = piece & 7;
-    const uint64_t key = rtable[static_cast<size_t>((side * 8 + type) * 64 + sq)];
+    const uint64_t key = rtable[(side * 8 + type) * 64 + sq];
     pos->hash ^= key;
     pos->pawn_hash ^= key & (0 - static_cast<uint64_t>(type == PAWN));
 }

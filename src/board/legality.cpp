@@ -1,7 +1,5 @@
 #include "board/legality.h"
 
-#include <cstddef>
-
 #include "board/attacks.h"
 
 namespace vrel {
@@ -18,18 +16,17 @@ int TypeAfterMove(const MoveEntry& entry) {
 }
 
 bool GivesDirectCheck(int type, int side, int to, int ksq, uint64_t occ) {
-    const auto n = static_cast<size_t>(to);
     switch (type) {
         case PAWN:
-            return (BB_PawnRays[static_cast<size_t>(side)][n] >> ksq) & 1;
+            return (BB_PawnRays[side][to] >> ksq) & 1;
         case KNIGHT:
-            return (BB_KnightRays[n] >> ksq) & 1;
+            return (BB_KnightRays[to] >> ksq) & 1;
         case BISHOP:
-            return ((BB_BishopRays[n] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return ((BB_BishopRays[to] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
         case ROOK:
-            return ((BB_RookRays[n] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return ((BB_RookRays[to] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
         case QUEEN:
-            return (((BB_BishopRays[n] | BB_RookRays[n]) >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return (((BB_BishopRays[to] | BB_RookRays[to]) >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
         default:
             return false;
     }
@@ -51,38 +48,35 @@ bool MoveIsLegal(const Position& pos, int side, Move move) {
         target = to;
     }
     // The board as it would be, the mover's own type sets apart, which nobody asks.
-    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    const auto& enemy = pos.bb[side ^ 1];
     uint64_t removed = 0;
-    if (pos.board[static_cast<size_t>(to)])
+    if (pos.board[to])
         removed = Bit(to);
-    else if (to == pos.ep_square && pos.board[static_cast<size_t>(from)] == PieceCode(side, PAWN) &&
-             RelativeRank(side, to) == 5)
-        removed = Bit(to - pawn_dir[static_cast<size_t>(side)]) & enemy[PAWN];
+    else if (to == pos.ep_square && pos.board[from] == PieceCode(side, PAWN) && RelativeRank(side, to) == 5)
+        removed = Bit(to - pawn_dir[side]) & enemy[PAWN];
     const uint64_t stays = ~removed;
-    const uint64_t occ = (pos.bb[static_cast<size_t>(side)][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & stays);
-    const auto n = static_cast<size_t>(target);
-    if (((BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) | (BB_KnightRays[n] & enemy[KNIGHT]) |
-         (BB_KingRays[n] & enemy[KING])) &
+    const uint64_t occ = (pos.bb[side][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & stays);
+    if (((BB_PawnRays[side][target] & enemy[PAWN]) | (BB_KnightRays[target] & enemy[KNIGHT]) |
+         (BB_KingRays[target] & enemy[KING])) &
         stays)
         return false;
-    return !AnySees(BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN]) & stays, target, occ) &&
-           !AnySees(BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
+    return !AnySees(BB_BishopRays[target] & (enemy[BISHOP] | enemy[QUEEN]) & stays, target, occ) &&
+           !AnySees(BB_RookRays[target] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
 }
 
 LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check) {
-    const auto& own = pos.bb[static_cast<size_t>(side)];
+    const auto& own = pos.bb[side];
     if (!in_check)
         return {PinnedToKing(pos, side) | own[KING], ~0ULL};
-    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    const auto& enemy = pos.bb[side ^ 1];
     const int king = KingSquare(pos, side);
-    const auto n = static_cast<size_t>(king);
     const uint64_t occ = Occupied(pos);
     uint64_t tested = own[KING];
-    uint64_t checkers = (BB_PawnRays[static_cast<size_t>(side)][n] & enemy[PAWN]) | (BB_KnightRays[n] & enemy[KNIGHT]) |
-                        (BB_KingRays[n] & enemy[KING]);
+    uint64_t checkers = (BB_PawnRays[side][king] & enemy[PAWN]) | (BB_KnightRays[king] & enemy[KNIGHT]) |
+                        (BB_KingRays[king] & enemy[KING]);
     uint64_t line = 0;
     uint64_t sliders =
-        (BB_BishopRays[n] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[n] & (enemy[ROOK] | enemy[QUEEN]));
+        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN]));
     while (sliders) {
         const int sq = PopLSB(&sliders);
         const uint64_t squares = BB_Between(sq, king);
@@ -102,18 +96,17 @@ LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check
 }
 
 CheckContext MakeCheckContext(const Position& pos, int side) {
-    const auto s = static_cast<size_t>(side);
-    const auto& own = pos.bb[s];
-    const auto ksq = static_cast<size_t>(KingSquare(pos, side ^ 1));
+    const auto& own = pos.bb[side];
+    const int ksq = KingSquare(pos, side ^ 1);
     const uint64_t occ = Occupied(pos);
-    const uint64_t diagonal = GenAttacksB(static_cast<int>(ksq), occ);
-    const uint64_t straight = GenAttacksR(static_cast<int>(ksq), occ);
+    const uint64_t diagonal = GenAttacksB(ksq, occ);
+    const uint64_t straight = GenAttacksR(ksq, occ);
     const uint64_t discoverers =
-        LoneBlockers(static_cast<int>(ksq),
+        LoneBlockers(ksq,
                      (BB_BishopRays[ksq] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[ksq] & (own[ROOK] | own[QUEEN])),
                      occ) &
         own[0];
-    return {{0, BB_PawnRays[s ^ 1][ksq], BB_KnightRays[ksq], diagonal, straight, diagonal | straight, 0, 0},
+    return {{0, BB_PawnRays[side ^ 1][ksq], BB_KnightRays[ksq], diagonal, straight, diagonal | straight, 0, 0},
             discoverers};
 }
 
@@ -126,18 +119,16 @@ int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry) {
     const uint64_t occ = Occupied(pos);
     if (GivesDirectCheck(TypeAfterMove(entry), side, to, ksq, occ))
         return 1;
-    if ((pos.msig[static_cast<size_t>(side)] & MSIG_SLIDERS) == 0)
+    if ((pos.msig[side] & MSIG_SLIDERS) == 0)
         return 0;
     // A slider behind the mover sees the king once the mover has left, unless it stays on the line.
-    const auto& own = pos.bb[static_cast<size_t>(side)];
-    const auto k = static_cast<size_t>(ksq);
-    const auto f = static_cast<size_t>(from);
+    const auto& own = pos.bb[side];
     const uint64_t occ_after = (occ & ~Bit(from)) | Bit(to);
-    if ((BB_RookRays[k] & Bit(from)) &&
-        AnySees((own[ROOK] | own[QUEEN]) & BB_RookRays[k] & BB_RookRays[f], ksq, occ_after))
+    if ((BB_RookRays[ksq] & Bit(from)) &&
+        AnySees((own[ROOK] | own[QUEEN]) & BB_RookRays[ksq] & BB_RookRays[from], ksq, occ_after))
         return 2;
-    if ((BB_BishopRays[k] & Bit(from)) &&
-        AnySees((own[BISHOP] | own[QUEEN]) & BB_BishopRays[k] & BB_BishopRays[f], ksq, occ_after))
+    if ((BB_BishopRays[ksq] & Bit(from)) &&
+        AnySees((own[BISHOP] | own[QUEEN]) & BB_BishopRays[ksq] & BB_BishopRays[from], ksq, occ_after))
         return 2;
     return 0;
 }

@@ -41,7 +41,7 @@ CheckContext MakeCheckContext(const Position& pos, int side);
 // The same answer as above with that knowledge.
 inline int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry, const CheckContext& context) {
     const int type = (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
-    if ((context.check_squares[static_cast<size_t>(type)] >> ToSquare(entry.move)) & 1)
+    if ((context.check_squares[type] >> ToSquare(entry.move)) & 1)
         return 1;
     if (((context.discoverers >> FromSquare(entry.move)) & 1) == 0)
         return 0;

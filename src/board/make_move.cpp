@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstddef>
 
 #include "board/keys.h"
 
@@ -65,7 +64,7 @@ const UndoRecord& PopRecord(Position* pos) {
 template <int Side>
 void TakeEnPassant(Position* pos, int to, UndoRecord* record) {
     const int victim = to - pawn_dir[Side];
-    if (RelativeRank(Side, to) != 5 || pos->board[static_cast<size_t>(victim)] != PieceCode(Side ^ 1, PAWN))
+    if (RelativeRank(Side, to) != 5 || pos->board[victim] != PieceCode(Side ^ 1, PAWN))
         return;
     UpdateHash(pos, Side ^ 1, PAWN, victim);
     RemovePiece(pos, victim);
@@ -99,8 +98,7 @@ void MovePawn(Position* pos, Move move, int from, int to, UndoRecord* record) {
 template <int Side>
 void CastleRook(Position* pos, int from, int to, UndoRecord* record) {
     const RookStep rook = RookOfCastling(from, to);
-    if (pos->board[static_cast<size_t>(rook.from)] != PieceCode(Side, ROOK) ||
-        pos->board[static_cast<size_t>(rook.to)] != 0)
+    if (pos->board[rook.from] != PieceCode(Side, ROOK) || pos->board[rook.to] != 0)
         return;
     UpdateHash(pos, Side, ROOK, rook.from);
     UpdateHash(pos, Side, ROOK, rook.to);
@@ -112,14 +110,14 @@ template <int Side>
 void Make(Position* pos, Move move) {
     const int to = ToSquare(move);
     const int from = FromSquare(move);
-    const int captured = pos->board[static_cast<size_t>(to)];
+    const int captured = pos->board[to];
     PushRecord(pos, move, TypeOf(captured));
     UndoRecord& record = pos->undo[pos->game_ply - 1];
     record.pawn_hash = pos->pawn_hash;
 
     pos->last_move = move;
     pos->ep_square = NO_SQUARE;
-    pos->castling &= static_cast<uint8_t>(~(csbits[static_cast<size_t>(from)] | csbits[static_cast<size_t>(to)]));
+    pos->castling &= static_cast<uint8_t>(~(csbits[from] | csbits[to]));
     // Long past the limit the counter stays, so that a game of shuffling never looks young again.
     if (pos->fifty < UINT8_MAX)
         ++pos->fifty;
@@ -130,7 +128,7 @@ void Make(Position* pos, Move move) {
         RemovePiece(pos, to);
         pos->fifty = 0;
     }
-    const int type = TypeOf(pos->board[static_cast<size_t>(from)]);
+    const int type = TypeOf(pos->board[from]);
     UpdateHash(pos, Side, type, from);
     UpdateHash(pos, Side, type, to);
     MovePiece(pos, Side, from, to);
@@ -231,7 +229,7 @@ bool MoveCanBeMade(const Position& pos, Move move) {
     const uint64_t own = pos.bb[pos.stm][0];
     const bool promotes = (move & PROMOTION_BITS) != 0;
     return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
-           (!promotes || TypeOf(pos.board[static_cast<size_t>(FromSquare(move))]) == PAWN);
+           (!promotes || TypeOf(pos.board[FromSquare(move)]) == PAWN);
 }
 
 }  // namespace vrel

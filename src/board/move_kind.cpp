@@ -1,7 +1,6 @@
 #include "board/move_kind.h"
 
 #include <array>
-#include <cstddef>
 
 #include "board/attacks.h"
 #include "board/exchange.h"
@@ -16,21 +15,19 @@ constexpr int SAFE_LOSS = -89;
 
 // A piece of `prey` newly in line with the mover, which sees it from `to`.
 bool SeesNewPrey(uint64_t prey, const SquareTable& rays, int from, int to, uint64_t occ) {
-    prey &= rays[static_cast<size_t>(to)] & ~rays[static_cast<size_t>(from)];
+    prey &= rays[to] & ~rays[from];
     return AnySees(prey, to, occ);
 }
 
 // True if another piece than the one on `mover` attacks `sq`, lines seen through its square.
 bool AttackedByOthers(const Position& pos, int sq, int side, int mover) {
-    const auto n = static_cast<size_t>(sq);
-    const auto& bb = pos.bb[static_cast<size_t>(side)];
-    if ((BB_PawnRays[static_cast<size_t>(side ^ 1)][n] & bb[PAWN]) | (BB_KnightRays[n] & bb[KNIGHT]) |
-        (BB_KingRays[n] & bb[KING]))
+    const auto& bb = pos.bb[side];
+    if ((BB_PawnRays[side ^ 1][sq] & bb[PAWN]) | (BB_KnightRays[sq] & bb[KNIGHT]) | (BB_KingRays[sq] & bb[KING]))
         return true;
     const uint64_t others = ~Bit(mover);
     const uint64_t occ = Occupied(pos) & others;
-    return AnySees(BB_BishopRays[n] & (bb[BISHOP] | bb[QUEEN]) & others, sq, occ) ||
-           AnySees(BB_RookRays[n] & (bb[ROOK] | bb[QUEEN]) & others, sq, occ);
+    return AnySees(BB_BishopRays[sq] & (bb[BISHOP] | bb[QUEEN]) & others, sq, occ) ||
+           AnySees(BB_RookRays[sq] & (bb[ROOK] | bb[QUEEN]) & others, sq, occ);
 }
 
 // The squares of `area` that a slider reaches from `to` and didn't reach from `from`, along one kind of line; friends
@@ -38,7 +35,7 @@ bool AttackedByOthers(const Position& pos, int sq, int side, int mover) {
 bool AddsAttack(const Position& pos, int side, int from, int to, uint64_t area, const SquareTable& rays,
                 uint64_t friends) {
     const uint64_t blockers = Occupied(pos) & ~friends;
-    uint64_t targets = area & rays[static_cast<size_t>(to)] & ~(rays[static_cast<size_t>(from)] | Bit(from));
+    uint64_t targets = area & rays[to] & ~(rays[from] | Bit(from));
     while (targets) {
         const int target = PopLSB(&targets);
         if ((BB_Between(to, target) & blockers) == 0 && AttackedByOthers(pos, target, side, from))
@@ -56,23 +53,20 @@ bool MoveIsPawnPush(const Position& pos, int side, const MoveEntry& entry) {
     const int rank = RelativeRank(side, to);
     if (rank >= 6)
         return true;
-    return rank >= 4 && (BB_PawnSpan[static_cast<size_t>(side)][static_cast<size_t>(to)] &
-                         pos.bb[static_cast<size_t>(side ^ 1)][PAWN]) == 0;
+    return rank >= 4 && (BB_PawnSpan[side][to] & pos.bb[side ^ 1][PAWN]) == 0;
 }
 
 bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
     const int side = pos.stm;
-    const auto& enemy = pos.bb[static_cast<size_t>(side ^ 1)];
+    const auto& enemy = pos.bb[side ^ 1];
     const int from = FromSquare(entry.move);
     const int to = ToSquare(entry.move);
-    const auto n = static_cast<size_t>(to);
-    const uint64_t area = BB_KingRays[static_cast<size_t>(KingSquare(pos, side ^ 1))];
+    const uint64_t area = BB_KingRays[KingSquare(pos, side ^ 1)];
     switch (TypeOf(entry.piece)) {
         case PAWN:
-            return (BB_PawnRays[static_cast<size_t>(side)][n] &
-                    (area | enemy[KNIGHT] | enemy[BISHOP] | enemy[ROOK] | enemy[QUEEN])) != 0;
+            return (BB_PawnRays[side][to] & (area | enemy[KNIGHT] | enemy[BISHOP] | enemy[ROOK] | enemy[QUEEN])) != 0;
         case KNIGHT:
-            return (BB_KnightRays[n] & (area | enemy[ROOK] | enemy[QUEEN])) != 0;
+            return (BB_KnightRays[to] & (area | enemy[ROOK] | enemy[QUEEN])) != 0;
         case BISHOP:
             return SeesNewPrey(enemy[ROOK] | enemy[QUEEN], BB_BishopRays, from, to, Occupied(pos)) ||
                    MoveAttacksKingArea(pos, BISHOP, from, to, area);
@@ -88,7 +82,7 @@ bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
 
 bool MoveAttacksKingArea(const Position& pos, int type, int from, int to, uint64_t area) {
     const int side = pos.stm;
-    const auto& own = pos.bb[static_cast<size_t>(side)];
+    const auto& own = pos.bb[side];
     return (type != BISHOP && AddsAttack(pos, side, from, to, area, BB_RookRays, own[ROOK] | own[QUEEN])) ||
            (type != ROOK && AddsAttack(pos, side, from, to, area, BB_BishopRays, own[BISHOP] | own[QUEEN]));
 }
@@ -96,8 +90,8 @@ bool MoveAttacksKingArea(const Position& pos, int type, int from, int to, uint64
 bool MoveIsSafe(const Position& pos, const MoveEntry& entry) {
     const int from = FromSquare(entry.move);
     const int to = ToSquare(entry.move);
-    const auto mover = static_cast<size_t>(TypeOf(entry.piece));
-    const auto victim = static_cast<size_t>(TypeOf(pos.board[static_cast<size_t>(to)]));
+    const int mover = TypeOf(entry.piece);
+    const int victim = TypeOf(pos.board[to]);
     return rough_value[mover] <= rough_value[victim] || ExchangeReaches(pos, pos.stm, from, to, SAFE_LOSS);
 }
 

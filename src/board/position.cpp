@@ -1,7 +1,5 @@
 #include "board/position.h"
 
-#include <cstddef>
-
 #include "platform/vector.h"
 
 namespace vrel {
@@ -36,26 +34,25 @@ void ClearBoard(Position* pos) {
 }
 
 void AddPiece(Position* pos, int side, int piece, int sq) {
-    const auto type = static_cast<size_t>(piece & 7);
-    const auto s = static_cast<size_t>(side);
-    Row& row = pos->plist[s][type];
+    const int type = piece & 7;
+    Row& row = pos->plist[side][type];
     const int n = PlaceOf(LoadVector(row.data()), NO_SQUARE);
     if (n == MAX_ROW)
         return;
     row[n] = static_cast<uint8_t>(sq);
     row[n + 1] = NO_SQUARE;
-    pos->board[static_cast<size_t>(sq)] = static_cast<uint8_t>(PieceCode(side, static_cast<int>(type)));
-    pos->npv[s] = static_cast<int16_t>(pos->npv[s] + npv_unit[type]);
-    pos->msig[s] += msig_unit[type];
-    pos->bb[s][0] |= Bit(sq);
-    pos->bb[s][type] |= Bit(sq);
+    pos->board[sq] = static_cast<uint8_t>(PieceCode(side, type));
+    pos->npv[side] = static_cast<int16_t>(pos->npv[side] + npv_unit[type]);
+    pos->msig[side] += msig_unit[type];
+    pos->bb[side][0] |= Bit(sq);
+    pos->bb[side][type] |= Bit(sq);
 }
 
 void RemovePiece(Position* pos, int sq) {
-    const int code = pos->board[static_cast<size_t>(sq)];
-    const auto type = static_cast<size_t>(TypeOf(code));
-    const auto s = static_cast<size_t>(SideOf(code));
-    pos->board[static_cast<size_t>(sq)] = 0;
+    const int code = pos->board[sq];
+    const int type = TypeOf(code);
+    const int s = SideOf(code);
+    pos->board[sq] = 0;
     Row& row = pos->plist[s][type];
     const Vector squares = LoadVector(row.data());
     // Later squares move up one place, so that the order of the row stays.
@@ -68,35 +65,33 @@ void RemovePiece(Position* pos, int sq) {
 }
 
 void MovePiece(Position* pos, int side, int from, int to) {
-    const auto s = static_cast<size_t>(side);
-    const uint8_t code = pos->board[static_cast<size_t>(from)];
-    const auto type = static_cast<size_t>(TypeOf(code));
-    pos->board[static_cast<size_t>(to)] = code;
-    pos->board[static_cast<size_t>(from)] = 0;
-    Row& row = pos->plist[s][type];
+    const uint8_t code = pos->board[from];
+    const int type = TypeOf(code);
+    pos->board[to] = code;
+    pos->board[from] = 0;
+    Row& row = pos->plist[side][type];
     const Vector squares = LoadVector(row.data());
     StoreVector(row.data(), Select(EqualBytes(squares, FillVector(from)), FillVector(to), squares));
     const uint64_t both = Bit(from) | Bit(to);
-    pos->bb[s][0] ^= both;
-    pos->bb[s][type] ^= both;
+    pos->bb[side][0] ^= both;
+    pos->bb[side][type] ^= both;
 }
 
 bool PositionIsConsistent(const Position& pos) {
-    for (size_t side = 0; side < 2; ++side) {
+    for (int side = 0; side < 2; ++side) {
         uint64_t all = 0;
         uint32_t msig = 0;
         int npv = 0;
-        for (size_t type = PAWN; type <= KING; ++type) {
+        for (int type = PAWN; type <= KING; ++type) {
             uint64_t set = 0;
             const Row& row = pos.plist[side][type];
-            size_t n = 0;
+            int n = 0;
             while (n < MAX_ROW && row[n] != NO_SQUARE)
                 ++n;
             if (row[n] != NO_SQUARE)
                 return false;
-            for (size_t i = 0; i < n; ++i) {
-                if (row[i] > 63 || (set & Bit(row[i])) ||
-                    pos.board[row[i]] != PieceCode(static_cast<int>(side), static_cast<int>(type)))
+            for (int i = 0; i < n; ++i) {
+                if (row[i] > 63 || (set & Bit(row[i])) || pos.board[row[i]] != PieceCode(side, type))
                     return false;
                 set |= Bit(row[i]);
             }
@@ -110,7 +105,7 @@ bool PositionIsConsistent(const Position& pos) {
             return false;
     }
     int pieces = 0;
-    for (size_t sq = 0; sq < 64; ++sq)
+    for (int sq = 0; sq < 64; ++sq)
         pieces += pos.board[sq] != 0;
     return pieces == CountBits(Occupied(pos)) && (pos.bb[WHITE][0] & pos.bb[BLACK][0]) == 0 && pos.board[64] == 0;
 }

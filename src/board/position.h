@@ -24,7 +24,7 @@ constexpr int TypeOf(int code) { return code & 7; }
 constexpr int SideOf(int code) { return (code >> 3) & 1; }
 
 // Rank index counted from the side's own back rank.
-constexpr int RelativeRank(int side, int sq) { return (sq ^ flip_sq[static_cast<size_t>(side)]) >> 3; }
+constexpr int RelativeRank(int side, int sq) { return (sq ^ flip_sq[side]) >> 3; }
 
 // A move: to-square in bits 0-5, from-square in bits 8-13, at most one promotion bit. 0 is no move (and a null move).
 using Move = uint16_t;
@@ -136,11 +136,11 @@ inline constexpr uint32_t MSIG_SLIDERS = 0xfff00;
 inline uint64_t Occupied(const Position& pos) { return pos.bb[WHITE][0] | pos.bb[BLACK][0]; }
 
 // Square of the side's king, NO_SQUARE if it has none.
-inline int KingSquare(const Position& pos, int side) { return pos.plist[static_cast<size_t>(side)][KING][0]; }
+inline int KingSquare(const Position& pos, int side) { return pos.plist[side][KING][0]; }
 
 // Number of pieces of a type from pawn to queen.
 inline int CountOf(const Position& pos, int side, int type) {
-    return static_cast<int>(pos.msig[static_cast<size_t>(side)] >> (4 * (type - 1))) & 0xf;
+    return static_cast<int>(pos.msig[side] >> (4 * (type - 1))) & 0xf;
 }
 
 // Empties the board: white's and black's rights all set, no en passant square, no past. Side to move and keys stay.

@@ -7,7 +7,7 @@ namespace vrel {
 std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 
 void FreeThread(int id) {
-    SearchThread* thread = ThreadData[static_cast<size_t>(id)].exchange(nullptr, std::memory_order_acq_rel);
+    SearchThread* thread = ThreadData[id].exchange(nullptr, std::memory_order_acq_rel);
     FreePages(thread, sizeof(SearchThread));
 }
 
@@ -29,7 +29,7 @@ int InitNewThread(int id) {
         for (auto& row : rows)
             row[0] = NO_SQUARE;
     thread->pos.ep_square = NO_SQUARE;
-    ThreadData[static_cast<size_t>(id)].store(thread, std::memory_order_release);
+    ThreadData[id].store(thread, std::memory_order_release);
     return 0;
 }
 

@@ -64,9 +64,7 @@ struct alignas(64) SearchThread {
 extern std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 
 // The record of a slot, null if there is none. Pairs with the release in InitNewThread.
-inline SearchThread* GetThread(int slot) {
-    return ThreadData[static_cast<size_t>(slot)].load(std::memory_order_acquire);
-}
+inline SearchThread* GetThread(int slot) { return ThreadData[slot].load(std::memory_order_acquire); }
 
 // The position of the game.
 inline Position* GamePosition() { return &GetThread(0)->pos; }

@@ -45,30 +45,28 @@ constexpr SquareValues ktbl = {60, 50, 40, 30, 30, 40, 50, 60,  //
                                60, 50, 40, 30, 30, 40, 50, 60,  //
                                0};
 
-constexpr int At(const SquareValues& table, int sq) { return table[static_cast<size_t>(sq)]; }
+constexpr int At(const SquareValues& table, int sq) { return table[sq]; }
 
 // a1 is dark.
 constexpr bool IsDark(int sq) { return ((FileOf(sq) + RankOf(sq)) & 1) == 0; }
 
-int FirstOf(const Position& pos, int side, int type) {
-    return pos.plist[static_cast<size_t>(side)][static_cast<size_t>(type)][0];
-}
+int FirstOf(const Position& pos, int side, int type) { return pos.plist[side][type][0]; }
 
 void ReportEnding(EvalReport* report, int strong, int king, int score) {
     if (report != nullptr && king != NO_SQUARE)
         ReportPiece(report, &report->report_kings, strong, king, score);
 }
 
-bool HasMinorOrRook(const Position& pos, int side) { return (pos.msig[static_cast<size_t>(side)] & 0xfff0) != 0; }
+bool HasMinorOrRook(const Position& pos, int side) { return (pos.msig[side] & 0xfff0) != 0; }
 
 // All pawns of the strong side on one rook file, the weak king in front of them, and no bishop that commands the
 // promotion corner.
 bool IsWrongCorner(const Position& pos, int strong) {
-    const uint64_t pawns = pos.bb[static_cast<size_t>(strong)][PAWN];
+    const uint64_t pawns = pos.bb[strong][PAWN];
     if ((pawns & ~FILE_A) != 0 && (pawns & ~FILE_H) != 0)
         return false;
     const int file = (pawns & ~FILE_A) == 0 ? 0 : 7;
-    const int corner = (56 + file) ^ flip_sq[static_cast<size_t>(strong)];
+    const int corner = (56 + file) ^ flip_sq[strong];
     if (distance(KingSquare(pos, strong ^ 1), corner) > 1)
         return false;
     const int bishop = FirstOf(pos, strong, BISHOP);
@@ -77,7 +75,7 @@ bool IsWrongCorner(const Position& pos, int strong) {
 
 // A bishop each and on different colours, few other pieces, no queens.
 bool HasOppositeBishops(const Position& pos) {
-    for (size_t side = 0; side < 2; ++side)
+    for (int side = 0; side < 2; ++side)
         if (pos.npv[side] > 8 || (pos.msig[side] & 0xf0f00) != 0x100)
             return false;
     return IsDark(FirstOf(pos, WHITE, BISHOP)) != IsDark(FirstOf(pos, BLACK, BISHOP));
@@ -86,7 +84,7 @@ bool HasOppositeBishops(const Position& pos) {
 // The only pawn of a side that has no more pieces than the other.
 double ScaleLastPawn(const Position& pos, int strong, double draw_adj) {
     const int pawn = FirstOf(pos, strong, PAWN);
-    const int promo = (56 + FileOf(pawn)) ^ flip_sq[static_cast<size_t>(strong)];
+    const int promo = (56 + FileOf(pawn)) ^ flip_sq[strong];
     const int guard = distance(KingSquare(pos, strong ^ 1), promo);
     draw_adj *= HasMinorOrRook(pos, strong ^ 1) ? 0.6 : 0.8;
     if (distance(KingSquare(pos, strong), promo) > guard) {
@@ -101,7 +99,7 @@ double ScaleLastPawn(const Position& pos, int strong, double draw_adj) {
 double ScaleLastPawns(const Position& pos, int strong, uint64_t passed, double draw_adj) {
     if (HasMinorOrRook(pos, strong ^ 1))
         draw_adj *= 0.85;
-    uint64_t pawns = pos.bb[static_cast<size_t>(strong)][PAWN];
+    uint64_t pawns = pos.bb[strong][PAWN];
     if ((passed & pawns) == 0)
         draw_adj *= 0.9;
     const int king = KingSquare(pos, strong ^ 1);
@@ -136,7 +134,7 @@ int EvalMopup(const Position& pos, int side, EvalReport* report) {
     const int strong = pos.npv[WHITE] > pos.npv[BLACK] ? WHITE : BLACK;
     const int king = KingSquare(pos, strong);
     const int weak_king = KingSquare(pos, strong ^ 1);
-    const int ahead = pos.npv[static_cast<size_t>(strong)] - pos.npv[static_cast<size_t>(strong ^ 1)];
+    const int ahead = pos.npv[strong] - pos.npv[strong ^ 1];
     const int score = 100 * ahead + 200 + At(ktbl, weak_king) - At(ktbl, king) / 4 - 15 * distance(king, weak_king);
     ReportEnding(report, strong, king, score);
     return side == strong ? score : -score;
@@ -145,10 +143,10 @@ int EvalMopup(const Position& pos, int side, EvalReport* report) {
 // The rules stand in a fixed order, and most of them end the matter.
 double ScaleEnding(const Position& pos, int side, int strong, uint64_t passed, double draw_adj) {
     const int weak = strong ^ 1;
-    const uint32_t ss = pos.msig[static_cast<size_t>(strong)];
-    const uint32_t ws = pos.msig[static_cast<size_t>(weak)];
-    const int sp = pos.npv[static_cast<size_t>(strong)];
-    const int wp = pos.npv[static_cast<size_t>(weak)];
+    const uint32_t ss = pos.msig[strong];
+    const uint32_t ws = pos.msig[weak];
+    const int sp = pos.npv[strong];
+    const int wp = pos.npv[weak];
     const int spn = CountOf(pos, strong, PAWN);
     const int wpn = CountOf(pos, weak, PAWN);
 

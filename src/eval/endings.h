@@ -53,8 +53,8 @@ double ScaleEnding(const Position& pos, int side, int strong, uint64_t passed, d
     // Shuffling about without progress: from 1.09 at 21 down to 0.3 at 100.
     if (pos.fifty > 20)
         draw_adj = 1.0 - (pos.fifty - 30) * 0.01;
-    if (pos.npv[static_cast<size_t>(strong)] >= 14)
-        return (pos.msig[static_cast<size_t>(strong)] & MSIG_PAWNS) ? draw_adj : draw_adj * 0.9;
+    if (pos.npv[strong] >= 14)
+        return (pos.msig[strong] & MSIG_PAWNS) ? draw_adj : draw_adj * 0.9;
     return ScaleEnding(pos, side, strong, passed, draw_adj);
 }
 

@@ -68,7 +68,7 @@ void AppendTerms(std::string* text, const Position& pos, const EvalReport& repor
 }
 
 char SquareLetter(const Position& pos, int sq) {
-    const int code = pos.board[static_cast<size_t>(sq)];
+    const int code = pos.board[sq];
     if (code == 0)
         return ((FileOf(sq) + RankOf(sq)) & 1) == 0 ? '+' : '-';
     return (SideOf(code) == WHITE ? " PNBRQK " : " onbrqk ")[TypeOf(code)];
@@ -81,8 +81,8 @@ void AppendBoard(std::string* text, const Position& pos, const EvalReport& repor
             Append(text, " %c", SquareLetter(pos, sq));
         *text += "    ";
         for (int sq = rank * 8; sq < rank * 8 + 8; ++sq)
-            if (pos.board[static_cast<size_t>(sq)])
-                Append(text, " %4d", report.eval_by_square[static_cast<size_t>(sq)]);
+            if (pos.board[sq])
+                Append(text, " %4d", report.eval_by_square[sq]);
             else
                 *text += "    -";
         *text += '\n';

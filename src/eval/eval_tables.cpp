@@ -33,26 +33,25 @@ int16_t Narrow(int value) { return static_cast<int16_t>(value); }
 void InitMaterial() {
     const PersonalityRecord& p = Personality;
     for (int i = 0; i < 16; ++i) {
-        const auto n = static_cast<size_t>(i);
         // Two bishops complement each other; major pieces get in each other's way when the board empties.
         const int pair = i >= 2 ? p.bishop_pair : 0;
         const int spare_rook = i >= 2 ? 20 : 0;
         const int spare_queen = i >= 2 ? 40 : 0;
-        MtlPawnOp[n] = Narrow(i * p.pawn_value_op);
-        MtlPawnEn[n] = Narrow(i * p.pawn_value_en);
-        MtlKnightOp[n] = Narrow(i * p.knight_value_op);
-        MtlKnightEn[n] = Narrow(i * p.knight_value_en);
-        MtlBishopOp[n] = Narrow(i * p.bishop_value_op + pair);
-        MtlBishopEn[n] = Narrow(i * p.bishop_value_en + pair);
-        MtlRookOp[n] = Narrow(i * p.rook_value_op);
-        MtlRookEn[n] = Narrow(i * p.rook_value_en - spare_rook);
-        MtlQueenOp[n] = Narrow(i * p.queen_value_op);
-        MtlQueenEn[n] = Narrow(i * p.queen_value_en - spare_queen);
-        MaterialPairs[PAWN][n] = MakePair(MtlPawnOp[n], MtlPawnEn[n]);
-        MaterialPairs[KNIGHT][n] = MakePair(MtlKnightOp[n], MtlKnightEn[n]);
-        MaterialPairs[BISHOP][n] = MakePair(MtlBishopOp[n], MtlBishopEn[n]);
-        MaterialPairs[ROOK][n] = MakePair(MtlRookOp[n], MtlRookEn[n]);
-        MaterialPairs[QUEEN][n] = MakePair(MtlQueenOp[n], MtlQueenEn[n]);
+        MtlPawnOp[i] = Narrow(i * p.pawn_value_op);
+        MtlPawnEn[i] = Narrow(i * p.pawn_value_en);
+        MtlKnightOp[i] = Narrow(i * p.knight_value_op);
+        MtlKnightEn[i] = Narrow(i * p.knight_value_en);
+        MtlBishopOp[i] = Narrow(i * p.bishop_value_op + pair);
+        MtlBishopEn[i] = Narrow(i * p.bishop_value_en + pair);
+        MtlRookOp[i] = Narrow(i * p.rook_value_op);
+        MtlRookEn[i] = Narrow(i * p.rook_value_en - spare_rook);
+        MtlQueenOp[i] = Narrow(i * p.queen_value_op);
+        MtlQueenEn[i] = Narrow(i * p.queen_value_en - spare_queen);
+        MaterialPairs[PAWN][i] = MakePair(MtlPawnOp[i], MtlPawnEn[i]);
+        MaterialPairs[KNIGHT][i] = MakePair(MtlKnightOp[i], MtlKnightEn[i]);
+        MaterialPairs[BISHOP][i] = MakePair(MtlBishopOp[i], MtlBishopEn[i]);
+        MaterialPairs[ROOK][i] = MakePair(MtlRookOp[i], MtlRookEn[i]);
+        MaterialPairs[QUEEN][i] = MakePair(MtlQueenOp[i], MtlQueenEn[i]);
     }
 }
 
@@ -70,19 +69,19 @@ constexpr std::array<std::array<int, 8>, 8> kPawnCentre = {{{0, 0, 0, 0, 0, 0, 0
                                                             {-1, 1, 2, 2, 2, 2, 1, -1},
                                                             {0, 0, 0, 0, 0, 0, 0, 0}}};
 
-template <size_t N>
-void PairTable(int type, const std::array<int16_t, N>& op, const std::array<int16_t, N>& en) {
-    for (size_t sq = 0; sq < 64; ++sq) {
-        SquarePairs[WHITE][static_cast<size_t>(type)][sq] = MakePair(op[sq], en[sq]);
-        SquarePairs[BLACK][static_cast<size_t>(type)][sq ^ 56] = MakePair(op[sq], en[sq]);
+template <typename Table>
+void PairTable(int type, const Table& op, const Table& en) {
+    for (int sq = 0; sq < 64; ++sq) {
+        SquarePairs[WHITE][type][sq] = MakePair(op[sq], en[sq]);
+        SquarePairs[BLACK][type][sq ^ 56] = MakePair(op[sq], en[sq]);
     }
 }
 
 void InitSquares() {
     const PersonalityRecord& p = Personality;
-    for (size_t sq = 0; sq < 64; ++sq) {
-        const size_t rank = sq >> 3;
-        const size_t file = sq & 7;
+    for (int sq = 0; sq < 64; ++sq) {
+        const int rank = RankOf(sq);
+        const int file = FileOf(sq);
         const int centre = kCentre[rank] + kCentre[file];
         PawnOpening[sq] = Narrow(kPawnCentre[rank][file] * p.PST_P_op / 16);
         PawnEnding[sq] = Narrow(kPawnAdvance[rank] * p.PST_P_en / 16);
@@ -108,29 +107,29 @@ void InitSquares() {
 // The last entry is worth more than a pawn on the seventh: it is read as that pawn's next step.
 void InitPassers() {
     constexpr std::array<double, 8> share = {0.0, 0.06, 0.06, 0.15, 0.32, 0.64, 1.0, 1.5};
-    for (size_t rank = 0; rank < 8; ++rank)
+    for (int rank = 0; rank < 8; ++rank)
         PP_ADVANCE[rank] = Nearest(share[rank] * Personality.ppawn_r7);
 }
 
-template <size_t N>
-void PairMobility(int type, const std::array<int16_t, N>& table) {
-    for (size_t k = 0; k < 32; ++k)
-        MobilityPairs[static_cast<size_t>(type)][k] = BothPair(table[std::min(k, N - 1)]);
+template <typename Table>
+void PairMobility(int type, const Table& table) {
+    const int last = static_cast<int>(table.size()) - 1;
+    for (int k = 0; k < 32; ++k)
+        MobilityPairs[type][k] = BothPair(table[std::min(k, last)]);
 }
 
 // Three squares are par; each further one counts a little less than the one before.
 void InitMobility() {
     double damping = 1.0;
     for (int k = 0; k < 16; ++k) {
-        const auto n = static_cast<size_t>(k);
         const double value = (k - 3) * 0.1 * damping;
-        KnightMobility[n] = Nearest(value * Personality.knight_mobility);
-        BishopMobility[n] = Nearest(value * Personality.bishop_mobility);
-        RookMobility[n] = Nearest(value * Personality.rook_mobility);
-        QueenMobility[n] = Nearest(value * Personality.queen_mobility);
+        KnightMobility[k] = Nearest(value * Personality.knight_mobility);
+        BishopMobility[k] = Nearest(value * Personality.bishop_mobility);
+        RookMobility[k] = Nearest(value * Personality.rook_mobility);
+        QueenMobility[k] = Nearest(value * Personality.queen_mobility);
         damping *= 0.97;
     }
-    for (size_t k = 11; k < 32; ++k)
+    for (int k = 11; k < 32; ++k)
         QueenMobility[k] = QueenMobility[10];
     PairMobility(KNIGHT, KnightMobility);
     PairMobility(BISHOP, BishopMobility);
@@ -142,14 +141,13 @@ void InitMobility() {
 void InitKingDanger() {
     KingDanger.fill(0);
     for (int i = 7; i < 32; ++i) {
-        const auto n = static_cast<size_t>(i);
         const int curve = static_cast<int>(std::round(std::pow(i - 6, 1.5) * Personality.king_safety * 0.045));
-        KingDanger[n] = Narrow(std::min(KingDanger[n - 1] + 24, curve));
+        KingDanger[i] = Narrow(std::min(KingDanger[i - 1] + 24, curve));
     }
 }
 
 void InitFileMasks() {
-    for (size_t mask = 0; mask < 256; ++mask) {
+    for (int mask = 0; mask < 256; ++mask) {
         leftbit[mask] = 8;
         rightbit[mask] = -1;
         for (int bit = 7; bit >= 0; --bit)

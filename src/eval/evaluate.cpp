@@ -41,7 +41,7 @@ int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending
             return EvalKPK(pos, side);
         default:
             frame->eval_draw = 1;
-            return PBlock.draw_score[static_cast<size_t>(side)];
+            return PBlock.draw_score[side];
     }
 }
 
@@ -137,13 +137,13 @@ template <bool Root>
     const int en = EndingOf(ctx.material[WHITE]) + EndingOf(ctx.score[WHITE]) - EndingOf(ctx.material[BLACK]) -
                    EndingOf(ctx.score[BLACK]);
     const int score = Blend(op, en, ctx.stage);
-    return (ctx.side == WHITE ? score : -score) + tempo_bonus[static_cast<size_t>(ctx.stage)];
+    return (ctx.side == WHITE ? score : -score) + tempo_bonus[ctx.stage];
 }
 
 void FinishReport(const EvalContext& ctx, double draw_adj) {
     EvalReport* report = ctx.report;
     report->report_stage = static_cast<int16_t>(ctx.stage);
-    for (size_t side = 0; side < 2; ++side) {
+    for (int side = 0; side < 2; ++side) {
         report->report_mtl[side] = static_cast<int16_t>(Blend(ctx.material[side], ctx.stage));
         report->report_pos[side] = static_cast<int16_t>(Blend(ctx.score[side], ctx.stage));
         report->report_free_rank[side] = static_cast<int8_t>(ctx.free_pawn_rank[side]);
@@ -211,7 +211,7 @@ int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalH
 
 int Evaluate(SearchThread* thread, int side, int ply, bool in_check) {
     const Position& pos = thread->pos;
-    PlyFrame* frame = &thread->frames[static_cast<size_t>(ply)];
+    PlyFrame* frame = &thread->frames[ply];
     const bool root = ply <= 1;
     frame->hung_value = {0, 0};
     frame->free_pawn_rank = {0, 0};

@@ -35,8 +35,8 @@ template <int Side>
 [[gnu::always_inline]] inline ScorePair KingSafety(EvalContext* ctx, int king) {
     constexpr int Enemy = Side ^ 1;
     const auto& attacks = ctx->attacks;
-    const uint64_t near = BB_KingRays[static_cast<size_t>(king)];
-    const int middle = fyle_x[static_cast<size_t>(FileOf(king))];
+    const uint64_t near = BB_KingRays[king];
+    const int middle = fyle_x[FileOf(king)];
     int op = 0;
 
     // Shield: pawns next to the king, and a pawn on each of the three files before it.
@@ -75,7 +75,7 @@ template <int Side>
 
     if (danger > 1)
         danger = std::min(danger - (ctx->side == Side ? 1 : 0), 31);
-    op -= KingDanger[static_cast<size_t>(danger)];
+    op -= KingDanger[danger];
     return MakePair(op - 8 * checks, -8 * checks);
 }
 
@@ -87,10 +87,10 @@ template <int Side>
     int en = 0;
     const int files = ctx->pawn->pawn_files[WHITE] | ctx->pawn->pawn_files[BLACK];
     if (files) {
-        en -= 6 * std::max(leftbit[static_cast<size_t>(files)] - FileOf(king), 0);
-        en -= 6 * std::max(FileOf(king) - rightbit[static_cast<size_t>(files)], 0);
+        en -= 6 * std::max(leftbit[files] - FileOf(king), 0);
+        en -= 6 * std::max(FileOf(king) - rightbit[files], 0);
     }
-    const uint64_t free = BB_KingRays[static_cast<size_t>(king)] & ~ctx->attacks[0][Enemy] & ~ctx->pos->bb[Side][0];
+    const uint64_t free = BB_KingRays[king] & ~ctx->attacks[0][Enemy] & ~ctx->pos->bb[Side][0];
     if (free & centre)
         en += 8;
     else if (free & kCentralSquares)
@@ -108,7 +108,7 @@ template <int Side, bool Root>
     if (king == NO_SQUARE) [[unlikely]]
         return;
     const int force = ctx->weight[Enemy];
-    ScorePair score = SquarePairs[Side][KING][static_cast<size_t>(king)];
+    ScorePair score = SquarePairs[Side][KING][king];
     if (force > 2)
         score += KingSafety<Side>(ctx, king);
     if (ctx->stage > 13)

@@ -33,50 +33,48 @@ struct PawnCase {
 
 void SetLegality(PawnCase* c) {
     for (int wk = 0; wk < 64; ++wk) {
-        const auto n = static_cast<size_t>(wk);
-        const uint64_t room = wk == c->pawn ? 0 : ~(Bit(wk) | BB_KingRays[n] | Bit(c->pawn));
-        c->legal1[n] = room;
-        c->legal0[n] = room & ~BB_PawnRays[WHITE][static_cast<size_t>(c->pawn)];
+        const uint64_t room = wk == c->pawn ? 0 : ~(Bit(wk) | BB_KingRays[wk] | Bit(c->pawn));
+        c->legal1[wk] = room;
+        c->legal0[wk] = room & ~BB_PawnRays[WHITE][c->pawn];
     }
-    c->capture = BB_KingRays[static_cast<size_t>(c->pawn)];
+    c->capture = BB_KingRays[c->pawn];
 }
 
 // A pawn on the last rank is a queen in effect: won, unless the lone king takes it at once.
 void SolveLastRank(const PawnCase& c) {
-    const auto slot = static_cast<size_t>(PawnSlot(c.pawn));
+    const int slot = PawnSlot(c.pawn);
     for (int wk = 0; wk < 64; ++wk) {
-        const auto n = static_cast<size_t>(wk);
         const uint64_t safe = distance(wk, c.pawn) == 1 ? ~0ULL : ~c.capture;
-        kpk_db[0][slot][n] = c.legal0[n];
-        kpk_db[1][slot][n] = c.legal1[n] & safe;
+        kpk_db[0][slot][wk] = c.legal0[wk];
+        kpk_db[1][slot][wk] = c.legal1[wk] & safe;
     }
 }
 
 // Lone king squares from which the pawn's advance wins, its own king standing on `wk`.
-uint64_t AdvanceWins(const PawnCase& c, const PawnCase& ahead, size_t wk) {
-    uint64_t wins = kpk_db[1][static_cast<size_t>(PawnSlot(ahead.pawn))][wk];
+uint64_t AdvanceWins(const PawnCase& c, const PawnCase& ahead, int wk) {
+    uint64_t wins = kpk_db[1][PawnSlot(ahead.pawn)][wk];
     // The double step needs a single step that could be made.
     if (RankOf(c.pawn) == 1)
-        wins |= kpk_db[1][static_cast<size_t>(PawnSlot(ahead.pawn + 8))][wk] & ahead.legal1[wk];
+        wins |= kpk_db[1][PawnSlot(ahead.pawn + 8)][wk] & ahead.legal1[wk];
     return wins & c.legal0[wk];
 }
 
 // One pass over the squares of the pawn's king; true if it found a new win.
 bool Sweep(const PawnCase& c, KingSets* win0, KingSets* win1) {
     bool changed = false;
-    for (size_t wk = 0; wk < 64; ++wk) {
+    for (int wk = 0; wk < 64; ++wk) {
         uint64_t wins = 0;
         for (uint64_t steps = BB_KingRays[wk]; steps;)
-            wins |= (*win1)[static_cast<size_t>(PopLSB(&steps))];
+            wins |= (*win1)[PopLSB(&steps)];
         wins = (*win0)[wk] | (wins & c.legal0[wk]);
         changed |= wins != (*win0)[wk];
         (*win0)[wk] = wins;
     }
-    for (size_t wk = 0; wk < 64; ++wk) {
+    for (int wk = 0; wk < 64; ++wk) {
         // The lone king holds if it has a step that isn't lost, or can take the pawn. Without any step it is
         // stalemated.
         uint64_t holds = KingSteps(c.legal0[wk] & ~(*win0)[wk]);
-        if (distance(static_cast<int>(wk), c.pawn) >= 2)
+        if (distance(wk, c.pawn) >= 2)
             holds |= c.capture;
         const uint64_t wins = c.legal1[wk] & KingSteps((*win0)[wk]) & ~holds;
         changed |= wins != (*win1)[wk];
@@ -86,19 +84,18 @@ bool Sweep(const PawnCase& c, KingSets* win0, KingSets* win1) {
 }
 
 void Solve(const PawnCase& c, const PawnCase& ahead) {
-    const auto slot = static_cast<size_t>(PawnSlot(c.pawn));
+    const int slot = PawnSlot(c.pawn);
     KingSets& win0 = kpk_db[0][slot];
     KingSets& win1 = kpk_db[1][slot];
     win1.fill(0);
-    for (size_t wk = 0; wk < 64; ++wk)
+    for (int wk = 0; wk < 64; ++wk)
         win0[wk] = AdvanceWins(c, ahead, wk);
     while (Sweep(c, &win0, &win1)) {
     }
 }
 
 bool IsWin(int stm, int pawn, int wk, int bk) {
-    const uint64_t wins =
-        kpk_db[static_cast<size_t>(stm)][static_cast<size_t>(PawnSlot(pawn))][static_cast<size_t>(wk)];
+    const uint64_t wins = kpk_db[stm][PawnSlot(pawn)][wk];
     return wins >> bk & 1;
 }
 
@@ -122,7 +119,7 @@ void KPKgen() {
 }
 
 int EvalKPKFor(const Position& pos, int owner, int side) {
-    int pawn = pos.plist[static_cast<size_t>(owner)][PAWN][0];
+    int pawn = pos.plist[owner][PAWN][0];
     int wk = KingSquare(pos, owner);
     int bk = KingSquare(pos, owner ^ 1);
     if (std::max({pawn, wk, bk}) >= NO_SQUARE)

@@ -14,10 +14,9 @@ namespace vrel {
 template <int Side>
 [[gnu::always_inline]] inline bool Attacks(const Position& pos, int sq, uint64_t occupied) {
     const auto& own = pos.bb[Side];
-    const auto n = static_cast<size_t>(sq);
-    if ((BB_PawnRays[Side ^ 1][n] & own[PAWN]) | (BB_KnightRays[n] & own[KNIGHT]) | (BB_KingRays[n] & own[KING]))
+    if ((BB_PawnRays[Side ^ 1][sq] & own[PAWN]) | (BB_KnightRays[sq] & own[KNIGHT]) | (BB_KingRays[sq] & own[KING]))
         return true;
-    uint64_t sliders = (BB_BishopRays[n] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[n] & (own[ROOK] | own[QUEEN]));
+    uint64_t sliders = (BB_BishopRays[sq] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[sq] & (own[ROOK] | own[QUEEN]));
     while (sliders)
         if ((BB_Between(PopLSB(&sliders), sq) & occupied) == 0)
             return true;
@@ -43,17 +42,16 @@ template <int Side, bool Root>
 [[gnu::always_inline]] inline void EvalPassedPawn(EvalContext* ctx, int sq) {
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
-    const auto n = static_cast<size_t>(sq);
     const int rank = RelativeRank(Side, sq);
     // A pawn on the last rank, which only a set-up board can have, has nowhere to go.
     if (rank == 7) [[unlikely]]
         return;
     const uint64_t own_pawns = pos.bb[Side][PAWN];
-    const uint64_t path = Side == WHITE ? BB_RayN[n] : BB_RayS[n];
+    const uint64_t path = Side == WHITE ? BB_RayN[sq] : BB_RayS[sq];
 
     // The rear pawn of a doubled passer has to wait.
     if (path & own_pawns) {
-        ctx->score[Side] += BothPair(PP_ADVANCE[static_cast<size_t>(rank)] / 3);
+        ctx->score[Side] += BothPair(PP_ADVANCE[rank] / 3);
         return;
     }
 
@@ -71,12 +69,12 @@ template <int Side, bool Root>
 
     const int reach = FreePath<Side>(pos, ctx->occupied, sq, rank);
     bool free = reach == 7;
-    const int value = PP_ADVANCE[static_cast<size_t>(rank)];
-    const int next_value = PP_ADVANCE[static_cast<size_t>(rank + 1)];
+    const int value = PP_ADVANCE[rank];
+    const int next_value = PP_ADVANCE[rank + 1];
     int base = value;
     if (rank == 6 && !free) {
         // On the seventh a capture is as good as a free path.
-        if (BB_PawnRays[Side][n] & pos.bb[Enemy][0]) {
+        if (BB_PawnRays[Side][sq] & pos.bb[Enemy][0]) {
             base += next_value / 4;
             free = true;
         }
@@ -92,9 +90,9 @@ template <int Side, bool Root>
     if (ctx->occupied & Bit(front))
         v -= base / 8;
     // A neighbour beside it supports its advance, one behind only the pawn as it stands.
-    if (own_pawns & BB_AdjacentSquares[n])
+    if (own_pawns & BB_AdjacentSquares[sq])
         v += base / 4;
-    else if (own_pawns & BB_PawnRays[Enemy][n])
+    else if (own_pawns & BB_PawnRays[Enemy][sq])
         v += base / 8;
     v += (32 * de_front - 22 * do_front) * base / 256;
     if (outrun)

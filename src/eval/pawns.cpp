@@ -23,9 +23,8 @@ constexpr uint64_t kAdvancedCentre = Ranks<Side>(5, 6) & kCentralSquares;
 template <int Side>
 int CandidateBonus(const PawnSets& sets, int sq, int rank) {
     constexpr int Enemy = Side ^ 1;
-    const auto n = static_cast<size_t>(sq);
-    const uint64_t sentries = sets.pawns[Enemy] & BB_PawnSpan[Side][n];
-    uint64_t partners = sets.pawns[Side] & BB_AdjacentSquares[n];
+    const uint64_t sentries = sets.pawns[Enemy] & BB_PawnSpan[Side][sq];
+    uint64_t partners = sets.pawns[Side] & BB_AdjacentSquares[sq];
     // A partner that a sentry could capture on its way is no help, unless one of them meets a sentry right ahead.
     if ((Forward<Side>(Forward<Side>(partners)) & sentries) == 0)
         partners &= ~sets.attack_span[Enemy];
@@ -35,14 +34,13 @@ int CandidateBonus(const PawnSets& sets, int sq, int rank) {
 template <int Side>
 ScorePair EvalPawn(const PawnSets& sets, int sq) {
     constexpr int Enemy = Side ^ 1;
-    const auto n = static_cast<size_t>(sq);
     const uint64_t bit = Bit(sq);
     const uint64_t own = sets.pawns[Side];
     const int file = FileOf(sq);
     const int rank = RelativeRank(Side, sq);
-    const uint64_t ahead = Side == WHITE ? BB_RayN[n] : BB_RayS[n];
+    const uint64_t ahead = Side == WHITE ? BB_RayN[sq] : BB_RayS[sq];
     const bool half_open = (sets.pawns[Enemy] & ahead) == 0;
-    ScorePair score = SquarePairs[Side][PAWN][n];
+    ScorePair score = SquarePairs[Side][PAWN][sq];
     int both = 0;
 
     // Doubled: each pawn of the file pays.
@@ -53,14 +51,14 @@ ScorePair EvalPawn(const PawnSets& sets, int sq) {
     if ((Forward<Side>(bit) & sets.attack_span[Side]) == 0) {
         if (rank <= 3)
             both += Personality.pawn_backward;
-        if ((own & BB_AdjacentFiles[static_cast<size_t>(file)]) == 0)
+        if ((own & BB_AdjacentFiles[file]) == 0)
             both += Personality.pawn_isolated;
         if (half_open)
             both += Personality.pawn_weak;
     }
 
     if ((bit & sets.passed[Side]) == 0) {
-        if (own & BB_PawnRays[Enemy][n]) {  // defended
+        if (own & BB_PawnRays[Enemy][sq]) {  // defended
             both += 4;
             if (bit & kAdvancedCentre<Side>)
                 score += MakePair((bit & sets.attack_span[Enemy]) ? 3 : 7, 0);

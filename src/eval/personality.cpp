@@ -100,16 +100,15 @@ int ReductionOther(int depth, int number) {
 void InitPersonality() {
     PersonalityRecord p;
     for (int d = 0; d < 8; ++d) {
-        const auto n = static_cast<size_t>(d);
-        p.RP_margin[n] = static_cast<int16_t>(100 + 75 * d);
-        p.CNP_margin[n] = static_cast<int16_t>(75 * d);
-        p.FP_margin[n] = static_cast<int16_t>(2 + 128 * d);
-        p.LMP_count[n] = static_cast<int8_t>(3 * d);
+        p.RP_margin[d] = static_cast<int16_t>(100 + 75 * d);
+        p.CNP_margin[d] = static_cast<int16_t>(75 * d);
+        p.FP_margin[d] = static_cast<int16_t>(2 + 128 * d);
+        p.LMP_count[d] = static_cast<int8_t>(3 * d);
     }
     for (int d = 0; d < 70; ++d)
         for (int m = 0; m < 32; ++m) {
-            p.LMR_table1[static_cast<size_t>(d)][static_cast<size_t>(m)] = static_cast<int8_t>(ReductionPV(d, m));
-            p.LMR_table2[static_cast<size_t>(d)][static_cast<size_t>(m)] = static_cast<int8_t>(ReductionOther(d, m));
+            p.LMR_table1[d][m] = static_cast<int8_t>(ReductionPV(d, m));
+            p.LMR_table2[d][m] = static_cast<int8_t>(ReductionOther(d, m));
         }
     Personality = p;
     DefaultPersonality = p;
@@ -118,7 +117,7 @@ void InitPersonality() {
 int16_t* TunedWeight(PersonalityRecord* record, int index) {
     if (index < 0 || index >= TUNED_WEIGHTS)
         return nullptr;
-    return &(record->*kWeights[static_cast<size_t>(index)].field);
+    return &(record->*kWeights[index].field);
 }
 
 int16_t* FindWeight(PersonalityRecord* record, const char* name) {

@@ -17,7 +17,7 @@ constexpr SquareTable MakeKingZones() {
         const int file = std::clamp(FileOf(sq), 1, 6);
         const int rank = std::clamp(RankOf(sq), 1, 6);
         const uint64_t row = 7ULL << (file - 1);
-        zones[static_cast<size_t>(sq)] = (row | row << 8 | row << 16) << (8 * (rank - 1));
+        zones[sq] = (row | row << 8 | row << 16) << (8 * (rank - 1));
     }
     return zones;
 }
@@ -28,7 +28,7 @@ constexpr SquareTable MakeKingFiles() {
     SquareTable files{};
     for (int sq = 0; sq < 64; ++sq) {
         const uint64_t file = FILE_A << FileOf(sq);
-        files[static_cast<size_t>(sq)] = file | (file & ~FILE_A) >> 1 | (file & ~FILE_H) << 1;
+        files[sq] = file | (file & ~FILE_A) >> 1 | (file & ~FILE_H) << 1;
     }
     return files;
 }
@@ -41,7 +41,7 @@ constexpr SquareTable MakeTrappers() {
     for (int sq = 0; sq < 64; ++sq) {
         const int file = FileOf(sq);
         const int row = file == 0 ? 0x06 : file == 1 ? 0x04 : file == 6 ? 0x20 : file == 7 ? 0x60 : 0;
-        squares[static_cast<size_t>(sq)] = static_cast<uint64_t>(row) << (8 * RankOf(sq));
+        squares[sq] = static_cast<uint64_t>(row) << (8 * RankOf(sq));
     }
     return squares;
 }
@@ -51,7 +51,7 @@ inline constexpr SquareTable BBTF = MakeTrappers();
 template <int Side>
 [[gnu::always_inline]] inline void StartAttackSets(EvalContext* ctx) {
     const Position& pos = *ctx->pos;
-    const uint64_t king = BB_KingRays[static_cast<size_t>(ctx->king_sq[Side])];
+    const uint64_t king = BB_KingRays[ctx->king_sq[Side]];
     const uint64_t pawns = Sideways(Forward<Side>(pos.bb[Side][PAWN]));
     ctx->attacks[PAWN][Side] = pawns;
     ctx->attacks[KING][Side] = king;
@@ -69,18 +69,17 @@ template <int Side>
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
     const int king = ctx->king_sq[Side];
-    const auto n = static_cast<size_t>(king);
     ctx->mobility_area[Side] = ~(pos.bb[Side][0] | ctx->attacks[PAWN][Enemy]);
     const uint64_t enemy_area = ~(pos.bb[Enemy][0] | ctx->attacks[PAWN][Side]);
-    ctx->king_zone[Side] = kKingZones[n];
-    ctx->king_lines[Side] = kKingFiles[n] & ~ctx->pawn->shut_ground[Side];
-    ctx->knight_checks[Side] = BB_KnightRays[n] & enemy_area;
+    ctx->king_zone[Side] = kKingZones[king];
+    ctx->king_lines[Side] = kKingFiles[king] & ~ctx->pawn->shut_ground[Side];
+    ctx->knight_checks[Side] = BB_KnightRays[king] & enemy_area;
     ctx->bishop_checks[Side] = GenAttacksB(king, ctx->occupied) & enemy_area;
     ctx->rook_checks[Side] = GenAttacksR(king, ctx->occupied) & enemy_area;
     ctx->outpost[Side] = Ranks<Side>(4, 7) & ~(FILE_A | FILE_H) & ~ctx->pawn->attack_span[Enemy];
     ctx->rank7_target[Side] =
         ((pos.bb[Enemy][PAWN] & Ranks<Enemy>(2, 2)) | (pos.bb[Enemy][KING] & Ranks<Enemy>(1, 1))) != 0;
-    ctx->king_attackers[Side] = CountBits(Forward<Side>(kKingZones[n]) & pos.bb[Enemy][PAWN]);
+    ctx->king_attackers[Side] = CountBits(Forward<Side>(kKingZones[king]) & pos.bb[Enemy][PAWN]);
 }
 
 // Joins the attacks of one more piece. `seen` may reach beyond them: it counts for squares attacked twice.
@@ -95,10 +94,10 @@ template <int Side>
 [[gnu::always_inline]] inline ScorePair EvalKnight(EvalContext* ctx, int sq) {
     constexpr int Enemy = Side ^ 1;
     const uint64_t bit = Bit(sq);
-    const uint64_t attacks = BB_KnightRays[static_cast<size_t>(sq)];
+    const uint64_t attacks = BB_KnightRays[sq];
     JoinAttacks<Side, KNIGHT>(ctx, attacks, attacks);
-    ScorePair score = MobilityPairs[KNIGHT][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
-                      SquarePairs[Side][KNIGHT][static_cast<size_t>(sq)];
+    ScorePair score =
+        MobilityPairs[KNIGHT][CountBits(attacks & ctx->mobility_area[Side])] + SquarePairs[Side][KNIGHT][sq];
     if (attacks & ctx->king_zone[Enemy]) {
         ctx->king_attackers[Enemy] += 2;
         score += BothPair(8);
@@ -126,8 +125,8 @@ template <int Side>
     // A bishop sees through its own queen.
     const uint64_t attacks = GenAttacksB(sq, ctx->occupied & ~ctx->pos->bb[Side][QUEEN]);
     JoinAttacks<Side, BISHOP>(ctx, attacks, attacks);
-    ScorePair score = MobilityPairs[BISHOP][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
-                      SquarePairs[Side][BISHOP][static_cast<size_t>(sq)] +
+    ScorePair score = MobilityPairs[BISHOP][CountBits(attacks & ctx->mobility_area[Side])] +
+                      SquarePairs[Side][BISHOP][sq] +
                       BothPair(4) * static_cast<ScorePair>(CountBits(attacks & kCentralSquares));
     if (attacks & ctx->king_zone[Enemy]) {
         ctx->king_attackers[Enemy] += 2;
@@ -150,8 +149,7 @@ template <int Side>
     JoinAttacks<Side, ROOK>(ctx, attacks, attacks);
     const int moves = CountBits(attacks & ctx->mobility_area[Side]);
     const int beyond = CountBits(attacks & (FILE_A << file) & BBHB[Enemy]);
-    ScorePair score = MobilityPairs[ROOK][static_cast<size_t>(moves)] +
-                      SquarePairs[Side][ROOK][static_cast<size_t>(sq)] +
+    ScorePair score = MobilityPairs[ROOK][moves] + SquarePairs[Side][ROOK][sq] +
                       BothPair(4) * static_cast<ScorePair>(std::min(beyond, 2));
     if (attacks & ctx->king_zone[Enemy]) {
         ctx->king_attackers[Enemy] += 3;
@@ -162,7 +160,7 @@ template <int Side>
     if ((ctx->pawn->pawn_files[Side] >> file & 1) == 0) {
         const bool half_open = ctx->pawn->pawn_files[Enemy] >> file & 1;
         score += BothPair(half_open ? Personality.rook_half_open_file : Personality.rook_open_file);
-    } else if (moves <= 4 && (BBTF[static_cast<size_t>(sq)] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
+    } else if (moves <= 4 && (BBTF[sq] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
         score += MakePair(Personality.rook_trapped, 0);
     }
     if (RelativeRank(Side, sq) == 6 && ctx->rank7_target[Side])
@@ -184,8 +182,8 @@ template <int Side>
     if (straight & pos.bb[Side][ROOK])
         seen |= GenAttacksR(sq, ctx->occupied & ~pos.bb[Side][ROOK]);
     JoinAttacks<Side, QUEEN>(ctx, attacks, seen);
-    ScorePair score = MobilityPairs[QUEEN][static_cast<size_t>(CountBits(attacks & ctx->mobility_area[Side]))] +
-                      SquarePairs[Side][QUEEN][static_cast<size_t>(sq)];
+    ScorePair score =
+        MobilityPairs[QUEEN][CountBits(attacks & ctx->mobility_area[Side])] + SquarePairs[Side][QUEEN][sq];
     if (attacks & ctx->king_zone[Enemy])
         ctx->king_attackers[Enemy] += 3;
     else if (seen & ctx->king_zone[Enemy])

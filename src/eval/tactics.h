@@ -56,15 +56,13 @@ template <int Side>
     const Position& pos = *ctx->pos;
     const auto& enemy = pos.bb[Enemy];
     const int king = ctx->king_sq[Side];
-    const auto k = static_cast<size_t>(king);
     uint64_t pinned = LoneBlockers(
-        (BB_BishopRays[k] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[k] & (enemy[ROOK] | enemy[QUEEN])), king,
-        ctx->occupied);
+        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN])),
+        king, ctx->occupied);
     if ((pos.msig[Side] & 0xf0000) == 0x10000) {
         const int queen = pos.plist[Side][QUEEN][0];
-        const auto q = static_cast<size_t>(queen);
-        pinned |=
-            LoneBlockers((BB_BishopRays[q] & enemy[BISHOP]) | (BB_RookRays[q] & enemy[ROOK]), queen, ctx->occupied);
+        pinned |= LoneBlockers((BB_BishopRays[queen] & enemy[BISHOP]) | (BB_RookRays[queen] & enemy[ROOK]), queen,
+                               ctx->occupied);
     }
     pinned &= pos.bb[Side][0] & ~pos.bb[Side][PAWN];
     ctx->pinned |= pinned;

@@ -44,16 +44,16 @@ constexpr int Blend(ScorePair score, int stage) { return Blend(OpeningOf(score),
 
 // Notes the share of a piece in the report: it replaces what its square shows.
 inline void ReportPiece(EvalReport* report, std::array<int16_t, 2>* sums, int side, int sq, int share) {
-    int16_t& sum = (*sums)[static_cast<size_t>(side)];
+    int16_t& sum = (*sums)[side];
     sum = static_cast<int16_t>(sum + share);
-    report->eval_by_square[static_cast<size_t>(sq)] = static_cast<int16_t>(share);
+    report->eval_by_square[sq] = static_cast<int16_t>(share);
 }
 
 // Notes a share of a pawn: the square shows the sum of its shares.
 inline void ReportPawn(EvalReport* report, std::array<int16_t, 2>* sums, int side, int sq, int share) {
-    const int shown = report->eval_by_square[static_cast<size_t>(sq)];
+    const int shown = report->eval_by_square[sq];
     ReportPiece(report, sums, side, sq, share);
-    report->eval_by_square[static_cast<size_t>(sq)] = static_cast<int16_t>(shown + share);
+    report->eval_by_square[sq] = static_cast<int16_t>(shown + share);
 }
 
 }  // namespace vrel
