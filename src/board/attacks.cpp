@@ -5,7 +5,7 @@ namespace vrel {
 namespace {
 
 // The squares from `sq` to the edge in steps of one file and rank each way.
-constexpr uint64_t Ray(int sq, int file_step, int rank_step) {
+constexpr uint64_t Ray(Square sq, int file_step, int rank_step) {
     uint64_t ray = 0;
     for (int file = FileOf(sq) + file_step, rank = RankOf(sq) + rank_step;
          file >= 0 && file < 8 && rank >= 0 && rank < 8; file += file_step, rank += rank_step)
@@ -16,6 +16,7 @@ constexpr uint64_t Ray(int sq, int file_step, int rank_step) {
 constexpr std::array<SquareLines, SQUARES> MakeSquareLines() {
     std::array<SquareLines, SQUARES> table{};
     for (int sq = 0; sq < NO_SQUARE; ++sq)
+        // In the order of the fields.
         table[sq] = {Ray(sq, 0, 1) | Ray(sq, 0, -1),
                      Ray(sq, 1, 1) | Ray(sq, -1, -1),
                      Ray(sq, -1, 1) | Ray(sq, 1, -1),
@@ -30,7 +31,7 @@ constexpr std::array<SquareLines, SQUARES> MakeSquareLines() {
 
 constexpr std::array<SquareLines, SQUARES> square_lines = MakeSquareLines();
 
-uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ) {
+uint64_t GetAtakr(Square sq, int type, uint64_t set, uint64_t occ) {
     switch (type) {
         case KNIGHT:
             return set & BB_KnightRays[sq];
@@ -43,22 +44,6 @@ uint64_t GetAtakr(int sq, int type, uint64_t set, uint64_t occ) {
         default:
             return 0;
     }
-}
-
-uint64_t PinnedToKing(const Position& pos, int side) {
-    const int king = KingSquare(pos, side);
-    const auto& enemy = pos.bb[side ^ 1];
-    return LoneBlockers(
-        king,
-        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN])),
-        Occupied(pos));
-}
-
-uint64_t PinnedToQueen(const Position& pos, int side) {
-    const int queen = pos.plist[side][QUEEN][0];
-    const auto& enemy = pos.bb[side ^ 1];
-    return LoneBlockers(queen, (BB_BishopRays[queen] & enemy[BISHOP]) | (BB_RookRays[queen] & enemy[ROOK]),
-                        Occupied(pos));
 }
 
 }  // namespace vrel

@@ -16,14 +16,14 @@ SquareTable BB_RayN, BB_RayS, BB_RayE, BB_RayW;
 SquareTable BB_RayNE, BB_RayNW, BB_RaySE, BB_RaySW;
 SquareTable BB_RookRays;
 SquareTable BB_BishopRays;
-std::array<std::array<uint64_t, 64>, SQUARES + 1> BB_BetweenTable;
+std::array<std::array<uint64_t, 64>, SQUARES> BB_BetweenTable;
 std::array<int8_t, 256> leftbit;
 std::array<int8_t, 256> rightbit;
 
 namespace {
 
 // The square `files` and `ranks` away as a set, empty beyond the edge.
-uint64_t Step(int sq, int files, int ranks) {
+uint64_t Step(Square sq, int files, int ranks) {
     const int file = FileOf(sq) + files;
     const int rank = RankOf(sq) + ranks;
     if (file < 0 || file > 7 || rank < 0 || rank > 7)
@@ -31,7 +31,7 @@ uint64_t Step(int sq, int files, int ranks) {
     return Bit(rank * 8 + file);
 }
 
-uint64_t Ray(int sq, int files, int ranks) {
+uint64_t Ray(Square sq, int files, int ranks) {
     uint64_t ray = 0;
     for (int i = 1; i < 8; ++i)
         ray |= Step(sq, i * files, i * ranks);
@@ -46,7 +46,7 @@ void InitializeRankAndFileTables() {
     }
 }
 
-void InitializeSquare(int sq) {
+void InitializeSquare(Square sq) {
     const int file = FileOf(sq);
     const int rank = RankOf(sq);
     const uint64_t three_files = BB_AdjacentFiles[file] | FILE_A << file;
@@ -73,7 +73,7 @@ void InitializeSquare(int sq) {
 
 constexpr int Sign(int x) { return (x > 0) - (x < 0); }
 
-uint64_t SquaresBetween(int a, int b) {
+uint64_t SquaresBetween(Square a, Square b) {
     const int df = FileOf(b) - FileOf(a);
     const int dr = RankOf(b) - RankOf(a);
     if (a == b || (df != dr && df != -dr && df != 0 && dr != 0))

@@ -1,5 +1,6 @@
 #include "board/generate.h"
 
+#include <cassert>
 #include <cstring>
 #include <utility>
 
@@ -10,8 +11,6 @@ namespace vrel {
 
 namespace {
 
-using Row = std::array<uint8_t, MAX_ROW + 1>;
-
 // Move, mover and victim in one store; the other two fields stay.
 MoveEntry* WriteEntry(MoveEntry* list, Move move, uint32_t piece, uint32_t captured) {
     const uint32_t word = move | piece << 16 | captured << 24;
@@ -19,12 +18,12 @@ MoveEntry* WriteEntry(MoveEntry* list, Move move, uint32_t piece, uint32_t captu
     return list + 1;
 }
 
-MoveEntry* AddMove(MoveEntry* list, const Position& pos, int from, int to) {
+MoveEntry* AddMove(MoveEntry* list, const Position& pos, Square from, Square to) {
     return WriteEntry(list, MakeMoveValue(from, to), pos.board[from], pos.board[to]);
 }
 
 // Queen, then knight, bishop and rook if `all`.
-MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, int from, int to, bool all) {
+MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, Square from, Square to, bool all) {
     const uint32_t piece = pos.board[from];
     const uint32_t captured = pos.board[to];
     const Move move = MakeMoveValue(from, to);
@@ -37,17 +36,17 @@ MoveEntry* AddPromotion(MoveEntry* list, const Position& pos, int from, int to, 
 }
 
 // All moves of one piece to a set of squares, from the lowest up.
-MoveEntry* AddTargets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
+MoveEntry* AddTargets(MoveEntry* list, const Position& pos, Square from, uint64_t targets) {
     const uint32_t piece = pos.board[from];
     while (targets) {
-        const int to = PopLSB(&targets);
+        const Square to = PopLSB(&targets);
         list = WriteEntry(list, MakeMoveValue(from, to), piece, pos.board[to]);
     }
     return list;
 }
 
 // Quiet moves of one piece.
-MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, int from, uint64_t targets) {
+MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, Square from, uint64_t targets) {
     const uint32_t piece = pos.board[from];
     while (targets)
         list = WriteEntry(list, MakeMoveValue(from, PopLSB(&targets)), piece, 0);
@@ -57,7 +56,7 @@ MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, int from, uint64_t ta
 // The en passant square as a target, if a pawn has really just passed over it.
 template <int Side>
 uint64_t EnPassantTarget(const Position& pos) {
-    const int sq = pos.ep_square;
+    const Square sq = pos.ep_square;
     if (sq == NO_SQUARE || RelativeRank(Side, sq) != 5 || pos.board[sq] ||
         pos.board[sq - pawn_dir[Side]] != PieceCode(Side ^ 1, PAWN))
         return 0;
@@ -68,7 +67,7 @@ uint64_t EnPassantTarget(const Position& pos) {
 template <int Step>
 MoveEntry* AddPawnCaptures(MoveEntry* list, const Position& pos, uint64_t movers) {
     while (movers) {
-        const int from = PopLSB(&movers);
+        const Square from = PopLSB(&movers);
         list = AddMove(list, pos, from, from + Step);
     }
     return list;
@@ -78,12 +77,11 @@ template <int Side>
 MoveEntry* PawnCaptures(const Position& pos, MoveEntry* list) {
     const uint64_t targets = pos.bb[Side ^ 1][0] | EnPassantTarget<Side>(pos);
     // Pawns on their seventh rank promote and are generated elsewhere; on the eighth they have no move.
+    const uint64_t pawns = pos.bb[Side][PAWN] & Ranks<Side>(1, 6);
     if constexpr (Side == WHITE) {
-        const uint64_t pawns = pos.bb[WHITE][PAWN] & (RANK_1 * 0x010101010101ULL);
         list = AddPawnCaptures<7>(list, pos, (targets >> 7) & pawns & ~FILE_A);
         return AddPawnCaptures<9>(list, pos, (targets >> 9) & pawns & ~FILE_H);
     } else {
-        const uint64_t pawns = pos.bb[BLACK][PAWN] & ~(RANK_1 * 0x0101ULL);
         list = AddPawnCaptures<-7>(list, pos, (targets << 7) & pawns & ~FILE_H);
         return AddPawnCaptures<-9>(list, pos, (targets << 9) & pawns & ~FILE_A);
     }
@@ -119,8 +117,8 @@ MoveEntry* PieceCaptures(const Position& pos, Sliders sliders, MoveEntry* list) 
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
         list = AddTargets(list, pos, *sq, BB_KnightRays[*sq] & enemy);
     ForEachSlider<Side>(pos, sliders,
-                        [&](int sq, uint64_t attacks) { list = AddTargets(list, pos, sq, attacks & enemy); });
-    const int king = rows[KING][0];
+                        [&](Square sq, uint64_t attacks) { list = AddTargets(list, pos, sq, attacks & enemy); });
+    const Square king = rows[KING][0];
     return AddTargets(list, pos, king, BB_KingRays[king] & enemy);
 }
 
@@ -129,8 +127,8 @@ MoveEntry* Promotions(const Position& pos, bool all, MoveEntry* list) {
     uint64_t pawns = pos.bb[Side][PAWN] & BB_r7[Side];
     const uint64_t enemy = pos.bb[Side ^ 1][0];
     while (pawns) {
-        const int from = PopLSB(&pawns);
-        const int front = from + pawn_dir[Side];
+        const Square from = PopLSB(&pawns);
+        const Square front = from + pawn_dir[Side];
         if (pos.board[front] == 0)
             list = AddPromotion(list, pos, from, front, all);
         if (FileOf(from) != 0 && (enemy & Bit(front - 1)))
@@ -144,7 +142,7 @@ MoveEntry* Promotions(const Position& pos, bool all, MoveEntry* list) {
 // Only the squares between are looked at: attacks on them and the rook are MoveIsLegal's and the rights' business.
 template <int Side>
 MoveEntry* Castlings(const Position& pos, MoveEntry* list) {
-    constexpr int king = init_king_sq[Side];
+    constexpr Square king = init_king_sq[Side];
     constexpr uint64_t short_path = Bit(king + 1) | Bit(king + 2);
     constexpr uint64_t long_path = Bit(king - 1) | Bit(king - 2) | Bit(king - 3);
     constexpr int short_right = Side == WHITE ? WHITE_SHORT : BLACK_SHORT;
@@ -163,11 +161,11 @@ MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     constexpr uint32_t pawn = PieceCode(Side, PAWN);
     // The squares from which a pawn can step, and step twice.
     const uint64_t empty = ~Occupied(pos);
-    const uint64_t once = (Side == WHITE ? empty >> 8 : empty << 8) & ~BB_r7[Side];
-    const uint64_t twice = once & (Side == WHITE ? once >> 8 : once << 8) & BB_r7[Side ^ 1];
+    const uint64_t once = Backward<Side>(empty) & ~BB_r7[Side];
+    const uint64_t twice = once & Backward<Side>(once) & BB_r7[Side ^ 1];
     for (const uint8_t* sq = pos.plist[Side][PAWN].data(); *sq != NO_SQUARE; ++sq) {
         // Written in any case, and kept if it can be made: a branch would often be guessed wrong.
-        const int from = *sq;
+        const Square from = *sq;
         WriteEntry(list, MakeMoveValue(from, from + step), pawn, 0);
         list += (once >> from) & 1;
         WriteEntry(list, MakeMoveValue(from, from + 2 * step), pawn, 0);
@@ -184,8 +182,8 @@ MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
         list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & empty);
     ForEachSlider<Side>(pos, sliders,
-                        [&](int sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & empty); });
-    const int king = rows[KING][0];
+                        [&](Square sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & empty); });
+    const Square king = rows[KING][0];
     list = AddQuiets(list, pos, king, BB_KingRays[king] & empty);
     return king == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
 }
@@ -206,15 +204,15 @@ template <int Side>
 MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     const uint64_t occ = Occupied(pos);
     const uint64_t empty = ~occ;
-    const int ksq = KingSquare(pos, Side ^ 1);
+    const Square ksq = KingSquare(pos, Side ^ 1);
     const auto& rows = pos.plist[Side];
     const uint64_t knight_sq = BB_KnightRays[ksq] & empty;
-    const uint64_t bishop_sq = (pos.msig[Side] & 0xf0f00) ? GenAttacksB(ksq, occ) & empty : 0;
-    const uint64_t rook_sq = (pos.msig[Side] & 0xff000) ? GenAttacksR(ksq, occ) & empty : 0;
+    const uint64_t bishop_sq = BishopsAndQueens(pos, Side) ? GenAttacksB(ksq, occ) & empty : 0;
+    const uint64_t rook_sq = RooksAndQueens(pos, Side) ? GenAttacksR(ksq, occ) & empty : 0;
     const uint64_t pawn_sq = BB_PawnRays[Side ^ 1][ksq] & empty;
-    uint64_t pawns = (Side == WHITE ? pawn_sq >> 8 : pawn_sq << 8) & pos.bb[Side][PAWN];
+    uint64_t pawns = Backward<Side>(pawn_sq) & pos.bb[Side][PAWN];
     while (pawns) {
-        const int from = PopLSB(&pawns);
+        const Square from = PopLSB(&pawns);
         list = AddMove(list, pos, from, from + pawn_dir[Side]);
     }
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
@@ -232,28 +230,29 @@ MoveEntry* Checks(const Position& pos, MoveEntry* list) {
 
 }  // namespace
 
-MoveEntry* GeneratePawnCaptures(const Position& pos, int side, MoveEntry* list) {
+MoveEntry* GeneratePawnCaptures(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? PawnCaptures<WHITE>(pos, list) : PawnCaptures<BLACK>(pos, list);
 }
 
-MoveEntry* GeneratePieceCaptures(const Position& pos, int side, MoveEntry* list) {
+MoveEntry* GeneratePieceCaptures(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? PieceCaptures<WHITE>(pos, Occupied(pos), list)
                          : PieceCaptures<BLACK>(pos, Occupied(pos), list);
 }
 
-MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry* list) {
+MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntry* list) {
     return side == WHITE ? Promotions<WHITE>(pos, all, list) : Promotions<BLACK>(pos, all, list);
 }
 
-MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list) {
+MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? NonCaptures<WHITE>(pos, Occupied(pos), list) : NonCaptures<BLACK>(pos, Occupied(pos), list);
 }
 
-MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list) {
+MoveEntry* GenerateChecks(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? Checks<WHITE>(pos, list) : Checks<BLACK>(pos, list);
 }
 
 void CloseList(Position* pos, MoveEntry* end) {
+    assert(pos->ply >= 0 && pos->ply + 2 < FRAMES);
     end->move = END_OF_LIST;
     pos->frames[pos->ply + 1].first = end + 1;
     pos->frames[pos->ply + 2].first = end + 2;

@@ -6,14 +6,14 @@
 // moves is part of the behaviour: equal scores are decided by it.
 namespace vrel {
 
-MoveEntry* GeneratePawnCaptures(const Position& pos, int side, MoveEntry* list);
-MoveEntry* GeneratePieceCaptures(const Position& pos, int side, MoveEntry* list);
+MoveEntry* GeneratePawnCaptures(const Position& pos, Side side, MoveEntry* list);
+MoveEntry* GeneratePieceCaptures(const Position& pos, Side side, MoveEntry* list);
 // Every move of the pawns on their seventh rank; `all` adds the under-promotions.
-MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry* list);
+MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntry* list);
 // Quiet moves, castling included, promotions excluded.
-MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list);
+MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list);
 // Quiet moves that give direct check.
-MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list);
+MoveEntry* GenerateChecks(const Position& pos, Side side, MoveEntry* list);
 
 // Closes a list and sets the list starts of the next two plies behind it.
 void CloseList(Position* pos, MoveEntry* end);

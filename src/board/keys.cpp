@@ -1,5 +1,9 @@
 #include "board/keys.h"
 
+#include <cassert>
+
+#include "board/search_thread.h"
+
 namespace vrel {
 
 std::array<uint64_t, 1024> rtable;
@@ -33,10 +37,13 @@ uint32_t myrand() {
 }
 
 void FillKeyTables() {
-    for (int i = 0; i < static_cast<int>(rtable.size()); ++i) {
+    assert(NobodySearches());
+    int count = 0;
+    for (uint64_t& key : rtable) {
         do {
-            rtable[i] = DrawKey();
-        } while (!FarFromEarlierKeys(rtable[i], i));
+            key = DrawKey();
+        } while (!FarFromEarlierKeys(key, count));
+        ++count;
     }
     for (uint64_t& key : rtable2)
         key = DrawKey();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstdint>
 
 #include "board/position.h"
@@ -8,10 +9,12 @@
 // Random keys of positions (Zobrist hashing).
 namespace vrel {
 
-// Key of a piece on a square: rtable[code * 64 + sq]. Row 0 serves the move hashes of the move ordering.
+// Key of a piece on a square: rtable[code * 64 + sq]. Row 0 serves the move hashes of the move ordering. FillKeyTables
+// writes both tables while nobody searches; then every thread reads them.
 extern std::array<uint64_t, 1024> rtable;
-// By castling rights (0 to 15) and by en passant square (64: none).
+// By castling rights (0 to 15) and by en passant square (64: none), which never lies on the first two ranks.
 extern std::array<uint64_t, 66> rtable2;
+// By side to move: for black the whole key is turned over.
 inline constexpr std::array<uint64_t, 2> stmh = {0, 0xffffffffffffffffULL};
 
 // Next value of the key generator. Its seed lives as long as the program: tables filled later differ.
@@ -26,12 +29,25 @@ void FillKeyTables();
 // Computes `hash` and `pawn_hash` from the board alone.
 void SetHash(Position* pos);
 
-// Takes a piece on a square into the keys or out of them.
-inline void UpdateHash(Position* pos, int side, int piece, int sq) {
-    const int type = piece & 7;
-    const uint64_t key = rtable[(side * 8 + type) * 64 + sq];
+// Changes the keys by that of a piece; only pawns are in `pawn_hash`. No branch: which piece moves can't be predicted.
+inline void ChangeKeys(Position* pos, int type, uint64_t key) {
     pos->hash ^= key;
     pos->pawn_hash ^= key & (0 - static_cast<uint64_t>(type == PAWN));
+}
+
+inline uint64_t PieceKey(Side side, int type, Square sq) {
+    assert(type >= PAWN && type <= KING && sq < NO_SQUARE);
+    return rtable[PieceCode(side, type) * 64 + sq];
+}
+
+// Takes a piece on a square into the keys or out of them; `piece` may be a code or a type.
+inline void UpdateHash(Position* pos, Side side, int piece, Square sq) {
+    ChangeKeys(pos, TypeOf(piece), PieceKey(side, TypeOf(piece), sq));
+}
+
+// Carries a piece of a type from one square to another in the keys.
+inline void MoveInHash(Position* pos, Side side, int type, Square from, Square to) {
+    ChangeKeys(pos, type, PieceKey(side, type, from) ^ PieceKey(side, type, to));
 }
 
 // The key by which positions are told apart: placement, en passant square, rights and side to move.

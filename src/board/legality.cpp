@@ -1,32 +1,33 @@
 #include "board/legality.h"
 
+#include <cassert>
+
 #include "board/attacks.h"
 
 namespace vrel {
 
 namespace {
 
-// Castling: the king may neither stand on, cross nor reach an attacked square.
-bool CastlingIsLegal(const Position& pos, int side, int from, int to) {
+// Castling: the king may neither stand on, cross nor reach an attacked square. The rook's way may be attacked.
+bool CastlingIsLegal(const Position& pos, Side side, Square from, Square to) {
     return !SqAtakd(pos, from, side ^ 1) && !SqAtakd(pos, to, side ^ 1) && !SqAtakd(pos, (from + to) >> 1, side ^ 1);
 }
 
-int TypeAfterMove(const MoveEntry& entry) {
-    return (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
-}
-
-bool GivesDirectCheck(int type, int side, int to, int ksq, uint64_t occ) {
+// True if a piece of `type` of the side attacks the enemy king from `to`, which kings never do.
+bool GivesDirectCheck(int type, Side side, Square to, Square ksq, uint64_t occ) {
+    const bool diagonal = (BB_BishopRays[to] >> ksq) & 1;
+    const bool straight = (BB_RookRays[to] >> ksq) & 1;
     switch (type) {
         case PAWN:
             return (BB_PawnRays[side][to] >> ksq) & 1;
         case KNIGHT:
             return (BB_KnightRays[to] >> ksq) & 1;
         case BISHOP:
-            return ((BB_BishopRays[to] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return diagonal && (BB_Between(to, ksq) & occ) == 0;
         case ROOK:
-            return ((BB_RookRays[to] >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return straight && (BB_Between(to, ksq) & occ) == 0;
         case QUEEN:
-            return (((BB_BishopRays[to] | BB_RookRays[to]) >> ksq) & 1) && (BB_Between(to, ksq) & occ) == 0;
+            return (diagonal || straight) && (BB_Between(to, ksq) & occ) == 0;
         default:
             return false;
     }
@@ -34,103 +35,95 @@ bool GivesDirectCheck(int type, int side, int to, int ksq, uint64_t occ) {
 
 }  // namespace
 
-bool MoveIsLegal(const Position& pos, int side, Move move) {
+bool MoveIsLegal(const Position& pos, Side side, Move move) {
     if (move == NO_MOVE)
         return false;
-    const int from = FromSquare(move);
-    const int to = ToSquare(move);
-    const int king = KingSquare(pos, side);
-    int target = king;
+    const Square from = FromSquare(move);
+    const Square to = ToSquare(move);
+    assert(pos.bb[side][0] & Bit(from));
+    // The king must be safe where it will be.
+    Square king = KingSquare(pos, side);
     if (from == king) {
         const int files = FileOf(to) - FileOf(from);
         if (files == 2 || files == -2)
             return CastlingIsLegal(pos, side, from, to);
-        target = to;
+        king = to;
     }
-    // The board as it would be, the mover's own type sets apart, which nobody asks.
+    // The board as it would be: the mover on its new square, what it takes gone. Its own type set stays as it is, since
+    // nobody asks which of its own pieces attack.
     const auto& enemy = pos.bb[side ^ 1];
-    uint64_t removed = 0;
+    uint64_t taken = 0;
     if (pos.board[to])
-        removed = Bit(to);
+        taken = Bit(to);
     else if (to == pos.ep_square && pos.board[from] == PieceCode(side, PAWN) && RelativeRank(side, to) == 5)
-        removed = Bit(to - pawn_dir[side]) & enemy[PAWN];
-    const uint64_t stays = ~removed;
-    const uint64_t occ = (pos.bb[side][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & stays);
-    if (((BB_PawnRays[side][target] & enemy[PAWN]) | (BB_KnightRays[target] & enemy[KNIGHT]) |
-         (BB_KingRays[target] & enemy[KING])) &
-        stays)
-        return false;
-    return !AnySees(BB_BishopRays[target] & (enemy[BISHOP] | enemy[QUEEN]) & stays, target, occ) &&
-           !AnySees(BB_RookRays[target] & (enemy[ROOK] | enemy[QUEEN]) & stays, target, occ);
+        taken = Bit(to - pawn_dir[side]) & enemy[PAWN];
+    const uint64_t occ = (pos.bb[side][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & ~taken);
+    return (SteppersAt(pos, side ^ 1, king) & ~taken) == 0 &&
+           !AnySees(SlidersTowards(pos, side ^ 1, king) & ~taken, king, occ);
 }
 
-LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check) {
-    const auto& own = pos.bb[side];
+LegalityContext MakeLegalityContext(const Position& pos, Side side, bool in_check) {
+    const uint64_t own_king = pos.bb[side][KING];
+    const Square king = KingSquare(pos, side);
+    // Not in check, a piece that isn't pinned may go wherever it can.
     if (!in_check)
-        return {PinnedToKing(pos, side) | own[KING], ~0ULL};
-    const auto& enemy = pos.bb[side ^ 1];
-    const int king = KingSquare(pos, side);
+        return {PinnedToKing(pos, side) | own_king, ALL_SQUARES};
     const uint64_t occ = Occupied(pos);
-    uint64_t tested = own[KING];
-    uint64_t checkers = (BB_PawnRays[side][king] & enemy[PAWN]) | (BB_KnightRays[king] & enemy[KNIGHT]) |
-                        (BB_KingRays[king] & enemy[KING]);
+    uint64_t tested = own_king;
+    uint64_t checkers = SteppersAt(pos, side ^ 1, king);
+    // The squares on which a slider's check can be blocked. Of two such checks only one is kept, but then none matters.
     uint64_t line = 0;
-    uint64_t sliders =
-        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN]));
-    while (sliders) {
-        const int sq = PopLSB(&sliders);
+    for (uint64_t sliders = SlidersTowards(pos, side ^ 1, king); sliders;) {
+        const Square sq = PopLSB(&sliders);
         const uint64_t squares = BB_Between(sq, king);
         const uint64_t between = squares & occ;
         if (between == 0) {
             checkers |= Bit(sq);
             line = squares;
-        } else if ((between & (between - 1)) == 0) {
+        } else if (AtMostOne(between)) {
             tested |= between;
         }
     }
     // A promotion that can't be carried out, its row being full, is taken for a check that isn't one.
     if (checkers == 0) [[unlikely]]
-        return {tested, ~0ULL};
+        return {tested, ALL_SQUARES};
     // No move but the king's answers two checks.
-    return {tested, (checkers & (checkers - 1)) ? 0 : checkers | line};
+    return {tested, AtMostOne(checkers) ? checkers | line : 0};
 }
 
-CheckContext MakeCheckContext(const Position& pos, int side) {
-    const auto& own = pos.bb[side];
-    const int ksq = KingSquare(pos, side ^ 1);
+CheckContext MakeCheckContext(const Position& pos, Side side) {
+    const Square ksq = KingSquare(pos, side ^ 1);
     const uint64_t occ = Occupied(pos);
+    // Seen from the king: a piece checks from where its like on the king's square would attack.
     const uint64_t diagonal = GenAttacksB(ksq, occ);
     const uint64_t straight = GenAttacksR(ksq, occ);
-    const uint64_t discoverers =
-        LoneBlockers(ksq,
-                     (BB_BishopRays[ksq] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[ksq] & (own[ROOK] | own[QUEEN])),
-                     occ) &
-        own[0];
+    const uint64_t discoverers = LoneBlockers(SlidersTowards(pos, side, ksq), ksq, occ) & pos.bb[side][0];
     return {{0, BB_PawnRays[side ^ 1][ksq], BB_KnightRays[ksq], diagonal, straight, diagonal | straight, 0, 0},
             discoverers};
 }
 
-int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry) {
-    const int ksq = KingSquare(pos, side ^ 1);
+CheckKind MoveGivesCheck(const Position& pos, Side side, const MoveEntry& entry) {
+    const Square ksq = KingSquare(pos, side ^ 1);
     if (ksq == NO_SQUARE)
-        return 0;
-    const int from = FromSquare(entry.move);
-    const int to = ToSquare(entry.move);
+        return NO_CHECK;
+    const Square from = FromSquare(entry.move);
+    const Square to = ToSquare(entry.move);
+    assert(entry.piece == pos.board[from]);
     const uint64_t occ = Occupied(pos);
     if (GivesDirectCheck(TypeAfterMove(entry), side, to, ksq, occ))
-        return 1;
+        return DIRECT_CHECK;
+    // Without sliders nothing can be discovered.
     if ((pos.msig[side] & MSIG_SLIDERS) == 0)
-        return 0;
+        return NO_CHECK;
     // A slider behind the mover sees the king once the mover has left, unless it stays on the line.
-    const auto& own = pos.bb[side];
     const uint64_t occ_after = (occ & ~Bit(from)) | Bit(to);
     if ((BB_RookRays[ksq] & Bit(from)) &&
-        AnySees((own[ROOK] | own[QUEEN]) & BB_RookRays[ksq] & BB_RookRays[from], ksq, occ_after))
-        return 2;
+        AnySees(RooksAndQueens(pos, side) & BB_RookRays[ksq] & BB_RookRays[from], ksq, occ_after))
+        return DISCOVERED_CHECK;
     if ((BB_BishopRays[ksq] & Bit(from)) &&
-        AnySees((own[BISHOP] | own[QUEEN]) & BB_BishopRays[ksq] & BB_BishopRays[from], ksq, occ_after))
-        return 2;
-    return 0;
+        AnySees(BishopsAndQueens(pos, side) & BB_BishopRays[ksq] & BB_BishopRays[from], ksq, occ_after))
+        return DISCOVERED_CHECK;
+    return NO_CHECK;
 }
 
 }  // namespace vrel

@@ -3,13 +3,14 @@
 #include <array>
 #include <cstdint>
 
+#include "board/move_kind.h"
 #include "board/position.h"
 
 namespace vrel {
 
 // True if a pseudo-legal move leaves the own king unattacked; no move is not legal. Castling also asks that the king
 // doesn't leave or cross an attacked square.
-bool MoveIsLegal(const Position& pos, int side, Move move);
+bool MoveIsLegal(const Position& pos, Side side, Move move);
 
 // What a node knows about legality before it looks at a single move.
 struct LegalityContext {
@@ -17,18 +18,23 @@ struct LegalityContext {
     uint64_t targets;  // from all others a move is legal if it goes here; after a check: blocks and captures
 };
 
-LegalityContext MakeLegalityContext(const Position& pos, int side, bool in_check);
+// `in_check` is what the node knows of its side to move. A check that the parent has announced may be missing: a full
+// row has kept the pawn from becoming the piece that gives it.
+LegalityContext MakeLegalityContext(const Position& pos, Side side, bool in_check);
 
 // The same answer as above with that knowledge. En passant opens lines of its own and is always tested.
-inline bool MoveIsLegal(const Position& pos, int side, Move move, const LegalityContext& context) {
+inline bool MoveIsLegal(const Position& pos, Side side, Move move, const LegalityContext& context) {
     if (move != NO_MOVE && ((context.tested >> FromSquare(move)) & 1) == 0 && ToSquare(move) != pos.ep_square)
         return (context.targets >> ToSquare(move)) & 1;
     return MoveIsLegal(pos, side, move);
 }
 
-// Asked before the move is made: 0 no check, 1 direct, 2 discovered. A rook's check after castling and a discovery
-// through an en passant victim aren't seen.
-int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry);
+// How a move gives check, direct before discovered.
+enum CheckKind : int { NO_CHECK = 0, DIRECT_CHECK = 1, DISCOVERED_CHECK = 2 };
+
+// Asked before the move is made. A rook's check after castling and a discovery through an en passant victim aren't
+// seen.
+CheckKind MoveGivesCheck(const Position& pos, Side side, const MoveEntry& entry);
 
 // What a node knows about checks before it looks at a single move.
 struct CheckContext {
@@ -36,25 +42,24 @@ struct CheckContext {
     uint64_t discoverers;                   // own pieces alone between an own slider and the enemy king
 };
 
-CheckContext MakeCheckContext(const Position& pos, int side);
+CheckContext MakeCheckContext(const Position& pos, Side side);
 
 // The same answer as above with that knowledge.
-inline int MoveGivesCheck(const Position& pos, int side, const MoveEntry& entry, const CheckContext& context) {
-    const int type = (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
-    if ((context.check_squares[type] >> ToSquare(entry.move)) & 1)
-        return 1;
+inline CheckKind MoveGivesCheck(const Position& pos, Side side, const MoveEntry& entry, const CheckContext& context) {
+    if ((context.check_squares[TypeAfterMove(entry)] >> ToSquare(entry.move)) & 1)
+        return DIRECT_CHECK;
+    // Few pieces stand between a slider and the king; whether such a one leaves the line is looked at in full.
     if (((context.discoverers >> FromSquare(entry.move)) & 1) == 0)
-        return 0;
+        return NO_CHECK;
     return MoveGivesCheck(pos, side, entry);
 }
 
-// What a result of MoveGivesCheck says about the position after the move: the moves whose checks it may miss stay open.
-inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, int gives_check) {
-    if (gives_check)
+// What a result of MoveGivesCheck says about the position after the move: the moves whose checks it may miss stay open,
+// and so do promotions, whose pawn stays one if the row of the new piece is full.
+inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, int check) {
+    if (check != NO_CHECK)
         return CHECK_YES;
-    const int step = ToSquare(entry.move) - FromSquare(entry.move);
-    const bool castling = TypeOf(entry.piece) == KING && (step == 2 || step == -2);
-    const bool open = castling || ToSquare(entry.move) == pos.ep_square || (entry.move & PROMOTION_BITS);
+    const bool open = MoveIsCastle(entry) || ToSquare(entry.move) == pos.ep_square || (entry.move & PROMOTION_BITS);
     return open ? CHECK_UNKNOWN : CHECK_NO;
 }
 

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "board/keys.h"
+#include "platform/narrow.h"
 
 namespace vrel {
 
@@ -27,18 +28,21 @@ constexpr std::array<uint8_t, 64> csbits = [] {
 constexpr int GAME_RECORDS = 700;
 constexpr int RECORDS_DROPPED = 100;
 
+// Where the rook of a castling goes, by the steps of its king.
 struct RookStep {
-    int from, to;
+    Square from, to;
 };
 
-constexpr RookStep RookOfCastling(int king_from, int king_to) {
+constexpr RookStep RookOfCastling(Square king_from, Square king_to) {
     return king_to > king_from ? RookStep{king_from + 3, king_from + 1} : RookStep{king_from - 4, king_from - 1};
 }
 
+// Everything that a move changes and that can't be worked out backwards, but for the pawn key.
 void PushRecord(Position* pos, Move move, int captured) {
+    assert(pos->game_ply >= 0 && pos->game_ply < UNDO_RECORDS && pos->ply + 1 < FRAMES);
     UndoRecord& record = pos->undo[pos->game_ply];
     record.move = move;
-    record.captured = static_cast<uint8_t>(captured);
+    record.captured = Narrow(captured);
     record.ep_square = pos->ep_square;
     record.fifty = pos->fifty;
     record.castling = pos->castling;
@@ -49,6 +53,7 @@ void PushRecord(Position* pos, Move move, int captured) {
 }
 
 const UndoRecord& PopRecord(Position* pos) {
+    assert(pos->game_ply > 0 && pos->ply > 0);
     --pos->game_ply;
     --pos->ply;
     const UndoRecord& record = pos->undo[pos->game_ply];
@@ -62,8 +67,8 @@ const UndoRecord& PopRecord(Position* pos) {
 
 // The victim stands beside the pawn's old square. On a set-up board there may be none: then it is a plain move.
 template <int Side>
-void TakeEnPassant(Position* pos, int to, UndoRecord* record) {
-    const int victim = to - pawn_dir[Side];
+void TakeEnPassant(Position* pos, Square to, UndoRecord* record) {
+    const Square victim = to - pawn_dir[Side];
     if (RelativeRank(Side, to) != 5 || pos->board[victim] != PieceCode(Side ^ 1, PAWN))
         return;
     UpdateHash(pos, Side ^ 1, PAWN, victim);
@@ -73,7 +78,7 @@ void TakeEnPassant(Position* pos, int to, UndoRecord* record) {
 
 // With a full row of the new type the pawn stays a pawn.
 template <int Side>
-void Promote(Position* pos, Move move, int to) {
+void Promote(Position* pos, Move move, Square to) {
     const int type = PromotedType(move);
     if (CountOf(*pos, Side, type) == MAX_ROW)
         return;
@@ -83,11 +88,12 @@ void Promote(Position* pos, Move move, int to) {
     UpdateHash(pos, Side, type, to);
 }
 
+// The square passed over is kept after every double step, whether an enemy pawn could capture there or not.
 template <int Side>
-void MovePawn(Position* pos, Move move, int from, int to, UndoRecord* record) {
+void MovePawn(Position* pos, Move move, Square from, Square to, UndoRecord* record) {
     pos->fifty = 0;
     if (from + 2 * pawn_dir[Side] == to)
-        pos->ep_square = static_cast<uint8_t>(from + pawn_dir[Side]);
+        pos->ep_square = Narrow(from + pawn_dir[Side]);
     else if (to == record->ep_square)
         TakeEnPassant<Side>(pos, to, record);
     else if (move & PROMOTION_BITS)
@@ -96,20 +102,19 @@ void MovePawn(Position* pos, Move move, int from, int to, UndoRecord* record) {
 
 // The rights imply a rook in the corner; on a set-up board it may be missing, and then the king moves alone.
 template <int Side>
-void CastleRook(Position* pos, int from, int to, UndoRecord* record) {
+void CastleRook(Position* pos, Square from, Square to, UndoRecord* record) {
     const RookStep rook = RookOfCastling(from, to);
     if (pos->board[rook.from] != PieceCode(Side, ROOK) || pos->board[rook.to] != 0)
         return;
-    UpdateHash(pos, Side, ROOK, rook.from);
-    UpdateHash(pos, Side, ROOK, rook.to);
+    MoveInHash(pos, Side, ROOK, rook.from, rook.to);
     MovePiece(pos, Side, rook.from, rook.to);
     record->special = UNDO_CASTLED;
 }
 
 template <int Side>
 void Make(Position* pos, Move move) {
-    const int to = ToSquare(move);
-    const int from = FromSquare(move);
+    const Square to = ToSquare(move);
+    const Square from = FromSquare(move);
     const int captured = pos->board[to];
     PushRecord(pos, move, TypeOf(captured));
     UndoRecord& record = pos->undo[pos->game_ply - 1];
@@ -117,7 +122,7 @@ void Make(Position* pos, Move move) {
 
     pos->last_move = move;
     pos->ep_square = NO_SQUARE;
-    pos->castling &= static_cast<uint8_t>(~(csbits[from] | csbits[to]));
+    pos->castling = Narrow(pos->castling & ~(csbits[from] | csbits[to]));
     // Long past the limit the counter stays, so that a game of shuffling never looks young again.
     if (pos->fifty < UINT8_MAX)
         ++pos->fifty;
@@ -129,8 +134,7 @@ void Make(Position* pos, Move move) {
         pos->fifty = 0;
     }
     const int type = TypeOf(pos->board[from]);
-    UpdateHash(pos, Side, type, from);
-    UpdateHash(pos, Side, type, to);
+    MoveInHash(pos, Side, type, from, to);
     MovePiece(pos, Side, from, to);
 
     if (type == PAWN) {
@@ -146,8 +150,9 @@ void Make(Position* pos, Move move) {
 template <int Side>
 void Unmake(Position* pos) {
     const UndoRecord& record = PopRecord(pos);
-    const int to = ToSquare(record.move);
-    const int from = FromSquare(record.move);
+    const Square to = ToSquare(record.move);
+    const Square from = FromSquare(record.move);
+    // What stands on the to-square goes back; if it is a promoted piece, it becomes a pawn again at the end.
     MovePiece(pos, Side, to, from);
     if (record.captured)
         AddPiece(pos, Side ^ 1, record.captured, to);
@@ -161,6 +166,7 @@ void Unmake(Position* pos) {
         RemovePiece(pos, from);
         AddPiece(pos, Side, PAWN, from);
     }
+    // The keys come back by copying.
     pos->hash = record.hash;
     pos->pawn_hash = record.pawn_hash;
 }
@@ -179,6 +185,7 @@ void CheckBoard(const Position&) {}
 }  // namespace
 
 void MakeMove(Position* pos, Move move) {
+    assert(MoveCanBeMade(*pos, move));
     Trace(*pos, move);
     if (pos->stm == WHITE)
         Make<WHITE>(pos, move);
@@ -188,6 +195,7 @@ void MakeMove(Position* pos, Move move) {
 }
 
 void UnmakeMove(Position* pos) {
+    assert(pos->last_move != NO_MOVE);
     if (pos->stm == BLACK)
         Unmake<WHITE>(pos);
     else
@@ -204,12 +212,15 @@ void MakeNullMove(Position* pos) {
     pos->last_move = NO_MOVE;
 }
 
-void UnmakeNullMove(Position* pos) { pos->hash = PopRecord(pos).hash; }
+void UnmakeNullMove(Position* pos) {
+    assert(pos->last_move == NO_MOVE);
+    pos->hash = PopRecord(pos).hash;
+}
 
 void PlayGameMove(Position* pos, Move move) {
     if (pos->game_ply >= GAME_RECORDS) {
         std::copy(pos->undo + RECORDS_DROPPED, pos->undo + UNDO_RECORDS, pos->undo);
-        pos->game_ply = static_cast<int16_t>(pos->game_ply - RECORDS_DROPPED);
+        pos->game_ply = Narrow(pos->game_ply - RECORDS_DROPPED);
     }
     // Moves that were taken back stay ahead for as long as the game follows them.
     const bool known = pos->undo[pos->game_ply].move == move;
@@ -225,11 +236,12 @@ void TakeBackGameMove(Position* pos) {
     pos->ply = 1;
 }
 
-bool MoveCanBeMade(const Position& pos, Move move) {
-    const uint64_t own = pos.bb[pos.stm][0];
-    const bool promotes = (move & PROMOTION_BITS) != 0;
-    return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
-           (!promotes || TypeOf(pos.board[FromSquare(move)]) == PAWN);
+int CountRepetitions(const Position& pos) {
+    const int oldest = std::max(pos.game_ply - pos.fifty, 0);
+    int count = 0;
+    for (int i = pos.game_ply - 4; i >= oldest; i -= 2)
+        count += pos.undo[i].hash == pos.hash;
+    return count;
 }
 
 }  // namespace vrel

@@ -11,7 +11,17 @@ namespace vrel {
 using MoveHook = void (*)(const Position& pos, Move move);
 extern std::atomic<MoveHook> trace_hook;
 
-// Makes a pseudo-legal move, which is trusted, or takes back the last one. Strictly nested.
+// True if `move` takes a piece of the side to move to a square that none of its own pieces holds, and promotes no other
+// piece than a pawn: the least that MakeMove needs to keep the board in order.
+inline bool MoveCanBeMade(const Position& pos, Move move) {
+    const uint64_t own = pos.bb[pos.stm][0];
+    const Square from = FromSquare(move);
+    return (own & Bit(from)) && !(own & Bit(ToSquare(move))) &&
+           (!(move & PROMOTION_BITS) || TypeOf(pos.board[from]) == PAWN);
+}
+
+// Makes a move of the side to move, or takes back the last one. Strictly nested. That the move is pseudo-legal is
+// trusted; one that merely can be made leaves the board in order.
 void MakeMove(Position* pos, Move move);
 void UnmakeMove(Position* pos);
 
@@ -25,8 +35,8 @@ void UnmakeNullMove(Position* pos);
 void PlayGameMove(Position* pos, Move move);
 void TakeBackGameMove(Position* pos);
 
-// True if `move` takes a piece of the side to move to a square that none of its own pieces holds: the least that
-// MakeMove needs to keep the board in order.
-bool MoveCanBeMade(const Position& pos, Move move);
+// Earlier occurrences of the placement since the last irreversible move. The keys leave out side to move, rights and
+// en passant square; only even distances are compared.
+int CountRepetitions(const Position& pos);
 
 }  // namespace vrel

@@ -1,6 +1,7 @@
 #include "board/move_kind.h"
 
 #include <array>
+#include <cassert>
 
 #include "board/attacks.h"
 #include "board/exchange.h"
@@ -9,35 +10,29 @@ namespace vrel {
 
 namespace {
 
-// Exchange test that needs no exchange: a mover worth no more than its victim is safe. A king counts 0.
+// By type, for an exchange test that needs no exchange: a mover worth no more than its victim is safe. A king counts 0.
 constexpr std::array<int8_t, 8> rough_value = {0, 1, 3, 3, 5, 10, 0, 0};
-constexpr int SAFE_LOSS = -89;
+constexpr int SAFE_LOSS = -89;  // centipawns: less than a pawn
 
 // A piece of `prey` newly in line with the mover, which sees it from `to`.
-bool SeesNewPrey(uint64_t prey, const SquareTable& rays, int from, int to, uint64_t occ) {
-    prey &= rays[to] & ~rays[from];
-    return AnySees(prey, to, occ);
+bool SeesNewPrey(uint64_t prey, const SquareTable& rays, Square from, Square to, uint64_t occ) {
+    return AnySees(prey & rays[to] & ~rays[from], to, occ);
 }
 
-// True if another piece than the one on `mover` attacks `sq`, lines seen through its square.
-bool AttackedByOthers(const Position& pos, int sq, int side, int mover) {
-    const auto& bb = pos.bb[side];
-    if ((BB_PawnRays[side ^ 1][sq] & bb[PAWN]) | (BB_KnightRays[sq] & bb[KNIGHT]) | (BB_KingRays[sq] & bb[KING]))
-        return true;
+// True if another piece of the side than the slider on `mover` attacks `sq`, lines seen through the slider's square.
+bool AttackedByOthers(const Position& pos, Square sq, Side side, Square mover) {
     const uint64_t others = ~Bit(mover);
-    const uint64_t occ = Occupied(pos) & others;
-    return AnySees(BB_BishopRays[sq] & (bb[BISHOP] | bb[QUEEN]) & others, sq, occ) ||
-           AnySees(BB_RookRays[sq] & (bb[ROOK] | bb[QUEEN]) & others, sq, occ);
+    return SteppersAt(pos, side, sq) || AnySees(SlidersTowards(pos, side, sq) & others, sq, Occupied(pos) & others);
 }
 
 // The squares of `area` that a slider reaches from `to` and didn't reach from `from`, along one kind of line; friends
 // of the same kind are seen through. True if one of them is attacked otherwise as well.
-bool AddsAttack(const Position& pos, int side, int from, int to, uint64_t area, const SquareTable& rays,
+bool AddsAttack(const Position& pos, Side side, Square from, Square to, uint64_t area, const SquareTable& rays,
                 uint64_t friends) {
     const uint64_t blockers = Occupied(pos) & ~friends;
     uint64_t targets = area & rays[to] & ~(rays[from] | Bit(from));
     while (targets) {
-        const int target = PopLSB(&targets);
+        const Square target = PopLSB(&targets);
         if ((BB_Between(to, target) & blockers) == 0 && AttackedByOthers(pos, target, side, from))
             return true;
     }
@@ -46,10 +41,10 @@ bool AddsAttack(const Position& pos, int side, int from, int to, uint64_t area, 
 
 }  // namespace
 
-bool MoveIsPawnPush(const Position& pos, int side, const MoveEntry& entry) {
+bool MoveIsPawnPush(const Position& pos, Side side, const MoveEntry& entry) {
     if (TypeOf(entry.piece) != PAWN)
         return false;
-    const int to = ToSquare(entry.move);
+    const Square to = ToSquare(entry.move);
     const int rank = RelativeRank(side, to);
     if (rank >= 6)
         return true;
@@ -57,10 +52,10 @@ bool MoveIsPawnPush(const Position& pos, int side, const MoveEntry& entry) {
 }
 
 bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
-    const int side = pos.stm;
+    const Side side = pos.stm;
     const auto& enemy = pos.bb[side ^ 1];
-    const int from = FromSquare(entry.move);
-    const int to = ToSquare(entry.move);
+    const Square from = FromSquare(entry.move);
+    const Square to = ToSquare(entry.move);
     const uint64_t area = BB_KingRays[KingSquare(pos, side ^ 1)];
     switch (TypeOf(entry.piece)) {
         case PAWN:
@@ -80,19 +75,18 @@ bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
     }
 }
 
-bool MoveAttacksKingArea(const Position& pos, int type, int from, int to, uint64_t area) {
-    const int side = pos.stm;
-    const auto& own = pos.bb[side];
-    return (type != BISHOP && AddsAttack(pos, side, from, to, area, BB_RookRays, own[ROOK] | own[QUEEN])) ||
-           (type != ROOK && AddsAttack(pos, side, from, to, area, BB_BishopRays, own[BISHOP] | own[QUEEN]));
+bool MoveAttacksKingArea(const Position& pos, int type, Square from, Square to, uint64_t area) {
+    assert(type >= BISHOP && type <= QUEEN);
+    const Side side = pos.stm;
+    return (type != BISHOP && AddsAttack(pos, side, from, to, area, BB_RookRays, RooksAndQueens(pos, side))) ||
+           (type != ROOK && AddsAttack(pos, side, from, to, area, BB_BishopRays, BishopsAndQueens(pos, side)));
 }
 
 bool MoveIsSafe(const Position& pos, const MoveEntry& entry) {
-    const int from = FromSquare(entry.move);
-    const int to = ToSquare(entry.move);
-    const int mover = TypeOf(entry.piece);
-    const int victim = TypeOf(pos.board[to]);
-    return rough_value[mover] <= rough_value[victim] || ExchangeReaches(pos, pos.stm, from, to, SAFE_LOSS);
+    const Square from = FromSquare(entry.move);
+    const Square to = ToSquare(entry.move);
+    return rough_value[TypeOf(entry.piece)] <= rough_value[TypeOf(pos.board[to])] ||
+           ExchangeReaches(pos, pos.stm, from, to, SAFE_LOSS);
 }
 
 }  // namespace vrel

@@ -16,7 +16,7 @@ inline bool MoveIsCastle(const MoveEntry& entry) {
 }
 
 // A passed pawn past the middle, or any pawn that reaches the seventh rank or beyond.
-bool MoveIsPawnPush(const Position& pos, int side, const MoveEntry& entry);
+bool MoveIsPawnPush(const Position& pos, Side side, const MoveEntry& entry);
 
 // Attacks a more valuable piece or the enemy king's neighbourhood from the new square.
 bool MoveIsThreat(const Position& pos, const MoveEntry& entry);
@@ -26,6 +26,6 @@ bool MoveIsSafe(const Position& pos, const MoveEntry& entry);
 
 // True if a slider of `type` (3 to 5), moved from `from` to `to`, would newly attack a square of `area` that its
 // side attacks otherwise as well.
-bool MoveAttacksKingArea(const Position& pos, int type, int from, int to, uint64_t area);
+bool MoveAttacksKingArea(const Position& pos, int type, Square from, Square to, uint64_t area);
 
 }  // namespace vrel

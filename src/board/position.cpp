@@ -1,5 +1,8 @@
 #include "board/position.h"
 
+#include <cassert>
+
+#include "platform/narrow.h"
 #include "platform/vector.h"
 
 namespace vrel {
@@ -13,7 +16,7 @@ static_assert(sizeof(Row) == sizeof(Vector));
 
 // Place of a square that is in the row; NO_SQUARE gives its length. The king's isn't part of the material signature, so
 // the terminator tells.
-int PlaceOf(Vector row, int sq) { return FirstPlace(EqualBytes(row, FillVector(sq))); }
+int PlaceOf(Vector row, Square sq) { return FirstPlace(EqualBytes(row, FillVector(sq))); }
 
 }  // namespace
 
@@ -33,39 +36,42 @@ void ClearBoard(Position* pos) {
             row[0] = NO_SQUARE;
 }
 
-void AddPiece(Position* pos, int side, int piece, int sq) {
+void AddPiece(Position* pos, Side side, int piece, Square sq) {
     const int type = piece & 7;
+    assert(pos->board[sq] == 0 && type >= PAWN && type <= KING);
     Row& row = pos->plist[side][type];
     const int n = PlaceOf(LoadVector(row.data()), NO_SQUARE);
     if (n == MAX_ROW)
         return;
-    row[n] = static_cast<uint8_t>(sq);
+    row[n] = Narrow(sq);
     row[n + 1] = NO_SQUARE;
-    pos->board[sq] = static_cast<uint8_t>(PieceCode(side, type));
-    pos->npv[side] = static_cast<int16_t>(pos->npv[side] + npv_unit[type]);
+    pos->board[sq] = Narrow(PieceCode(side, type));
+    pos->npv[side] = Narrow(pos->npv[side] + npv_unit[type]);
     pos->msig[side] += msig_unit[type];
     pos->bb[side][0] |= Bit(sq);
     pos->bb[side][type] |= Bit(sq);
 }
 
-void RemovePiece(Position* pos, int sq) {
+void RemovePiece(Position* pos, Square sq) {
     const int code = pos->board[sq];
+    assert(code != 0);
     const int type = TypeOf(code);
-    const int s = SideOf(code);
+    const Side side = SideOf(code);
     pos->board[sq] = 0;
-    Row& row = pos->plist[s][type];
+    Row& row = pos->plist[side][type];
     const Vector squares = LoadVector(row.data());
     // Later squares move up one place, so that the order of the row stays.
     const Vector earlier = FirstPlaces(PlaceOf(squares, sq));
     StoreVector(row.data(), Select(earlier, squares, DropFirst(squares)));
-    pos->npv[s] = static_cast<int16_t>(pos->npv[s] - npv_unit[type]);
-    pos->msig[s] -= msig_unit[type];
-    pos->bb[s][0] ^= Bit(sq);
-    pos->bb[s][type] ^= Bit(sq);
+    pos->npv[side] = Narrow(pos->npv[side] - npv_unit[type]);
+    pos->msig[side] -= msig_unit[type];
+    pos->bb[side][0] ^= Bit(sq);
+    pos->bb[side][type] ^= Bit(sq);
 }
 
-void MovePiece(Position* pos, int side, int from, int to) {
+void MovePiece(Position* pos, Side side, Square from, Square to) {
     const uint8_t code = pos->board[from];
+    assert(code != 0 && SideOf(code) == side && pos->board[to] == 0);
     const int type = TypeOf(code);
     pos->board[to] = code;
     pos->board[from] = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstdint>
 
 #include "board/bitboards.h"
@@ -8,23 +9,25 @@
 // The board record, the values that describe a move, and the records of a ply. Data and trivial inlines only.
 namespace vrel {
 
-enum Side : int { WHITE = 0, BLACK = 1 };
+// What an int stands for in a signature, as Square and Side do.
+using Ply = int;    // index into the frames of a line; the root is 1
+using Depth = int;  // plies left to search
+
 enum PieceType : int { NO_PIECE = 0, PAWN = 1, KNIGHT = 2, BISHOP = 3, ROOK = 4, QUEEN = 5, KING = 6 };
 enum CastlingRight : int { WHITE_SHORT = 1, WHITE_LONG = 2, BLACK_SHORT = 4, BLACK_LONG = 8 };
 
-inline constexpr int NO_SQUARE = 64;
-
+// By side: the step of a pawn, what turns a square upside down for black, the king's square at the start.
 inline constexpr std::array<int, 2> pawn_dir = {8, -8};
 inline constexpr std::array<int, 2> flip_sq = {0, 56};
-inline constexpr std::array<int, 2> init_king_sq = {4, 60};
+inline constexpr std::array<Square, 2> init_king_sq = {4, 60};
 
 // A piece code is side * 8 + type, 0 for an empty square.
-constexpr int PieceCode(int side, int type) { return side * 8 + type; }
+constexpr int PieceCode(Side side, int type) { return side * 8 + type; }
 constexpr int TypeOf(int code) { return code & 7; }
-constexpr int SideOf(int code) { return (code >> 3) & 1; }
+constexpr Side SideOf(int code) { return (code >> 3) & 1; }
 
 // Rank index counted from the side's own back rank.
-constexpr int RelativeRank(int side, int sq) { return (sq ^ flip_sq[side]) >> 3; }
+constexpr int RelativeRank(Side side, Square sq) { return (sq ^ flip_sq[side]) >> 3; }
 
 // A move: to-square in bits 0-5, from-square in bits 8-13, at most one promotion bit. 0 is no move (and a null move).
 using Move = uint16_t;
@@ -37,9 +40,9 @@ inline constexpr Move PROMOTE_BISHOP = 0x4000;
 inline constexpr Move PROMOTE_ROOK = 0x8000;
 inline constexpr Move PROMOTION_BITS = 0xc0c0;
 
-constexpr int ToSquare(Move move) { return move & 0x3f; }
-constexpr int FromSquare(Move move) { return (move >> 8) & 0x3f; }
-constexpr Move MakeMoveValue(int from, int to) { return static_cast<Move>((from << 8) + to); }
+constexpr Square ToSquare(Move move) { return move & 0x3f; }
+constexpr Square FromSquare(Move move) { return (move >> 8) & 0x3f; }
+constexpr Move MakeMoveValue(Square from, Square to) { return static_cast<Move>((from << 8) + to); }
 
 // Type that a move with a promotion bit puts on the board.
 constexpr int PromotedType(Move move) {
@@ -55,6 +58,14 @@ struct alignas(8) MoveEntry {
     uint8_t flags;       // filled by the search
 };
 
+// Written by MakeMove so that UnmakeMove takes back exactly what was done, whatever position the move was made in.
+enum UndoSpecial : uint8_t { UNDO_PLAIN = 0, UNDO_EN_PASSANT = 1, UNDO_CASTLED = 2 };
+
+// Type of the piece that stands on the to-square after the move.
+constexpr int TypeAfterMove(const MoveEntry& entry) {
+    return (entry.move & PROMOTION_BITS) ? PromotedType(entry.move) : TypeOf(entry.piece);
+}
+
 // What MakeMove saves and UnmakeMove restores.
 struct UndoRecord {
     Move move;          // 0 for a null move
@@ -62,13 +73,10 @@ struct UndoRecord {
     uint8_t ep_square;  // before the move, as are the fields below
     uint8_t fifty;
     uint8_t castling;
-    uint8_t special;  // what else the move did: one of UndoSpecial
+    UndoSpecial special;  // what else the move did
     uint64_t hash;
     uint64_t pawn_hash;  // not written for a null move
 };
-
-// Written by MakeMove so that UnmakeMove takes back exactly what was done, whatever position the move was made in.
-enum UndoSpecial : uint8_t { UNDO_PLAIN = 0, UNDO_EN_PASSANT = 1, UNDO_CASTLED = 2 };
 
 // Whether the move in work leaves the opponent in check, as far as its node has found out.
 enum GivesCheck : uint8_t { CHECK_NO = 0, CHECK_YES = 1, CHECK_UNKNOWN = 2 };
@@ -89,8 +97,8 @@ struct PlyFrame {
     int8_t ext;                            // 1 if this node earned the accumulated extension
     uint8_t reduction;                     // reduction of the move in work; the child reads its parent's
     uint8_t node_type;
-    uint8_t iid;          // 1 during internal deepening at this node
-    uint8_t gives_check;  // what is known of the move in work: one of GivesCheck; the child reads it
+    uint8_t iid;             // 1 during internal deepening at this node
+    GivesCheck gives_check;  // what is known of the move in work; the child reads it
     Move hash_move;
     Move null_killer, killer1, killer2, check_killer;
     uint16_t stage;  // state of the staged picker
@@ -129,27 +137,44 @@ struct Position {
 inline constexpr std::array<uint32_t, 8> msig_unit = {0, 0x1, 0x10, 0x100, 0x1000, 0x10000, 0, 0};
 inline constexpr std::array<int16_t, 8> npv_unit = {0, 0, 3, 3, 5, 10, 0, 0};
 
-// Signature masks.
-inline constexpr uint32_t MSIG_PAWNS = 0xf;
-inline constexpr uint32_t MSIG_SLIDERS = 0xfff00;
+// The signature of a side that has just the pieces named, one for each name.
+template <typename... Types>
+constexpr uint32_t Signature(Types... types) {
+    return (0U + ... + msig_unit[types]);
+}
+
+// The part of a signature that counts the types named.
+template <typename... Types>
+constexpr uint32_t SignatureMask(Types... types) {
+    return (0U | ... | (0xf * msig_unit[types]));
+}
+
+inline constexpr uint32_t MSIG_PAWNS = SignatureMask(PAWN);
+inline constexpr uint32_t MSIG_SLIDERS = SignatureMask(BISHOP, ROOK, QUEEN);
 
 inline uint64_t Occupied(const Position& pos) { return pos.bb[WHITE][0] | pos.bb[BLACK][0]; }
 
+// Pieces of a side that move along diagonals, and along ranks and files.
+inline uint64_t BishopsAndQueens(const Position& pos, Side side) { return pos.bb[side][BISHOP] | pos.bb[side][QUEEN]; }
+inline uint64_t RooksAndQueens(const Position& pos, Side side) { return pos.bb[side][ROOK] | pos.bb[side][QUEEN]; }
+
 // Square of the side's king, NO_SQUARE if it has none.
-inline int KingSquare(const Position& pos, int side) { return pos.plist[side][KING][0]; }
+inline Square KingSquare(const Position& pos, Side side) { return pos.plist[side][KING][0]; }
 
 // Number of pieces of a type from pawn to queen.
-inline int CountOf(const Position& pos, int side, int type) {
-    return static_cast<int>(pos.msig[side] >> (4 * (type - 1))) & 0xf;
+inline int CountOf(const Position& pos, Side side, int type) {
+    assert(type >= PAWN && type <= QUEEN);
+    return static_cast<int>(pos.msig[side] >> (4 * (type - 1)) & 0xf);
 }
 
 // Empties the board: white's and black's rights all set, no en passant square, no past. Side to move and keys stay.
 void ClearBoard(Position* pos);
 
-// Low-level edits; none touches the keys. AddPiece expects an empty square; when the row is full it does nothing.
-void AddPiece(Position* pos, int side, int piece, int sq);
-void RemovePiece(Position* pos, int sq);
-void MovePiece(Position* pos, int side, int from, int to);
+// Low-level edits; none touches the keys. AddPiece puts a piece on an empty square, unless its row is full: then it
+// does nothing. RemovePiece takes away the piece that is there, MovePiece carries one of `side` to an empty square.
+void AddPiece(Position* pos, Side side, int piece, Square sq);
+void RemovePiece(Position* pos, Square sq);
+void MovePiece(Position* pos, Side side, Square from, Square to);
 
 // True if the three forms of the board and the sums agree; the keys aren't looked at, as they may stand for key
 // tables that have been drawn anew since. For debug builds and tests.

@@ -1,12 +1,22 @@
 #include "board/search_thread.h"
 
 #include "platform/memory.h"
+#include "platform/narrow.h"
 
 namespace vrel {
 
 std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 
+namespace {
+
+bool IsSearching(const SearchThread* thread) {
+    return thread != nullptr && thread->work_flag.load(std::memory_order_acquire) == WORK_SEARCH;
+}
+
+}  // namespace
+
 void FreeThread(int id) {
+    assert(!IsSearching(GetThread(id)));
     SearchThread* thread = ThreadData[id].exchange(nullptr, std::memory_order_acq_rel);
     FreePages(thread, sizeof(SearchThread));
 }
@@ -17,11 +27,12 @@ int InitNewThread(int id) {
     auto* thread = static_cast<SearchThread*>(AllocatePages(sizeof(SearchThread)));
     if (thread == nullptr)
         return -1;
-    thread->id = static_cast<int8_t>(id);
-    thread->pos.thread_index = static_cast<uint8_t>(id);
+    thread->id = Narrow(id);
+    thread->pos.thread_index = Narrow(id);
     thread->seed = 123u * static_cast<uint32_t>(id);
     thread->pos.undo = thread->undo.data();
     thread->pos.frames = thread->frames.data();
+    // The lists begin at the root; the frame before it has none, and no child is made there.
     thread->frames[0].first = thread->move_stack.data();
     thread->frames[1].first = thread->move_stack.data();
     thread->pos.ply = 1;
@@ -36,6 +47,13 @@ int InitNewThread(int id) {
 void FreeThreads() {
     for (int id = 0; id <= MAX_THREADS; ++id)
         FreeThread(id);
+}
+
+bool NobodySearches() {
+    for (int id = 0; id <= MAX_THREADS; ++id)
+        if (IsSearching(GetThread(id)))
+            return false;
+    return true;
 }
 
 }  // namespace vrel

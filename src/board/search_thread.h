@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <cassert>
 #include <cstdint>
 #include <type_traits>
 
@@ -66,8 +67,11 @@ extern std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 // The record of a slot, null if there is none. Pairs with the release in InitNewThread.
 inline SearchThread* GetThread(int slot) { return ThreadData[slot].load(std::memory_order_acquire); }
 
-// The position of the game.
-inline Position* GamePosition() { return &GetThread(0)->pos; }
+// The position of the game. Its record is the first thing that a program makes.
+inline Position* GamePosition() {
+    assert(GetThread(0) != nullptr);
+    return &GetThread(0)->pos;
+}
 
 // The record that a position belongs to: a Position is the first member of its SearchThread.
 inline SearchThread* ThreadOf(Position* pos) { return reinterpret_cast<SearchThread*>(pos); }
@@ -77,8 +81,11 @@ static_assert(std::is_standard_layout_v<SearchThread>);
 // Makes the record of slot `id`, replacing an earlier one. 0, or -1 if there is no memory.
 int InitNewThread(int id);
 
-// Frees the record of a slot, or all of them for the end of the program.
+// Frees the record of a slot, whose worker is idle or gone, or all of them for the end of the program.
 void FreeThread(int id);
 void FreeThreads();
+
+// True if no worker is in a search, so that what all threads read may be changed.
+bool NobodySearches();
 
 }  // namespace vrel

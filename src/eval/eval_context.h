@@ -19,11 +19,10 @@ struct EvalContext {
     const Position* pos;
     const PawnHashEntry* pawn;  // the thread's cache entry for this position
     EvalReport* report;         // for the root only
-    int side;                   // to move
+    Side side;                  // to move
     int stage;                  // 0 opening to 24 ending
-    std::array<int, 2> king_sq;
+    std::array<Square, 2> king_sq;
     uint64_t occupied;
-    std::array<int, 2> pawns;   // number of pawns
     std::array<int, 2> weight;  // remaining force: knights and bishops 1, rooks 2, queens 4
     std::array<ScorePair, 2> material;
     std::array<ScorePair, 2> score;  // positional sums

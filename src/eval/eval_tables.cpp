@@ -1,11 +1,14 @@
 #include "eval/eval_tables.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "board/bitboards.h"
 #include "board/position.h"
+#include "board/search_thread.h"
 #include "eval/personality.h"
+#include "platform/narrow.h"
 
 namespace vrel {
 
@@ -26,10 +29,9 @@ std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
 namespace {
 
 // To the nearest integer, halves away from zero.
-int16_t Nearest(double value) { return static_cast<int16_t>(static_cast<int>(std::round(value))); }
+Narrow Nearest(double value) { return Narrow(static_cast<int>(std::round(value))); }
 
-int16_t Narrow(int value) { return static_cast<int16_t>(value); }
-
+// Products of counts and weights.
 void InitMaterial() {
     const PersonalityRecord& p = Personality;
     for (int i = 0; i < 16; ++i) {
@@ -55,7 +57,8 @@ void InitMaterial() {
     }
 }
 
-// Shapes of the piece-square tables, in sixteenths of a weight.
+// Shapes of the piece-square tables, in sixteenths of a weight. Rooks look at the file alone, kings in the opening at
+// their own mixture, and all others like to stand in the centre.
 constexpr std::array<int, 8> kCentre = {-5, -2, 0, 1, 1, 0, -2, -5};                   // by file and by rank
 constexpr std::array<int, 8> kPawnAdvance = {0, 0, 1, 4, 5, 6, 6, 0};                  // by rank
 constexpr std::array<int, 8> kKingRank = {0, -1, -2, -3, -4, -4, -4, -4};              // by rank
@@ -69,14 +72,16 @@ constexpr std::array<std::array<int, 8>, 8> kPawnCentre = {{{0, 0, 0, 0, 0, 0, 0
                                                             {-1, 1, 2, 2, 2, 2, 1, -1},
                                                             {0, 0, 0, 0, 0, 0, 0, 0}}};
 
+// Joins the values of a type in pairs, for black on the flipped square.
 template <typename Table>
 void PairTable(int type, const Table& op, const Table& en) {
     for (int sq = 0; sq < 64; ++sq) {
         SquarePairs[WHITE][type][sq] = MakePair(op[sq], en[sq]);
-        SquarePairs[BLACK][type][sq ^ 56] = MakePair(op[sq], en[sq]);
+        SquarePairs[BLACK][type][sq ^ flip_sq[BLACK]] = MakePair(op[sq], en[sq]);
     }
 }
 
+// Each value is a shape times a weight, cut towards zero.
 void InitSquares() {
     const PersonalityRecord& p = Personality;
     for (int sq = 0; sq < 64; ++sq) {
@@ -111,6 +116,8 @@ void InitPassers() {
         PP_ADVANCE[rank] = Nearest(share[rank] * Personality.ppawn_r7);
 }
 
+// Joins the values of a type in pairs. A count beyond its table, which a queen alone has squares for, is worth the
+// last.
 template <typename Table>
 void PairMobility(int type, const Table& table) {
     const int last = static_cast<int>(table.size()) - 1;
@@ -129,6 +136,7 @@ void InitMobility() {
         QueenMobility[k] = Nearest(value * Personality.queen_mobility);
         damping *= 0.97;
     }
+    // Beyond ten squares a queen gains nothing.
     for (int k = 11; k < 32; ++k)
         QueenMobility[k] = QueenMobility[10];
     PairMobility(KNIGHT, KnightMobility);
@@ -137,7 +145,8 @@ void InitMobility() {
     PairMobility(QUEEN, QueenMobility);
 }
 
-// A power curve whose slope is limited, so that a hopeless king doesn't outweigh everything else.
+// By the danger index; six count nothing. A power curve whose slope is limited, so that a hopeless king doesn't
+// outweigh everything else.
 void InitKingDanger() {
     KingDanger.fill(0);
     for (int i = 7; i < 32; ++i) {
@@ -146,22 +155,20 @@ void InitKingDanger() {
     }
 }
 
+// The tables don't depend on weights: they are written anew with the same values.
 void InitFileMasks() {
-    for (int mask = 0; mask < 256; ++mask) {
-        leftbit[mask] = 8;
-        rightbit[mask] = -1;
-        for (int bit = 7; bit >= 0; --bit)
-            if (mask >> bit & 1)
-                leftbit[mask] = static_cast<int8_t>(bit);
-        for (int bit = 0; bit < 8; ++bit)
-            if (mask >> bit & 1)
-                rightbit[mask] = static_cast<int8_t>(bit);
+    leftbit[0] = 8;
+    rightbit[0] = -1;
+    for (uint64_t mask = 1; mask < 256; ++mask) {
+        leftbit[mask] = Narrow(GetLSB(mask));
+        rightbit[mask] = Narrow(GetMSB(mask));
     }
 }
 
 }  // namespace
 
 void InitEval() {
+    assert(NobodySearches());
     InitMaterial();
     InitSquares();
     InitPassers();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 #include "board/keys.h"
 #include "eval/endings.h"
@@ -14,6 +15,7 @@
 #include "eval/tactics.h"
 #include "eval/terms.h"
 #include "interface/pblock.h"
+#include "platform/narrow.h"
 
 namespace vrel {
 
@@ -28,7 +30,8 @@ EvalReport* ReportOf(const SearchThread* thread, EvalReport* spare) {
     return thread->pos.thread_index == 1 ? &PBlock.report : spare;
 }
 
-int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, int side, bool root) {
+// The score for `side` of an ending with a rule of its own. A draw is worth what the root makes of draws.
+int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, Side side, bool root) {
     const Position& pos = thread->pos;
     // Only worker 1 shows what it found; below the root nobody does.
     EvalReport* report = root && pos.thread_index == 1 ? &PBlock.report : nullptr;
@@ -48,15 +51,15 @@ int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending
 // Material of one side and what it says about the stage of the game.
 template <int Side>
 [[gnu::always_inline]] inline void EvalMaterial(EvalContext* ctx) {
-    const uint32_t counts = ctx->pos->msig[Side];
-    const uint32_t pawns = counts & 0xf;
-    const uint32_t knights = counts >> 4 & 0xf;
-    const uint32_t bishops = counts >> 8 & 0xf;
-    const uint32_t rooks = counts >> 12 & 0xf;
-    const uint32_t queens = counts >> 16 & 0xf;
+    const Position& pos = *ctx->pos;
+    const int pawns = CountOf(pos, Side, PAWN);
+    const int knights = CountOf(pos, Side, KNIGHT);
+    const int bishops = CountOf(pos, Side, BISHOP);
+    const int rooks = CountOf(pos, Side, ROOK);
+    const int queens = CountOf(pos, Side, QUEEN);
     ctx->material[Side] = MaterialPairs[PAWN][pawns] + MaterialPairs[KNIGHT][knights] + MaterialPairs[BISHOP][bishops] +
                           MaterialPairs[ROOK][rooks] + MaterialPairs[QUEEN][queens];
-    ctx->weight[Side] = static_cast<int>(knights + bishops + 2 * rooks + 4 * queens);
+    ctx->weight[Side] = knights + bishops + 2 * rooks + 4 * queens;
 }
 
 // The pawn entry of the position, from the cache if it is there. At the root it is computed afresh for the report.
@@ -122,7 +125,8 @@ template <bool Root>
     EvalPinnedPieces<BLACK>(ctx);
 
     // Kings in opposition, the white one below: whoever is to move gives way. The mirror case doesn't count.
-    if (ctx->stage == 24 && ctx->king_sq[BLACK] == ctx->king_sq[WHITE] + 16 && ctx->king_sq[BLACK] != NO_SQUARE) {
+    if (ctx->stage == LAST_STAGE && ctx->king_sq[BLACK] == ctx->king_sq[WHITE] + 16 &&
+        ctx->king_sq[BLACK] != NO_SQUARE) {
         if (ctx->side == WHITE)
             ctx->score[WHITE] -= MakePair(0, 5);
         else
@@ -140,41 +144,40 @@ template <bool Root>
     return (ctx.side == WHITE ? score : -score) + tempo_bonus[ctx.stage];
 }
 
+// The figures of the report that are known only at the end.
 void FinishReport(const EvalContext& ctx, double draw_adj) {
     EvalReport* report = ctx.report;
-    report->report_stage = static_cast<int16_t>(ctx.stage);
-    for (int side = 0; side < 2; ++side) {
-        report->report_mtl[side] = static_cast<int16_t>(Blend(ctx.material[side], ctx.stage));
-        report->report_pos[side] = static_cast<int16_t>(Blend(ctx.score[side], ctx.stage));
-        report->report_free_rank[side] = static_cast<int8_t>(ctx.free_pawn_rank[side]);
+    report->report_stage = Narrow(ctx.stage);
+    for (const Side side : {WHITE, BLACK}) {
+        report->report_mtl[side] = Narrow(Blend(ctx.material[side], ctx.stage));
+        report->report_pos[side] = Narrow(Blend(ctx.score[side], ctx.stage));
+        report->report_free_rank[side] = Narrow(ctx.free_pawn_rank[side]);
     }
     report->report_hung = ctx.hung;
     report->report_pinned = ctx.pinned;
     report->report_draw_adj = draw_adj;
 }
 
+// Hands the result to the search and keeps it; what stood in the entry is lost.
 void StoreEval(const EvalContext& ctx, uint64_t key, int score, PlyFrame* frame, EvalHashEntry* entry) {
-    const auto narrow = static_cast<int16_t>(score);
-    const std::array<int16_t, 2> hung = {static_cast<int16_t>(ctx.hung_value[WHITE]),
-                                         static_cast<int16_t>(ctx.hung_value[BLACK])};
-    frame->eval = narrow;
+    const std::array<int16_t, 2> hung = {Narrow(ctx.hung_value[WHITE]), Narrow(ctx.hung_value[BLACK])};
+    frame->eval = Narrow(score);
     frame->hung_value = hung;
-    frame->free_pawn_rank = {static_cast<int8_t>(ctx.free_pawn_rank[WHITE]),
-                             static_cast<int8_t>(ctx.free_pawn_rank[BLACK])};
-    *entry = {key, narrow, hung, static_cast<uint8_t>(ctx.free_pawn_rank[WHITE] | ctx.free_pawn_rank[BLACK] << 4),
-              static_cast<uint8_t>(ctx.side)};
+    frame->free_pawn_rank = {Narrow(ctx.free_pawn_rank[WHITE]), Narrow(ctx.free_pawn_rank[BLACK])};
+    *entry = {key, Narrow(score), hung, Narrow(ctx.free_pawn_rank[WHITE] | ctx.free_pawn_rank[BLACK] << 4),
+              Narrow(ctx.side)};
 }
 
+// Hands a result of the cache to the search.
 void RecallEval(const EvalHashEntry& entry, PlyFrame* frame) {
     frame->eval = entry.score;
     frame->hung_value = entry.hung_value;
-    frame->free_pawn_rank = {static_cast<int8_t>(entry.free_pawn_ranks & 0xf),
-                             static_cast<int8_t>(entry.free_pawn_ranks >> 4)};
+    frame->free_pawn_rank = {Narrow(entry.free_pawn_ranks & 0xf), Narrow(entry.free_pawn_ranks >> 4)};
 }
 
 // A position of the ordinary kind that isn't in the cache.
 template <bool Root>
-int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalHashEntry* entry) {
+int Compute(SearchThread* thread, Side side, PlyFrame* frame, uint64_t key, EvalHashEntry* entry) {
     const Position& pos = thread->pos;
     EvalContext ctx;
     [[maybe_unused]] EvalReport spare;
@@ -187,7 +190,8 @@ int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalH
     ctx.occupied = Occupied(pos);
     EvalMaterial<WHITE>(&ctx);
     EvalMaterial<BLACK>(&ctx);
-    ctx.stage = std::max(24 - ctx.weight[WHITE] - ctx.weight[BLACK], 0);
+    // More force than at the start is still an opening.
+    ctx.stage = std::max(LAST_STAGE - ctx.weight[WHITE] - ctx.weight[BLACK], 0);
     ctx.pawn = ProbePawns<Root>(thread, ctx.stage, ctx.report);
     ctx.score = ctx.pawn->score;
     ctx.race_rank = {0, 0};
@@ -198,6 +202,7 @@ int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalH
 
     EvalTerms<Root>(&ctx);
 
+    // Drawish endings are pulled towards zero.
     const int blended = BlendedScore(ctx);
     const double draw_adj = ScaleFactor(pos, side, blended, ctx.pawn->passed);
     const int score = draw_adj == 1.0 ? blended : static_cast<int>(blended * draw_adj);  // truncates towards zero
@@ -209,8 +214,9 @@ int Compute(SearchThread* thread, int side, PlyFrame* frame, uint64_t key, EvalH
 
 }  // namespace
 
-int Evaluate(SearchThread* thread, int side, int ply, bool in_check) {
+int Evaluate(SearchThread* thread, Side side, Ply ply, bool in_check) {
     const Position& pos = thread->pos;
+    assert(ply >= 0 && ply < FRAMES && side == pos.stm);
     PlyFrame* frame = &thread->frames[ply];
     const bool root = ply <= 1;
     frame->hung_value = {0, 0};
@@ -224,15 +230,17 @@ int Evaluate(SearchThread* thread, int side, int ply, bool in_check) {
     // If it comes to the pawns, their entry has been on its way for a while.
     __builtin_prefetch(&thread->pawn_cache[pos.pawn_hash % PAWN_CACHE_SIZE]);
 
+    // Some material says it all, and such endings have scores of their own. They don't enter the cache.
     const Ending ending = ClassifyEnding(pos.msig[WHITE], pos.msig[BLACK]);
     if (ending != Ending::ORDINARY) [[unlikely]] {
         const int score = EvalSpecialEnding(thread, frame, ending, side, root);
-        frame->eval = static_cast<int16_t>(score);
+        frame->eval = Narrow(score);
         return score;
     }
 
     const uint64_t key = GetFullHash(pos);
     EvalHashEntry* entry = &thread->eval_cache[key % EVAL_CACHE_SIZE];
+    // At the root the report has to be complete, however often the position has been there.
     if (root)
         return Compute<true>(thread, side, frame, key, entry);
     if (entry->key == key && entry->side == side) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 
 #include "board/attacks.h"
 #include "eval/eval_tables.h"
@@ -10,36 +11,25 @@
 // by square.
 namespace vrel {
 
-// True if a piece of the side attacks `sq`, seen over `occupied`.
-template <int Side>
-[[gnu::always_inline]] inline bool Attacks(const Position& pos, int sq, uint64_t occupied) {
-    const auto& own = pos.bb[Side];
-    if ((BB_PawnRays[Side ^ 1][sq] & own[PAWN]) | (BB_KnightRays[sq] & own[KNIGHT]) | (BB_KingRays[sq] & own[KING]))
-        return true;
-    uint64_t sliders = (BB_BishopRays[sq] & (own[BISHOP] | own[QUEEN])) | (BB_RookRays[sq] & (own[ROOK] | own[QUEEN]));
-    while (sliders)
-        if ((BB_Between(PopLSB(&sliders), sq) & occupied) == 0)
-            return true;
-    return false;
-}
-
 // The rank that a pawn on `rank` gets to on its own: up to the first square that is occupied, or attacked by the enemy
 // alone. The pawn itself is lifted from the board, so that rooks behind it reach the squares ahead.
 template <int Side>
-[[gnu::always_inline]] inline int FreePath(const Position& pos, uint64_t occupied, int sq, int rank) {
+[[gnu::always_inline]] inline int FreePath(const Position& pos, uint64_t occupied, Square sq, int rank) {
+    assert(rank < 7);
     const uint64_t lifted = occupied & ~Bit(sq);
     int reach = rank;
-    for (int next = sq + pawn_dir[Side]; reach < 7; next += pawn_dir[Side], ++reach) {
+    for (Square next = sq + pawn_dir[Side]; reach < 7; next += pawn_dir[Side], ++reach) {
         if (lifted & Bit(next))
             break;
-        if (Attacks<Side ^ 1>(pos, next, lifted) && !Attacks<Side>(pos, next, lifted))
+        if (SqAtakdOver(pos, next, Side ^ 1, lifted) && !SqAtakdOver(pos, next, Side, lifted))
             break;
     }
     return reach;
 }
 
+// What one passed pawn is worth. The opening gets about two thirds of the ending's value.
 template <int Side, bool Root>
-[[gnu::always_inline]] inline void EvalPassedPawn(EvalContext* ctx, int sq) {
+[[gnu::always_inline]] inline void EvalPassedPawn(EvalContext* ctx, Square sq) {
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
     const int rank = RelativeRank(Side, sq);
@@ -55,11 +45,12 @@ template <int Side, bool Root>
         return;
     }
 
-    const int front = sq + pawn_dir[Side];
-    const int promo = Side == WHITE ? 56 + FileOf(sq) : FileOf(sq);
+    // Whether the enemy king is outside of the pawn's square, and whether its own king guards its way.
+    const Square front = sq + pawn_dir[Side];
+    const Square promo = Side == WHITE ? 56 + FileOf(sq) : FileOf(sq);
     const int to_move = ctx->side == Side ? 1 : 0;
-    const int own_king = ctx->king_sq[Side];
-    const int enemy_king = ctx->king_sq[Enemy];
+    const Square own_king = ctx->king_sq[Side];
+    const Square enemy_king = ctx->king_sq[Enemy];
     const int do_front = distance(own_king, front);
     const int de_front = distance(enemy_king, front);
     const int moves = 8 - rank - to_move;
@@ -67,6 +58,7 @@ template <int Side, bool Root>
     const bool escort =
         rank >= 4 && FileOf(sq) != 0 && FileOf(sq) != 7 && do_front <= 1 && distance(own_king, promo) <= 1;
 
+    // As far as it gets alone it is worth a part of what it will be.
     const int reach = FreePath<Side>(pos, ctx->occupied, sq, rank);
     bool free = reach == 7;
     const int value = PP_ADVANCE[rank];
@@ -94,6 +86,7 @@ template <int Side, bool Root>
         v += base / 4;
     else if (own_pawns & BB_PawnRays[Enemy][sq])
         v += base / 8;
+    // Kings: the enemy's far from the square ahead, its own near.
     v += (32 * de_front - 22 * do_front) * base / 256;
     if (outrun)
         v += base / 4;
@@ -101,8 +94,9 @@ template <int Side, bool Root>
         v += base / 4;
 
     // Without pieces a pawn that nobody stops decides the game: the race is judged later.
-    if (ctx->stage == 24 && (escort || outrun)) {
+    if (ctx->stage == LAST_STAGE && (escort || outrun)) {
         v += base / 2;
+        // Steps made, as the race counts them: the move in hand, the double step, and one lost for a way to be cleared.
         const int t = rank + to_move + (rank == 1 ? 1 : 0) - (free ? 0 : 1);
         ctx->race_rank[Side] = std::max(ctx->race_rank[Side], t);
     }

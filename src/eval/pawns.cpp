@@ -15,13 +15,16 @@ struct PawnSets {
     PerSide passed;
 };
 
+// By side: the ranks on which a pawn shields a king behind it.
+constexpr std::array<uint64_t, 2> bbf = {Ranks<WHITE>(2, 3), Ranks<BLACK>(2, 3)};
+
 // The part of the enemy's half where a defended pawn cramps him: c5 to f6, for black c3 to f4.
 template <int Side>
 constexpr uint64_t kAdvancedCentre = Ranks<Side>(5, 6) & kCentralSquares;
 
 // Ending bonus of a pawn that its neighbours can help past the enemy pawns before it.
 template <int Side>
-int CandidateBonus(const PawnSets& sets, int sq, int rank) {
+int CandidateBonus(const PawnSets& sets, Square sq, int rank) {
     constexpr int Enemy = Side ^ 1;
     const uint64_t sentries = sets.pawns[Enemy] & BB_PawnSpan[Side][sq];
     uint64_t partners = sets.pawns[Side] & BB_AdjacentSquares[sq];
@@ -32,7 +35,7 @@ int CandidateBonus(const PawnSets& sets, int sq, int rank) {
 }
 
 template <int Side>
-ScorePair EvalPawn(const PawnSets& sets, int sq) {
+ScorePair EvalPawn(const PawnSets& sets, Square sq) {
     constexpr int Enemy = Side ^ 1;
     const uint64_t bit = Bit(sq);
     const uint64_t own = sets.pawns[Side];
@@ -85,7 +88,7 @@ void EvalPawns(const PawnSets& sets, PawnHashEntry* entry, [[maybe_unused]] int 
     }
     entry->score[Side] = sum;
     entry->pawn_files[Side] = FilesOf(sets.pawns[Side]);
-    entry->shield_files[Side] = FilesOf(sets.pawns[Side] & Ranks<Side>(2, 3));
+    entry->shield_files[Side] = FilesOf(sets.pawns[Side] & bbf[Side]);
     entry->home_files[Side] = FilesOf(sets.pawns[Side] & BBHB[Side]);
 }
 

@@ -34,8 +34,8 @@ constexpr SquareTable MakeKingFiles() {
 }
 inline constexpr SquareTable kKingFiles = MakeKingFiles();
 
-// Per rook square: where an own pawn or king shuts a rook of an outer file in, on its rank towards the centre.
-// BBTF.
+// What traps a rook: by its square on an outer file, where an own pawn or king shuts it in, on its rank towards the
+// centre. On other files nothing does.
 constexpr SquareTable MakeTrappers() {
     SquareTable squares{};
     for (int sq = 0; sq < 64; ++sq) {
@@ -68,17 +68,22 @@ template <int Side>
 [[gnu::always_inline]] inline void StartSquareSets(EvalContext* ctx) {
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
-    const int king = ctx->king_sq[Side];
+    const Square king = ctx->king_sq[Side];
+    // Where pawns attack, no piece likes to go.
     ctx->mobility_area[Side] = ~(pos.bb[Side][0] | ctx->attacks[PAWN][Enemy]);
     const uint64_t enemy_area = ~(pos.bb[Enemy][0] | ctx->attacks[PAWN][Side]);
+    // The ground around the king, and from where an enemy piece would check it.
     ctx->king_zone[Side] = kKingZones[king];
     ctx->king_lines[Side] = kKingFiles[king] & ~ctx->pawn->shut_ground[Side];
     ctx->knight_checks[Side] = BB_KnightRays[king] & enemy_area;
     ctx->bishop_checks[Side] = GenAttacksB(king, ctx->occupied) & enemy_area;
     ctx->rook_checks[Side] = GenAttacksR(king, ctx->occupied) & enemy_area;
+    // On the way up, where no enemy pawn can come to attack.
     ctx->outpost[Side] = Ranks<Side>(4, 7) & ~(FILE_A | FILE_H) & ~ctx->pawn->attack_span[Enemy];
+    // Pawns at home to be taken, or a king to be cut off.
     ctx->rank7_target[Side] =
         ((pos.bb[Enemy][PAWN] & Ranks<Enemy>(2, 2)) | (pos.bb[Enemy][KING] & Ranks<Enemy>(1, 1))) != 0;
+    // Enemy pawns before the king open the list of its attackers.
     ctx->king_attackers[Side] = CountBits(Forward<Side>(kKingZones[king]) & pos.bb[Enemy][PAWN]);
 }
 
@@ -90,8 +95,9 @@ template <int Side, int Type>
     ctx->attacks[Type][Side] |= attacks;
 }
 
+// A knight wants a square that no enemy pawn can ever attack. Its outpost counts in the opening alone.
 template <int Side>
-[[gnu::always_inline]] inline ScorePair EvalKnight(EvalContext* ctx, int sq) {
+[[gnu::always_inline]] inline ScorePair EvalKnight(EvalContext* ctx, Square sq) {
     constexpr int Enemy = Side ^ 1;
     const uint64_t bit = Bit(sq);
     const uint64_t attacks = BB_KnightRays[sq];
@@ -114,13 +120,17 @@ template <int Side>
     return score;
 }
 
-// Squares where a bishop that has gone pawn hunting gets shut in: a7, h7, b8, g8, for black a2, h2, b1, g1.
+// By side: squares where a bishop that has gone pawn hunting gets shut in. For white a7, h7, b8, g8; for black a2, h2,
+// b1, g1.
 template <int Side>
-constexpr uint64_t kBishopTraps = (Ranks<Side>(7, 7) & (FILE_A | FILE_H)) |
-                                  (Ranks<Side>(8, 8) & (FILE_A << 1 | FILE_A << 6));
+constexpr uint64_t MakeTrap() {
+    return (Ranks<Side>(7, 7) & (FILE_A | FILE_H)) | (Ranks<Side>(8, 8) & (FILE_A << 1 | FILE_A << 6));
+}
+inline constexpr std::array<uint64_t, 2> trap = {MakeTrap<WHITE>(), MakeTrap<BLACK>()};
 
+// A bishop likes to look at the centre.
 template <int Side>
-[[gnu::always_inline]] inline ScorePair EvalBishop(EvalContext* ctx, int sq) {
+[[gnu::always_inline]] inline ScorePair EvalBishop(EvalContext* ctx, Square sq) {
     constexpr int Enemy = Side ^ 1;
     // A bishop sees through its own queen.
     const uint64_t attacks = GenAttacksB(sq, ctx->occupied & ~ctx->pos->bb[Side][QUEEN]);
@@ -134,19 +144,22 @@ template <int Side>
     } else if (attacks & ctx->bishop_checks[Enemy]) {
         ctx->king_attackers[Enemy] += 1;
     }
-    if ((Bit(sq) & kBishopTraps<Side>)&&(attacks & kInnerBoard & ~ctx->attacks[PAWN][Enemy]) == 0) [[unlikely]]
+    // Trapped, unless it still attacks a square of the inner board that no pawn guards.
+    if ((Bit(sq) & trap[Side]) && (attacks & kInnerBoard & ~ctx->attacks[PAWN][Enemy]) == 0) [[unlikely]]
         score += BothPair(Personality.bishop_trapped);
     return score;
 }
 
+// A rook looks along its file, best without own pawns, and at the enemy's half of it.
 template <int Side>
-[[gnu::always_inline]] inline ScorePair EvalRook(EvalContext* ctx, int sq) {
+[[gnu::always_inline]] inline ScorePair EvalRook(EvalContext* ctx, Square sq) {
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
     const int file = FileOf(sq);
     // A rook sees through its own rooks and queens.
     const uint64_t attacks = GenAttacksR(sq, ctx->occupied & ~(pos.bb[Side][ROOK] | pos.bb[Side][QUEEN]));
     JoinAttacks<Side, ROOK>(ctx, attacks, attacks);
+    // Squares to go to, and squares of its file beyond the middle.
     const int moves = CountBits(attacks & ctx->mobility_area[Side]);
     const int beyond = CountBits(attacks & (FILE_A << file) & BBHB[Enemy]);
     ScorePair score = MobilityPairs[ROOK][moves] + SquarePairs[Side][ROOK][sq] +
@@ -158,6 +171,7 @@ template <int Side>
         ctx->king_attackers[Enemy] += 1;
     }
     if ((ctx->pawn->pawn_files[Side] >> file & 1) == 0) {
+        // No own pawn: half open if there is an enemy's.
         const bool half_open = ctx->pawn->pawn_files[Enemy] >> file & 1;
         score += BothPair(half_open ? Personality.rook_half_open_file : Personality.rook_open_file);
     } else if (moves <= 4 && (BBTF[sq] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
@@ -168,8 +182,9 @@ template <int Side>
     return score;
 }
 
+// A queen counts by what it attacks; behind an own piece it still backs that up.
 template <int Side>
-[[gnu::always_inline]] inline ScorePair EvalQueen(EvalContext* ctx, int sq) {
+[[gnu::always_inline]] inline ScorePair EvalQueen(EvalContext* ctx, Square sq) {
     constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
     const uint64_t diagonal = GenAttacksB(sq, ctx->occupied);
@@ -184,6 +199,7 @@ template <int Side>
     JoinAttacks<Side, QUEEN>(ctx, attacks, seen);
     ScorePair score =
         MobilityPairs[QUEEN][CountBits(attacks & ctx->mobility_area[Side])] + SquarePairs[Side][QUEEN][sq];
+    // Against the king the nearest effect counts, and only that.
     if (attacks & ctx->king_zone[Enemy])
         ctx->king_attackers[Enemy] += 3;
     else if (seen & ctx->king_zone[Enemy])
@@ -200,7 +216,7 @@ template <int Side, int Type, bool Root>
 [[gnu::always_inline]] inline void EvalPieces(EvalContext* ctx) {
     ScorePair sum = 0;
     for (const uint8_t* entry = ctx->pos->plist[Side][Type].data(); *entry != NO_SQUARE; ++entry) {
-        const int sq = *entry;
+        const Square sq = *entry;
         ScorePair score;
         if constexpr (Type == KNIGHT)
             score = EvalKnight<Side>(ctx, sq);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board/attacks.h"
 #include "board/exchange.h"
 #include "eval/personality.h"
 #include "eval/terms.h"
@@ -37,33 +38,14 @@ template <int Side>
 }
 static_assert(piece_value[KNIGHT] == piece_value[BISHOP]);
 
-// Everything that stands alone between `sq` and a slider of `sliders`, which are on lines of `sq`.
-[[gnu::always_inline]] inline uint64_t LoneBlockers(uint64_t sliders, int sq, uint64_t occupied) {
-    uint64_t found = 0;
-    while (sliders) {
-        const uint64_t between = BB_Between(PopLSB(&sliders), sq) & occupied;
-        if ((between & (between - 1)) == 0)
-            found |= between;
-    }
-    return found;
-}
-
-// Pieces of the side that are pinned to its king, or to its queen if it has exactly one. A queen doesn't pin to a
-// queen, and pawns don't count.
+// Pieces of the side that are pinned to its king, or to its queen if it has exactly one. Pawns don't count: they
+// seldom have anywhere else to go. Whether a pinned piece may move along its line isn't asked.
 template <int Side>
 [[gnu::always_inline]] inline void EvalPinnedPieces(EvalContext* ctx) {
-    constexpr int Enemy = Side ^ 1;
     const Position& pos = *ctx->pos;
-    const auto& enemy = pos.bb[Enemy];
-    const int king = ctx->king_sq[Side];
-    uint64_t pinned = LoneBlockers(
-        (BB_BishopRays[king] & (enemy[BISHOP] | enemy[QUEEN])) | (BB_RookRays[king] & (enemy[ROOK] | enemy[QUEEN])),
-        king, ctx->occupied);
-    if ((pos.msig[Side] & 0xf0000) == 0x10000) {
-        const int queen = pos.plist[Side][QUEEN][0];
-        pinned |= LoneBlockers((BB_BishopRays[queen] & enemy[BISHOP]) | (BB_RookRays[queen] & enemy[ROOK]), queen,
-                               ctx->occupied);
-    }
+    uint64_t pinned = PinnedToKing(pos, Side);
+    if (CountOf(pos, Side, QUEEN) == 1)
+        pinned |= PinnedToQueen(pos, Side);
     pinned &= pos.bb[Side][0] & ~pos.bb[Side][PAWN];
     ctx->pinned |= pinned;
     ctx->score[Side] += static_cast<ScorePair>(CountBits(pinned)) * BothPair(Personality.pinned);

@@ -9,6 +9,7 @@
 #include "board/attacks.h"
 #include "board/generate.h"
 #include "board/legality.h"
+#include "board/letters.h"
 #include "board/search_thread.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
@@ -29,10 +30,6 @@ const std::array<const char*, 64> tbl = {
 
 namespace {
 
-// Letters of standard notation by piece type.
-constexpr std::array<char, 8> kPieceLetters = {' ', 'P', 'N', 'B', 'R', 'Q', 'K', ' '};
-
-constexpr uint64_t ALL_SQUARES = ~0ULL;
 constexpr unsigned PIECES = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN | 1U << KING;
 
 // Letter of the piece that a move promotes to, 0 if it doesn't. The bits are asked for in this order.
@@ -53,7 +50,7 @@ public:
         *end_ = 0;
         return *this;
     }
-    Writer& Square(int sq) { return Put(static_cast<char>('a' + FileOf(sq))).Put(static_cast<char>('1' + RankOf(sq))); }
+    Writer& Square(int sq) { return Put(FileLetter(sq)).Put(RankDigit(sq)); }
     // "=Q" and the like.
     Writer& Promotion(Move move) {
         if (const char letter = PromotionLetter(move))
@@ -76,12 +73,12 @@ struct Forms {
 void WritePawnForms(const Position& pos, Move move, const Forms& forms) {
     const int from = FromSquare(move);
     const int to = ToSquare(move);
-    const char from_file = static_cast<char>('a' + FileOf(from));
+    const char from_file = FileLetter(from);
     Writer(forms.coord).Square(from).Square(to).Promotion(move);
     Writer(forms.rank_form);
     if (pos.board[static_cast<size_t>(to)] || to == pos.ep_square) {
         Writer(forms.san).Put(from_file).Put('x').Square(to).Promotion(move);
-        Writer(forms.file_form).Put(from_file).Put(static_cast<char>('a' + FileOf(to))).Promotion(move);
+        Writer(forms.file_form).Put(from_file).Put(FileLetter(to)).Promotion(move);
     } else {
         Writer(forms.san).Square(to).Promotion(move);
         Writer(forms.file_form).Promotion(move);
@@ -112,9 +109,9 @@ void WritePieceForms(const Position& pos, Move move, const Forms& forms) {
         WriteCastlingForms(forms, to > from);
         return;
     }
-    const char letter = kPieceLetters[static_cast<size_t>(type)];
-    const char file = static_cast<char>('a' + FileOf(from));
-    const char rank = static_cast<char>('1' + RankOf(from));
+    const char letter = fen_letters[type];
+    const char file = FileLetter(from);
+    const char rank = RankDigit(from);
     Writer san(forms.san);
     Writer file_form(forms.file_form);
     Writer rank_form(forms.rank_form);
@@ -176,10 +173,6 @@ struct Sieve {
     bool any_promotion = false;  // the promotion doesn't matter
 };
 
-constexpr bool IsFile(char c) { return c >= 'a' && c <= 'h'; }
-constexpr bool IsRank(char c) { return c >= '1' && c <= '8'; }
-constexpr int FileIn(char c) { return c - 'a'; }
-constexpr int RankIn(char c) { return c - '1'; }
 constexpr bool IsSquare(const char* text) { return IsFile(text[0]) && IsRank(text[1]); }
 constexpr uint64_t SquareIn(const char* text) { return Bit(RankIn(text[1]) * 8 + FileIn(text[0])); }
 
@@ -192,7 +185,7 @@ constexpr Move PromotionBit(char letter) {
 
 constexpr int TypeOfLetter(char letter) {
     for (int type = KNIGHT; type <= KING; ++type)
-        if (kPieceLetters[static_cast<size_t>(type)] == letter)
+        if (fen_letters[type] == letter)
             return type;
     return NO_PIECE;
 }

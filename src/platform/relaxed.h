@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <type_traits>
 
 namespace vrel {
 
@@ -21,6 +22,15 @@ public:
         Set(value);
         return value;
     }
+
+    // The one converting store: a number of any type is cut to the width of the field. A real number is made an integer
+    // first, where the direction of rounding can be seen.
+    template <typename Number>
+    requires std::is_integral_v<Number> ||(std::is_floating_point_v<Number>&& std::is_floating_point_v<T>)T operator=(
+        Number number) {
+        return *this = static_cast<T>(number);
+    }
+
     operator T() const { return Get(); }
 
     T Get() const { return value_.load(std::memory_order_relaxed); }

@@ -7,6 +7,7 @@
 #include "eval/evaluate.h"
 #include "eval/personality.h"
 #include "interface/pblock.h"
+#include "platform/narrow.h"
 #include "search/mate_test.h"
 #include "search/search.h"
 #include "search/selectivity.h"
@@ -38,13 +39,11 @@ struct Node {
 
 int FailHard(int value, int a, int b) { return value <= a ? a : std::min(value, b); }
 
-// Hands on no more than the 16-bit fields hold.
-int16_t Field(int value) { return static_cast<int16_t>(value); }
 
 void ResetFrame(const Node& node, Move* pv) {
     PlyFrame* frame = node.frame;
-    frame->depth = Field(node.depth);
-    frame->alpha = Field(node.a);
+    frame->depth = Narrow(node.depth);
+    frame->alpha = Narrow(node.a);
     frame->node_type = static_cast<uint8_t>(node.node_type);
     frame->ext = 0;
     frame->reduction = 0;
@@ -61,16 +60,6 @@ bool IsInCheck(const Position& pos, int side, int gives_check) {
     if (gives_check != CHECK_UNKNOWN)
         return gives_check == CHECK_YES;
     return SqAtakd(pos, KingSquare(pos, side), side ^ 1);
-}
-
-// Earlier occurrences of the placement since the last irreversible move. The keys leave out side to move, rights and
-// en passant square; only even distances are compared.
-int CountRepetitions(const Position& pos) {
-    const int oldest = std::max(pos.game_ply - pos.fifty, 0);
-    int count = 0;
-    for (int i = pos.game_ply - 4; i >= oldest; i -= 2)
-        count += pos.undo[i].hash == pos.hash;
-    return count;
 }
 
 // A position that occurred once before counts as a draw only some way into the tree.
@@ -94,7 +83,7 @@ void ProbeTable(Node* node) {
         return;
     node->frame->hash_move = node->tt.move;
     const int score = ExpandScore(node->tt.score, node->ply);
-    node->tt.score = Field(score);
+    node->tt.score = Narrow(score);
     node->tt_low = score <= node->a && node->tt.type != BOUND_LOWER;
     node->tt_high = score >= node->b && node->tt.type != BOUND_UPPER;
 }
@@ -225,7 +214,7 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, Nod
         return PBlock.draw_score[side];
 
     node.eval = Evaluate(thread, side, ply, node.in_check);
-    frame->eval = Field(node.eval);
+    frame->eval = Narrow(node.eval);
     if (frame->eval_draw == 1 && depth > DRAWISH_DEPTH && !node.in_check)
         node.depth = DRAWISH_DEPTH;
 

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "board/keys.h"
+#include "board/make_move.h"
 #include "board/search_thread.h"
 #include "interface/pblock.h"
 #include "platform/memory.h"
@@ -89,12 +90,6 @@ void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
 // One game ply counts as much as 32 plies of depth.
 int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + data.depth; }
 
-bool MoveFits(const Position& pos, Move move) {
-    const uint64_t own = pos.bb[pos.stm][0];
-    return (own & Bit(FromSquare(move))) && !(own & Bit(ToSquare(move))) &&
-           (!(move & PROMOTION_BITS) || TypeOf(pos.board[FromSquare(move)]) == PAWN);
-}
-
 void ForgetFill() {
     for (FillCounter& counter : ttcnt)
         counter.count = 0;
@@ -113,7 +108,7 @@ void Find(const Position& pos, TTData* result) {
         Refresh(entry, result, PBlock.tt_age);
         if (CheckWord(*result, key) != check)
             result->depth = TORN;
-        else if (result->move && !MoveFits(pos, result->move))
+        else if (result->move && !MoveCanBeMade(pos, result->move))
             result->depth = WRONG_MOVE;
         return;
     }

@@ -46,16 +46,6 @@ void ApplySettings() {
     SetLimits(limits);
 }
 
-// True if the position has been on the board twice before since the last move that can't be taken back.
-bool IsThirdOccurrence(const Position& pos) {
-    if (pos.fifty <= 3)
-        return false;
-    int equal = 0;
-    for (int i = pos.game_ply - 4; i >= 0 && i >= pos.game_ply - pos.fifty; i -= 2)
-        equal += pos.undo[i].hash == pos.hash;
-    return equal >= 2;
-}
-
 // Leaves the move of the side to move and its score in PBlock; no move in a repeated position.
 void FindMove(Position* pos, const PersonalityRecord& player) {
     GetElapsedTime(0);
@@ -67,7 +57,7 @@ void FindMove(Position* pos, const PersonalityRecord& player) {
     }
     if (PublishedResult().best == NO_MOVE) {
         InitEval();
-        if (IsThirdOccurrence(*pos))
+        if (CountRepetitions(*pos) >= 2)
             PublishScore(0);
         else
             SearchHere();

@@ -134,8 +134,8 @@ TEST_F(ExchangeTest, WorkedFigures) {
     };
     for (const ExchangeRow& row : kRows) {
         const TestPosition pos(row.fen);
-        const int from = row.from == nullptr ? NO_SQUARE : Square(row.from);
-        EXPECT_EQ(swapoff1(*pos, pos->stm, from, Square(row.to), Occupied(*pos)), row.value) << row.name;
+        const int from = row.from == nullptr ? NO_SQUARE : SquareNamed(row.from);
+        EXPECT_EQ(swapoff1(*pos, pos->stm, from, SquareNamed(row.to), Occupied(*pos)), row.value) << row.name;
     }
 }
 

@@ -97,9 +97,9 @@ TEST_F(MakeMoveTest, NullMoveTurnsTheSideAndNothingElse) {
 TEST_F(MakeMoveTest, EveryDoubleStepLeavesASquareBehind) {
     TestPosition pos(fen_opn);
     MakeMove(pos.get(), Coord("e2e4"));
-    EXPECT_EQ(pos->ep_square, Square("e3"));
+    EXPECT_EQ(pos->ep_square, SquareNamed("e3"));
     MakeMove(pos.get(), Coord("a7a5"));
-    EXPECT_EQ(pos->ep_square, Square("a6"));
+    EXPECT_EQ(pos->ep_square, SquareNamed("a6"));
     MakeMove(pos.get(), Coord("g1f3"));
     EXPECT_EQ(pos->ep_square, NO_SQUARE);
 }

@@ -6,11 +6,11 @@
 namespace vrel {
 
 // The square of a name such as "e4".
-constexpr int Square(const char* name) { return name[0] - 'a' + (name[1] - '1') * 8; }
+constexpr Square SquareNamed(const char* name) { return name[0] - 'a' + (name[1] - '1') * 8; }
 
 // The move of a text such as "e2e4", with promotion bits.
 constexpr Move Coord(const char* text, Move promotion = NO_MOVE) {
-    return static_cast<Move>(MakeMoveValue(Square(text), Square(text + 2)) | promotion);
+    return static_cast<Move>(MakeMoveValue(SquareNamed(text), SquareNamed(text + 2)) | promotion);
 }
 
 // The list entry of a move, as a generator writes it.
