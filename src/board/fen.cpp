@@ -1,8 +1,12 @@
 #include "board/fen.h"
 
+#include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "board/keys.h"
+#include "board/letters.h"
+#include "platform/narrow.h"
 
 namespace vrel {
 
@@ -10,24 +14,18 @@ namespace {
 
 bool FieldEnds(char c) { return c == '\0' || c == ' '; }
 
-const char* SkipBlanks(const char* text) {
-    while (*text == ' ')
-        ++text;
-    return text;
-}
-
 // Places the piece of a letter; other characters place nothing. A surplus piece at the end of a rank, which finds its
 // square occupied, is left out.
-void PlaceLetter(Position* pos, char c, int sq) {
-    static constexpr const char* letters = "PNBRQKpnbrqk";
-    const char* found = std::strchr(letters, c);
-    if (found == nullptr || pos->board[sq])
+void PlaceLetter(Position* pos, char c, Square sq) {
+    const size_t code = fen_letters.find(c);
+    if (code == std::string_view::npos || pos->board[sq])
         return;
-    const int index = static_cast<int>(found - letters);
-    AddPiece(pos, index / 6, index % 6 + 1, sq);
+    const int piece = static_cast<int>(code);
+    AddPiece(pos, SideOf(piece), piece, sq);
 }
 
-// Reads the placement and returns the end of its field. Ranks below the first are passed over.
+// Reads the placement and returns the end of its field. Ranks below the first are passed over, and what goes beyond the
+// h-file stays on it.
 const char* ReadBoard(Position* pos, const char* text) {
     int rank = 7;
     int file = 0;
@@ -49,6 +47,8 @@ const char* ReadBoard(Position* pos, const char* text) {
     return text;
 }
 
+// The character behind the placement is skipped, whatever it is. Another one than "w" and "b" leaves the side as it
+// was.
 const char* ReadSide(Position* pos, const char* text) {
     if (*text == '\0' || text[1] == '\0')
         return text + std::strlen(text);
@@ -59,6 +59,7 @@ const char* ReadSide(Position* pos, const char* text) {
     return text + 2;
 }
 
+// Rights are taken as they are written, whether king and rooks stand at home or not.
 const char* ReadCastling(Position* pos, const char* text) {
     pos->castling = 0;
     for (; !FieldEnds(*text); ++text) {
@@ -84,16 +85,17 @@ const char* ReadCastling(Position* pos, const char* text) {
 
 // A letter gives the file, a digit behind it the rank; what would leave the board is left out.
 void ReadEnPassant(Position* pos, const char* text) {
-    int sq = NO_SQUARE;
+    Square sq = NO_SQUARE;
     for (; !FieldEnds(*text); ++text) {
-        if (*text >= 'a' && *text <= 'h')
-            sq = *text - 'a';
-        else if (*text >= '1' && *text <= '8' && sq + (*text - '1') * 8 < NO_SQUARE)
-            sq += (*text - '1') * 8;
+        if (IsFile(*text))
+            sq = FileIn(*text);
+        else if (IsRank(*text) && sq + RankIn(*text) * 8 < NO_SQUARE)
+            sq += RankIn(*text) * 8;
     }
-    pos->ep_square = static_cast<uint8_t>(sq);
+    pos->ep_square = Narrow(sq);
 }
 
+// Writes a rank from the a-file on, each run of empty squares as a digit.
 char* WriteRank(const Position& pos, int rank, char* out) {
     int run = 0;
     for (int file = 0; file < 8; ++file) {
@@ -105,7 +107,7 @@ char* WriteRank(const Position& pos, int rank, char* out) {
         if (run)
             *out++ = static_cast<char>('0' + run);
         run = 0;
-        *out++ = (SideOf(code) == WHITE ? " PNBRQK" : " pnbrqk")[TypeOf(code)];
+        *out++ = fen_letters[code];
     }
     if (run)
         *out++ = static_cast<char>('0' + run);
@@ -125,6 +127,7 @@ char* WriteCastling(const Position& pos, char* out) {
 
 void StartRecord(Position* pos) {
     SetHash(pos);
+    // Whoever looks at the last move or at the one ahead finds none.
     pos->undo[0] = {};
     pos->undo[1] = {};
     pos->game_ply = 0;
@@ -154,9 +157,10 @@ void MakeEPD(const Position& pos, char* text) {
     if (pos.ep_square == NO_SQUARE) {
         *out++ = '-';
     } else {
-        *out++ = static_cast<char>('a' + FileOf(pos.ep_square));
-        *out++ = static_cast<char>('1' + RankOf(pos.ep_square));
+        *out++ = FileLetter(pos.ep_square);
+        *out++ = RankDigit(pos.ep_square);
     }
+    assert(out - text < EPD_TEXT);
     *out = '\0';
 }
 

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "board/fen.h"
+#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_buffer.h"
@@ -74,8 +75,6 @@ void CountPosition(Builder* builder) {
                                                       : record->losses;
     ++counter;
 }
-
-constexpr bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 // The part of a word behind a move number and other signs: from the first letter, or from the 0 of a castling. Null
 // if there is none.

@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <string>
 
+#include "board/letters.h"
+#include "interface/board_text.h"
+
 namespace vrel {
 
 namespace {
@@ -24,8 +27,8 @@ void AppendSquares(std::string* text, const char* title, uint64_t set) {
         return;
     *text += title;
     while (set) {
-        const int sq = PopLSB(&set);
-        Append(text, "  %c%c", 'a' + FileOf(sq), '1' + RankOf(sq));
+        const Square sq = PopLSB(&set);
+        Append(text, "  %c%c", FileLetter(sq), RankDigit(sq));
     }
     *text += '\n';
 }
@@ -36,12 +39,11 @@ void AppendRow(std::string* text, const char* title, const std::array<int16_t, 2
 }
 
 // The letters of the pieces that `side` has more of than its opponent.
-std::string Surplus(const Position& pos, int side) {
-    constexpr const char* letters = " PNBRQ";
+std::string Surplus(const Position& pos, Side side) {
     std::string text;
     for (int type = QUEEN; type >= PAWN; --type)
         for (int n = CountOf(pos, side, type) - CountOf(pos, side ^ 1, type); n > 0; --n)
-            text += letters[type];
+            text += fen_letters[type];
     return text;
 }
 
@@ -67,20 +69,13 @@ void AppendTerms(std::string* text, const Position& pos, const EvalReport& repor
     }
 }
 
-char SquareLetter(const Position& pos, int sq) {
-    const int code = pos.board[sq];
-    if (code == 0)
-        return ((FileOf(sq) + RankOf(sq)) & 1) == 0 ? '+' : '-';
-    return (SideOf(code) == WHITE ? " PNBRQK " : " onbrqk ")[TypeOf(code)];
-}
-
 // The board, and beside it the share of each piece.
 void AppendBoard(std::string* text, const Position& pos, const EvalReport& report) {
     for (int rank = 7; rank >= 0; --rank) {
-        for (int sq = rank * 8; sq < rank * 8 + 8; ++sq)
+        for (Square sq = rank * 8; sq < rank * 8 + 8; ++sq)
             Append(text, " %c", SquareLetter(pos, sq));
         *text += "    ";
-        for (int sq = rank * 8; sq < rank * 8 + 8; ++sq)
+        for (Square sq = rank * 8; sq < rank * 8 + 8; ++sq)
             if (pos.board[sq])
                 Append(text, " %4d", report.eval_by_square[sq]);
             else

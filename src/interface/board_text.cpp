@@ -1,8 +1,8 @@
 #include "interface/board_text.h"
 
 #include <array>
-#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "board/fen.h"
 #include "interface/messages.h"
@@ -11,17 +11,17 @@ namespace vrel {
 
 namespace {
 
-constexpr const char* WHITE_LETTERS = "-PNBRQK";
-constexpr const char* BLACK_LETTERS = "-onbrqk";
-
-char Letter(const Position& pos, int sq) {
-    const int code = pos.board[static_cast<size_t>(sq)];
-    if (code == 0)
-        return (FileOf(sq) + RankOf(sq)) % 2 == 0 ? '+' : '-';
-    return (SideOf(code) == WHITE ? WHITE_LETTERS : BLACK_LETTERS)[TypeOf(code)];
-}
+// By piece code: the letter on a board for a person, where a black pawn is an "o".
+constexpr std::string_view pchars = "-PNBRQK--onbrqk";
 
 }  // namespace
+
+char SquareLetter(const Position& pos, Square sq) {
+    const int code = pos.board[sq];
+    if (code == NO_PIECE)
+        return sq_color(sq) ? '+' : '-';
+    return pchars[code];
+}
 
 void ShowBoard(const Position& pos) {
     std::array<char, EPD_TEXT> fen;
@@ -32,7 +32,7 @@ void ShowBoard(const Position& pos) {
         text += ' ';
         for (int file = 0; file < 8; ++file) {
             text += ' ';
-            text += Letter(pos, rank * 8 + file);
+            text += SquareLetter(pos, rank * 8 + file);
         }
         text += '\n';
     }

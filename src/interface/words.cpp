@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cstddef>
 
+#include "board/letters.h"
+
 namespace vrel {
 
 namespace {
@@ -21,8 +23,7 @@ bool BelongsToWord(char c) { return static_cast<unsigned char>(c) >= 32 && stati
 const char* GetWord(const char* text) {
     assert(text != nullptr);
     static std::array<char, LONGEST_WORD + 1> word;
-    while (*text == ' ')
-        ++text;
+    text = SkipBlanks(text);
     size_t n = 0;
     while (n < LONGEST_WORD && *text != '\0' && *text != '\n' && *text != '\r' && *text != ' ')
         word[n++] = *text++;
@@ -35,8 +36,7 @@ const char* NextWord(const char* text) {
     static std::array<char, PGN_WORD> word;
     if (text != nullptr)
         position = text;
-    while (*position == ' ')
-        ++position;
+    position = SkipBlanks(position);
     if (*position == '\0')
         return nullptr;
     size_t n = 0;

@@ -8,6 +8,7 @@
 
 #include "board/fen.h"
 #include "board/generate.h"
+#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "eval/eval_report.h"
@@ -42,8 +43,6 @@ MoveBuffer CutTo(size_t most, const char* text) {
 }
 
 void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
-
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool IsNumber(const char* text) {
     if (*text == '+' || *text == '-')

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "board/fen.h"
+#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "interface/control/options.h"
@@ -33,8 +34,6 @@ void Introduce() {
     ShowMessage("uciok");
     PBlock.mode = MODE_UCI;
 }
-
-const char* SkipBlanks(const char* text) { return text + std::strspn(text, " "); }
 
 std::string WithoutTrailingBlanks(std::string text) {
     text.resize(text.find_last_not_of(' ') + 1);
