@@ -122,12 +122,16 @@ TEST_F(Tables, ReductionsAreBounded) {
     EXPECT_EQ(DefaultPersonality.LMP_count[7], 21);
 }
 
-TEST_F(Tables, WeightsAreFoundByKeyword) {
-    EXPECT_EQ(FindWeight(&Personality, "hung"), &Personality.hung);
-    EXPECT_EQ(FindWeight(&Personality, "tune"), &Personality.tune);
-    EXPECT_EQ(FindWeight(&Personality, "PST_R_op"), &Personality.PST_R_op);
-    for (const char* name : {"PST_R_en", "contempt", "", "Hung", "LMR_depth"})
-        EXPECT_EQ(FindWeight(&Personality, name), nullptr) << name;
+TEST_F(Tables, WeightsAreFoundByNameAndByKeyword) {
+    for (const auto find : {FindWeight, FindKeyword}) {
+        EXPECT_EQ(find(&Personality, "hung"), &Personality.hung);
+        EXPECT_EQ(find(&Personality, "tune"), &Personality.tune);
+        EXPECT_EQ(find(&Personality, "PST_R_op"), &Personality.PST_R_op);
+        for (const char* name : {"contempt", "", "Hung", "LMR_depth"})
+            EXPECT_EQ(find(&Personality, name), nullptr) << name;
+    }
+    EXPECT_EQ(FindWeight(&Personality, "PST_R_en"), &Personality.PST_R_en);
+    EXPECT_EQ(FindKeyword(&Personality, "PST_R_en"), nullptr);
     EXPECT_EQ(FindSelectivity(&Personality, "LMR_depth"), &Personality.LMR_depth);
     EXPECT_EQ(FindSelectivity(&Personality, "SE"), &Personality.SE);
     for (const char* name : {"", "lmr_depth", "ss_off", "hung"})

@@ -68,11 +68,14 @@ protected:
 };
 
 TEST_F(PlayerFileTest, ChangesAndShowsFields) {
-    EXPECT_TRUE(Read("# a try\n\nknight_value_op 350 # more\r\n  hung\t-20\nrook_rank7 15\nLMR_depth 4"));
+    EXPECT_TRUE(Read("# a try\n\nknight_value_op 350 # more\r\n  hung\t-20\nrook_rank7 15\nPST_R_en 5\nLMR_depth 4"));
     EXPECT_EQ(record_.knight_value_op, 350);
     EXPECT_EQ(record_.hung, -20);
+    EXPECT_EQ(record_.PST_R_en, 5);
     EXPECT_EQ(record_.LMR_depth, 4);
-    EXPECT_EQ(shown_, "Player2: knight_value_op 335 -> 350\nPlayer2: hung -17 -> -20\nPlayer2: LMR_depth 3 -> 4\n");
+    EXPECT_EQ(shown_,
+              "Player2: knight_value_op 335 -> 350\nPlayer2: hung -17 -> -20\nPlayer2: PST_R_en 0 -> 5\n"
+              "Player2: LMR_depth 3 -> 4\n");
 }
 
 TEST_F(PlayerFileTest, NoFileChangesNothing) {

@@ -226,7 +226,7 @@ void TuneOne(const Command& command) {
     CopyText(&PBlock.epd_file, "tune.epd");
     LimitDepth(0);
     PBlock.noise = SILENT;
-    if (int16_t* weight = FindWeight(&Personality, name))
+    if (int16_t* weight = FindKeyword(&Personality, name))
         PTune(name, weight, command.Integer(3, 0, INT16_MAX));
     ShowMessage("done!\n");
 }
