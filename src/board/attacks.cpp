@@ -4,15 +4,7 @@ namespace vrel {
 
 namespace {
 
-// The squares from `sq` to the edge in steps of one file and rank each way.
-constexpr uint64_t Ray(Square sq, int file_step, int rank_step) {
-    uint64_t ray = 0;
-    for (int file = FileOf(sq) + file_step, rank = RankOf(sq) + rank_step;
-         file >= 0 && file < 8 && rank >= 0 && rank < 8; file += file_step, rank += rank_step)
-        ray |= Bit(rank * 8 + file);
-    return ray;
-}
-
+// The entry of "no square" stays empty, its bit as well: nothing is taken away from nothing.
 constexpr std::array<SquareLines, SQUARES> MakeSquareLines() {
     std::array<SquareLines, SQUARES> table{};
     for (int sq = 0; sq < NO_SQUARE; ++sq)

@@ -22,22 +22,7 @@ std::array<int8_t, 256> rightbit;
 
 namespace {
 
-// The square `files` and `ranks` away as a set, empty beyond the edge.
-uint64_t Step(Square sq, int files, int ranks) {
-    const int file = FileOf(sq) + files;
-    const int rank = RankOf(sq) + ranks;
-    if (file < 0 || file > 7 || rank < 0 || rank > 7)
-        return 0;
-    return Bit(rank * 8 + file);
-}
-
-uint64_t Ray(Square sq, int files, int ranks) {
-    uint64_t ray = 0;
-    for (int i = 1; i < 8; ++i)
-        ray |= Step(sq, i * files, i * ranks);
-    return ray;
-}
-
+// Shifts of a whole board are left out: they aren't defined.
 void InitializeRankAndFileTables() {
     for (int i = 0; i < 8; ++i) {
         BB_North[i] = i == 7 ? 0 : ~0ULL << (8 * (i + 1));
@@ -46,6 +31,8 @@ void InitializeRankAndFileTables() {
     }
 }
 
+// Everything that starts from one square. Pawns are asked for on the back ranks as well, since their table is also read
+// the other way round: from where a pawn attacks a square.
 void InitializeSquare(Square sq) {
     const int file = FileOf(sq);
     const int rank = RankOf(sq);
@@ -71,8 +58,10 @@ void InitializeSquare(Square sq) {
         Step(sq, 0, 1) | Step(sq, 0, -1) | BB_AdjacentSquares[sq] | BB_PawnRays[WHITE][sq] | BB_PawnRays[BLACK][sq];
 }
 
+// The direction of a difference.
 constexpr int Sign(int x) { return (x > 0) - (x < 0); }
 
+// See BB_Between: squares are in line if they share a file, a rank or a diagonal.
 uint64_t SquaresBetween(Square a, Square b) {
     const int df = FileOf(b) - FileOf(a);
     const int dr = RankOf(b) - RankOf(a);
@@ -80,7 +69,7 @@ uint64_t SquaresBetween(Square a, Square b) {
         return 0;
     const int step = Sign(dr) * 8 + Sign(df);
     uint64_t set = 0;
-    for (int sq = a + step; sq != b; sq += step)
+    for (Square sq = a + step; sq != b; sq += step)
         set |= Bit(sq);
     return set;
 }

@@ -84,6 +84,19 @@ inline Square PopLSB(uint64_t* set) {
     return sq;
 }
 
+// The square `files` and `ranks` away as a set, empty beyond the edge; and all squares in steps of that kind.
+constexpr uint64_t Step(Square sq, int files, int ranks) {
+    const int file = FileOf(sq) + files;
+    const int rank = RankOf(sq) + ranks;
+    return file < 0 || file > 7 || rank < 0 || rank > 7 ? 0 : Bit(rank * 8 + file);
+}
+constexpr uint64_t Ray(Square sq, int files, int ranks) {
+    uint64_t ray = 0;
+    for (int i = 1; i < 8; ++i)
+        ray |= Step(sq, i * files, i * ranks);
+    return ray;
+}
+
 // One rank forward or back, as the side sees it; squares leave the board at its end.
 template <int Side>
 constexpr uint64_t Forward(uint64_t set) {

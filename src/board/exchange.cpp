@@ -26,7 +26,7 @@ Sliders SlidersOf(const Position& pos) {
 }
 
 // All pieces of both sides that attack `sq` over `occ` and stand on a square of it.
-uint64_t AttackersOf(const Position& pos, Square sq, uint64_t occ, const Sliders& sliders) {
+uint64_t AttackersOf(const Position& pos, Square sq, uint64_t occ, Sliders sliders) {
     return (SteppersAt(pos, WHITE, sq) | SteppersAt(pos, BLACK, sq) | (GenAttacksB(sq, occ) & sliders.diagonal) |
             (GenAttacksR(sq, occ) & sliders.straight)) &
            occ;
@@ -43,7 +43,7 @@ Square LowestAttacker(const Position& pos, Side side, uint64_t attackers) {
 
 // What comes into play on `sq` once a piece of the given type has left for it. Nothing stands behind a knight, and a
 // rook opens no diagonal.
-uint64_t SlidersBehind(int type, Square sq, uint64_t occ, const Sliders& sliders) {
+uint64_t SlidersBehind(int type, Square sq, uint64_t occ, Sliders sliders) {
     uint64_t found = 0;
     if (type != KNIGHT && type != ROOK)
         found |= GenAttacksB(sq, occ) & sliders.diagonal;

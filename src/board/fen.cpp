@@ -12,6 +12,7 @@ namespace vrel {
 
 namespace {
 
+// A field reaches to a blank or to the end of the text.
 bool FieldEnds(char c) { return c == '\0' || c == ' '; }
 
 // Places the piece of a letter; other characters place nothing. A surplus piece at the end of a rank, which finds its
@@ -37,6 +38,7 @@ const char* ReadBoard(Position* pos, const char* text) {
         }
         if (rank < 0)
             continue;
+        // A digit leaves squares empty; any other character stands for one square.
         if (*text >= '0' && *text <= '9') {
             file = std::min(file + (*text - '0'), 7);
             continue;
@@ -114,6 +116,7 @@ char* WriteRank(const Position& pos, int rank, char* out) {
     return out;
 }
 
+// The letters of the rights in the order of their bits.
 char* WriteCastling(const Position& pos, char* out) {
     if (pos.castling == 0)
         *out++ = '-';

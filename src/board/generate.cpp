@@ -1,5 +1,6 @@
 #include "board/generate.h"
 
+#include <bit>
 #include <cassert>
 #include <cstring>
 #include <utility>
@@ -11,13 +12,16 @@ namespace vrel {
 
 namespace {
 
-// Move, mover and victim in one store; the other two fields stay.
+// Move, mover and victim in one store; the other two fields stay. The order of the bytes is that of a machine which
+// stores the lowest first.
+static_assert(std::endian::native == std::endian::little);
 MoveEntry* WriteEntry(MoveEntry* list, Move move, uint32_t piece, uint32_t captured) {
     const uint32_t word = move | piece << 16 | captured << 24;
     std::memcpy(static_cast<void*>(list), &word, sizeof word);
     return list + 1;
 }
 
+// Appends a move to whatever stands on the to-square.
 MoveEntry* AddMove(MoveEntry* list, const Position& pos, Square from, Square to) {
     return WriteEntry(list, MakeMoveValue(from, to), pos.board[from], pos.board[to]);
 }
@@ -57,8 +61,7 @@ MoveEntry* AddQuiets(MoveEntry* list, const Position& pos, Square from, uint64_t
 template <int Side>
 uint64_t EnPassantTarget(const Position& pos) {
     const Square sq = pos.ep_square;
-    if (sq == NO_SQUARE || RelativeRank(Side, sq) != 5 || pos.board[sq] ||
-        pos.board[sq - pawn_dir[Side]] != PieceCode(Side ^ 1, PAWN))
+    if (sq == NO_SQUARE || pos.board[sq] || EnPassantVictim(pos, Side, sq) == NO_SQUARE)
         return 0;
     return Bit(sq);
 }
@@ -73,6 +76,7 @@ MoveEntry* AddPawnCaptures(MoveEntry* list, const Position& pos, uint64_t movers
     return list;
 }
 
+// First towards the h-file for black and towards the a-file for white, then to the other side.
 template <int Side>
 MoveEntry* PawnCaptures(const Position& pos, MoveEntry* list) {
     const uint64_t targets = pos.bb[Side ^ 1][0] | EnPassantTarget<Side>(pos);
@@ -110,6 +114,7 @@ void ForEachSlider(const Position& pos, const uint64_t* sets, Action action) {
             action(*sq, *sets++);
 }
 
+// Knights to king, in the order of their rows. `sliders` is what ForEachSlider takes: the occupied set, or attack sets.
 template <int Side, typename Sliders>
 MoveEntry* PieceCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
     const uint64_t enemy = pos.bb[Side ^ 1][0];
@@ -122,6 +127,7 @@ MoveEntry* PieceCaptures(const Position& pos, Sliders sliders, MoveEntry* list) 
     return AddTargets(list, pos, king, BB_KingRays[king] & enemy);
 }
 
+// Per pawn: straight on, to the left, to the right.
 template <int Side>
 MoveEntry* Promotions(const Position& pos, bool all, MoveEntry* list) {
     uint64_t pawns = pos.bb[Side][PAWN] & BB_r7[Side];
@@ -155,6 +161,7 @@ MoveEntry* Castlings(const Position& pos, MoveEntry* list) {
     return list;
 }
 
+// In the order of the row, a double step right behind its single step. Pawns on the seventh rank promote elsewhere.
 template <int Side>
 MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     constexpr int step = pawn_dir[Side];
@@ -174,6 +181,7 @@ MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     return list;
 }
 
+// Pawns to king, and castling last.
 template <int Side, typename Sliders>
 MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
     const uint64_t empty = ~Occupied(pos);
@@ -200,6 +208,8 @@ MoveEntry* AllMoves(const Position& pos, MoveEntry* list) {
     return NonCaptures<Side>(pos, std::as_const(sets).data(), list);
 }
 
+// The squares from which each type would check are found once, from the king; then each piece is asked which of them it
+// reaches. A side without a piece of a kind isn't asked at all.
 template <int Side>
 MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     const uint64_t occ = Occupied(pos);
@@ -210,6 +220,7 @@ MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     const uint64_t bishop_sq = BishopsAndQueens(pos, Side) ? GenAttacksB(ksq, occ) & empty : 0;
     const uint64_t rook_sq = RooksAndQueens(pos, Side) ? GenAttacksR(ksq, occ) & empty : 0;
     const uint64_t pawn_sq = BB_PawnRays[Side ^ 1][ksq] & empty;
+    // Single steps alone: a double step that checks is left to the full search.
     uint64_t pawns = Backward<Side>(pawn_sq) & pos.bb[Side][PAWN];
     while (pawns) {
         const Square from = PopLSB(&pawns);
@@ -217,6 +228,7 @@ MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     }
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
         list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & knight_sq);
+    // Most sliders reach no such square on any board, and for them no attack set is made.
     for (const uint8_t* sq = rows[BISHOP].data(); *sq != NO_SQUARE; ++sq)
         if (BB_BishopRays[*sq] & bishop_sq)
             list = AddQuiets(list, pos, *sq, GenAttacksB(*sq, occ) & bishop_sq);
@@ -280,6 +292,7 @@ bool MoveIsPossible(Position* pos, Move move) {
 }
 
 void PickNextMove(MoveEntry* list) {
+    // A list that is used up has no second entry to look at.
     MoveEntry* best = list;
     if (list->move == END_OF_LIST)
         return;

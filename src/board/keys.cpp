@@ -11,6 +11,7 @@ std::array<uint64_t, 66> rtable2;
 
 namespace {
 
+// State of the generator: the sequence goes on wherever it was left.
 uint32_t seed = 54321;
 
 // The first value drawn is the high half.
@@ -36,6 +37,7 @@ uint32_t myrand() {
     return seed;
 }
 
+// A key that is too close to an earlier one is given up for the next. The second table isn't tested.
 void FillKeyTables() {
     assert(NobodySearches());
     int count = 0;

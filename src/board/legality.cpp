@@ -13,6 +13,9 @@ bool CastlingIsLegal(const Position& pos, Side side, Square from, Square to) {
     return !SqAtakd(pos, from, side ^ 1) && !SqAtakd(pos, to, side ^ 1) && !SqAtakd(pos, (from + to) >> 1, side ^ 1);
 }
 
+// The set of one square, or of none.
+uint64_t BitIfAny(Square sq) { return sq == NO_SQUARE ? 0 : Bit(sq); }
+
 // True if a piece of `type` of the side attacks the enemy king from `to`, which kings never do.
 bool GivesDirectCheck(int type, Side side, Square to, Square ksq, uint64_t occ) {
     const bool diagonal = (BB_BishopRays[to] >> ksq) & 1;
@@ -41,7 +44,7 @@ bool MoveIsLegal(const Position& pos, Side side, Move move) {
     const Square from = FromSquare(move);
     const Square to = ToSquare(move);
     assert(pos.bb[side][0] & Bit(from));
-    // The king must be safe where it will be.
+    // The king must be safe where it will be. A king that goes two files castles.
     Square king = KingSquare(pos, side);
     if (from == king) {
         const int files = FileOf(to) - FileOf(from);
@@ -51,13 +54,13 @@ bool MoveIsLegal(const Position& pos, Side side, Move move) {
     }
     // The board as it would be: the mover on its new square, what it takes gone. Its own type set stays as it is, since
     // nobody asks which of its own pieces attack.
-    const auto& enemy = pos.bb[side ^ 1];
     uint64_t taken = 0;
     if (pos.board[to])
         taken = Bit(to);
-    else if (to == pos.ep_square && pos.board[from] == PieceCode(side, PAWN) && RelativeRank(side, to) == 5)
-        taken = Bit(to - pawn_dir[side]) & enemy[PAWN];
-    const uint64_t occ = (pos.bb[side][0] ^ (Bit(from) | Bit(to))) | (enemy[0] & ~taken);
+    else if (to == pos.ep_square && pos.board[from] == PieceCode(side, PAWN))
+        taken = BitIfAny(EnPassantVictim(pos, side, to));
+    const uint64_t occ = (pos.bb[side][0] ^ (Bit(from) | Bit(to))) | (pos.bb[side ^ 1][0] & ~taken);
+    // Whoever is taken attacks no more; whoever stands behind the mover's old square, or behind the king's, does.
     return (SteppersAt(pos, side ^ 1, king) & ~taken) == 0 &&
            !AnySees(SlidersTowards(pos, side ^ 1, king) & ~taken, king, occ);
 }
@@ -69,6 +72,7 @@ LegalityContext MakeLegalityContext(const Position& pos, Side side, bool in_chec
     if (!in_check)
         return {PinnedToKing(pos, side) | own_king, ALL_SQUARES};
     const uint64_t occ = Occupied(pos);
+    // In check, pins still hold, and besides the move has to deal with the checker.
     uint64_t tested = own_king;
     uint64_t checkers = SteppersAt(pos, side ^ 1, king);
     // The squares on which a slider's check can be blocked. Of two such checks only one is kept, but then none matters.
@@ -97,6 +101,7 @@ CheckContext MakeCheckContext(const Position& pos, Side side) {
     // Seen from the king: a piece checks from where its like on the king's square would attack.
     const uint64_t diagonal = GenAttacksB(ksq, occ);
     const uint64_t straight = GenAttacksR(ksq, occ);
+    // Own pieces alone; an enemy's may go as well, but not by a move of ours.
     const uint64_t discoverers = LoneBlockers(SlidersTowards(pos, side, ksq), ksq, occ) & pos.bb[side][0];
     return {{0, BB_PawnRays[side ^ 1][ksq], BB_KnightRays[ksq], diagonal, straight, diagonal | straight, 0, 0},
             discoverers};

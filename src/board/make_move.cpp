@@ -52,6 +52,7 @@ void PushRecord(Position* pos, Move move, int captured) {
     ++pos->ply;
 }
 
+// What both kinds of move have in common on the way back. The record stays readable until the next move is made.
 const UndoRecord& PopRecord(Position* pos) {
     assert(pos->game_ply > 0 && pos->ply > 0);
     --pos->game_ply;
@@ -68,8 +69,8 @@ const UndoRecord& PopRecord(Position* pos) {
 // The victim stands beside the pawn's old square. On a set-up board there may be none: then it is a plain move.
 template <int Side>
 void TakeEnPassant(Position* pos, Square to, UndoRecord* record) {
-    const Square victim = to - pawn_dir[Side];
-    if (RelativeRank(Side, to) != 5 || pos->board[victim] != PieceCode(Side ^ 1, PAWN))
+    const Square victim = EnPassantVictim(*pos, Side, to);
+    if (victim == NO_SQUARE)
         return;
     UpdateHash(pos, Side ^ 1, PAWN, victim);
     RemovePiece(pos, victim);
@@ -111,6 +112,8 @@ void CastleRook(Position* pos, Square from, Square to, UndoRecord* record) {
     record->special = UNDO_CASTLED;
 }
 
+// The record is written first, from the position as it was; the board follows piece by piece, its keys with it. Side to
+// move, rights and en passant square are in no key: GetFullHash folds them in.
 template <int Side>
 void Make(Position* pos, Move move) {
     const Square to = ToSquare(move);
@@ -128,6 +131,7 @@ void Make(Position* pos, Move move) {
         ++pos->fifty;
     pos->stm = Side ^ 1;
 
+    // What is taken goes before the mover comes, so that no square ever holds two.
     if (captured) {
         UpdateHash(pos, Side ^ 1, captured, to);
         RemovePiece(pos, to);
@@ -147,6 +151,7 @@ void Make(Position* pos, Move move) {
     }
 }
 
+// The reverse, after the record's word on what was really done. A piece that comes back goes to the end of its row.
 template <int Side>
 void Unmake(Position* pos) {
     const UndoRecord& record = PopRecord(pos);
@@ -171,11 +176,13 @@ void Unmake(Position* pos) {
     pos->pawn_hash = record.pawn_hash;
 }
 
+// Tells the tracer, if there is one, of a move before it is made.
 void Trace(const Position& pos, Move move) {
     if (const MoveHook hook = trace_hook.load(std::memory_order_relaxed)) [[unlikely]]
         hook(pos, move);
 }
 
+// All forms of the board are compared after each step of a build that wants it.
 #ifdef VREL_CHECK_BOARD
 void CheckBoard(const Position& pos) { assert(PositionIsConsistent(pos)); }
 #else

@@ -46,7 +46,7 @@ bool MoveIsPawnPush(const Position& pos, Side side, const MoveEntry& entry) {
         return false;
     const Square to = ToSquare(entry.move);
     const int rank = RelativeRank(side, to);
-    if (rank >= 6)
+    if (rank >= SEVENTH_RANK)
         return true;
     return rank >= 4 && (BB_PawnSpan[side][to] & pos.bb[side ^ 1][PAWN]) == 0;
 }
@@ -56,14 +56,16 @@ bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
     const auto& enemy = pos.bb[side ^ 1];
     const Square from = FromSquare(entry.move);
     const Square to = ToSquare(entry.move);
+    // The squares around the enemy king, none if it has gone.
     const uint64_t area = BB_KingRays[KingSquare(pos, side ^ 1)];
     switch (TypeOf(entry.piece)) {
         case PAWN:
             return (BB_PawnRays[side][to] & (area | enemy[KNIGHT] | enemy[BISHOP] | enemy[ROOK] | enemy[QUEEN])) != 0;
         case KNIGHT:
-            return (BB_KnightRays[to] & (area | enemy[ROOK] | enemy[QUEEN])) != 0;
+            return (BB_KnightRays[to] & (area | RooksAndQueens(pos, side ^ 1))) != 0;
+        // A slider threatens what it didn't see before, or helps another piece against the king.
         case BISHOP:
-            return SeesNewPrey(enemy[ROOK] | enemy[QUEEN], BB_BishopRays, from, to, Occupied(pos)) ||
+            return SeesNewPrey(RooksAndQueens(pos, side ^ 1), BB_BishopRays, from, to, Occupied(pos)) ||
                    MoveAttacksKingArea(pos, BISHOP, from, to, area);
         case ROOK:
             return SeesNewPrey(enemy[QUEEN], BB_RookRays, from, to, Occupied(pos)) ||
@@ -78,6 +80,7 @@ bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
 bool MoveAttacksKingArea(const Position& pos, int type, Square from, Square to, uint64_t area) {
     assert(type >= BISHOP && type <= QUEEN);
     const Side side = pos.stm;
+    // A queen is asked along both kinds of line.
     return (type != BISHOP && AddsAttack(pos, side, from, to, area, BB_RookRays, RooksAndQueens(pos, side))) ||
            (type != ROOK && AddsAttack(pos, side, from, to, area, BB_BishopRays, BishopsAndQueens(pos, side)));
 }

@@ -36,6 +36,7 @@ void ClearBoard(Position* pos) {
             row[0] = NO_SQUARE;
 }
 
+// A row is closed anew behind each piece that it takes in; the sums follow.
 void AddPiece(Position* pos, Side side, int piece, Square sq) {
     const int type = piece & 7;
     assert(pos->board[sq] == 0 && type >= PAWN && type <= KING);
@@ -77,6 +78,7 @@ void MovePiece(Position* pos, Side side, Square from, Square to) {
     pos->board[from] = 0;
     Row& row = pos->plist[side][type];
     const Vector squares = LoadVector(row.data());
+    // The place that holds the old square takes the new one.
     StoreVector(row.data(), Select(EqualBytes(squares, FillVector(from)), FillVector(to), squares));
     const uint64_t both = Bit(from) | Bit(to);
     pos->bb[side][0] ^= both;
@@ -84,10 +86,11 @@ void MovePiece(Position* pos, Side side, Square from, Square to) {
 }
 
 bool PositionIsConsistent(const Position& pos) {
-    for (int side = 0; side < 2; ++side) {
+    for (const Side side : {WHITE, BLACK}) {
         uint64_t all = 0;
         uint32_t msig = 0;
         int npv = 0;
+        // Each row against the squares of the board, and what it holds against the set of its type.
         for (int type = PAWN; type <= KING; ++type) {
             uint64_t set = 0;
             const Row& row = pos.plist[side][type];
@@ -105,13 +108,14 @@ bool PositionIsConsistent(const Position& pos) {
                 return false;
             all |= set;
             msig += static_cast<uint32_t>(n) * msig_unit[type];
-            npv += static_cast<int>(n) * npv_unit[type];
+            npv += n * npv_unit[type];
         }
         if (all != pos.bb[side][0] || msig != pos.msig[side] || npv != pos.npv[side])
             return false;
     }
+    // Nothing may stand on the board that is in no row, and nothing on "no square".
     int pieces = 0;
-    for (int sq = 0; sq < 64; ++sq)
+    for (Square sq = 0; sq < 64; ++sq)
         pieces += pos.board[sq] != 0;
     return pieces == CountBits(Occupied(pos)) && (pos.bb[WHITE][0] & pos.bb[BLACK][0]) == 0 && pos.board[64] == 0;
 }

@@ -26,8 +26,13 @@ constexpr int PieceCode(Side side, int type) { return side * 8 + type; }
 constexpr int TypeOf(int code) { return code & 7; }
 constexpr Side SideOf(int code) { return (code >> 3) & 1; }
 
-// Rank index counted from the side's own back rank.
+// Rank index counted from the side's own back rank, and the names of two ranks counted so.
+inline constexpr int SIXTH_RANK = 5;
+inline constexpr int SEVENTH_RANK = 6;
 constexpr int RelativeRank(Side side, Square sq) { return (sq ^ flip_sq[side]) >> 3; }
+
+// Where a pawn of the side on that file promotes.
+constexpr Square PromotionSquare(Side side, int file) { return (56 + file) ^ flip_sq[side]; }
 
 // A move: to-square in bits 0-5, from-square in bits 8-13, at most one promotion bit. 0 is no move (and a null move).
 using Move = uint16_t;
@@ -157,6 +162,13 @@ inline uint64_t Occupied(const Position& pos) { return pos.bb[WHITE][0] | pos.bb
 // Pieces of a side that move along diagonals, and along ranks and files.
 inline uint64_t BishopsAndQueens(const Position& pos, Side side) { return pos.bb[side][BISHOP] | pos.bb[side][QUEEN]; }
 inline uint64_t RooksAndQueens(const Position& pos, Side side) { return pos.bb[side][ROOK] | pos.bb[side][QUEEN]; }
+
+// Square of the enemy pawn that an en passant capture to `to` takes. NO_SQUARE if there is none: a position that has
+// been set up may tell of a double step that can't have been made.
+inline Square EnPassantVictim(const Position& pos, Side side, Square to) {
+    const Square victim = to - pawn_dir[side];
+    return RelativeRank(side, to) == SIXTH_RANK && pos.board[victim] == PieceCode(side ^ 1, PAWN) ? victim : NO_SQUARE;
+}
 
 // Square of the side's king, NO_SQUARE if it has none.
 inline Square KingSquare(const Position& pos, Side side) { return pos.plist[side][KING][0]; }

@@ -9,6 +9,7 @@ std::array<std::atomic<SearchThread*>, MAX_THREADS + 1> ThreadData;
 
 namespace {
 
+// A slot without a record has no worker.
 bool IsSearching(const SearchThread* thread) {
     return thread != nullptr && thread->work_flag.load(std::memory_order_acquire) == WORK_SEARCH;
 }
@@ -32,7 +33,7 @@ int InitNewThread(int id) {
     thread->seed = 123u * static_cast<uint32_t>(id);
     thread->pos.undo = thread->undo.data();
     thread->pos.frames = thread->frames.data();
-    // The lists begin at the root; the frame before it has none, and no child is made there.
+    // The frame before the root, which the root looks back at, has no list of its own.
     thread->frames[0].first = thread->move_stack.data();
     thread->frames[1].first = thread->move_stack.data();
     thread->pos.ply = 1;
@@ -40,6 +41,7 @@ int InitNewThread(int id) {
         for (auto& row : rows)
             row[0] = NO_SQUARE;
     thread->pos.ep_square = NO_SQUARE;
+    // Whoever finds the record finds it complete.
     ThreadData[id].store(thread, std::memory_order_release);
     return 0;
 }

@@ -62,9 +62,6 @@ bool HasMinorOrRook(const Position& pos, Side side) {
     return (pos.msig[side] & SignatureMask(KNIGHT, BISHOP, ROOK)) != 0;
 }
 
-// Where a pawn of the side on that file promotes.
-Square PromotionSquare(Side side, int file) { return (56 + file) ^ flip_sq[side]; }
-
 // All pawns of the strong side on one rook file, the weak king in front of them, and no bishop that commands the
 // promotion corner.
 bool IsWrongCorner(const Position& pos, Side strong) {

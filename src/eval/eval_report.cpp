@@ -22,6 +22,7 @@ namespace {
     *text += line.data();
 }
 
+// A line of squares, or nothing at all for an empty set.
 void AppendSquares(std::string* text, const char* title, uint64_t set) {
     if (set == 0)
         return;
@@ -47,6 +48,7 @@ std::string Surplus(const Position& pos, Side side) {
     return text;
 }
 
+// The table of the terms; the report's shares don't add up to "pos" exactly, since each is rounded by itself.
 void AppendTerms(std::string* text, const Position& pos, const EvalReport& report) {
     *text += "           white    black     diff\n";
     AppendRow(text, "mtl=", report.report_mtl);
@@ -86,6 +88,7 @@ void AppendBoard(std::string* text, const Position& pos, const EvalReport& repor
 
 }  // namespace
 
+// The figures as a whole, then what hangs and is pinned, the terms, and the board with its shares.
 std::string EvalReportText(const Position& pos, const EvalReport& report, int eval, int qscore) {
     std::string text = "\n";
     Append(&text, "eval= %d, qscore= %d, stage= %d, draw_adj= %0.2f\n\n", eval, qscore, report.report_stage,

@@ -5,7 +5,8 @@
 
 #include "board/eval_records.h"
 
-// Tables that InitEval derives from Personality. Written between searches, read by all threads.
+// Tables that InitEval derives from Personality. Written between searches, read by all threads. All values are
+// centipawns.
 namespace vrel {
 
 // Material by count; every type has room for the fifteen pieces that a side can have of it.
@@ -21,7 +22,7 @@ extern std::array<int16_t, 65> KingOpening, KingEnding;  // a missing king score
 extern std::array<int16_t, 8> PP_ADVANCE;                                     // passed pawn by relative rank
 extern std::array<int16_t, 16> KnightMobility, BishopMobility, RookMobility;  // by squares in the mobility area
 extern std::array<int16_t, 32> QueenMobility;
-extern std::array<int16_t, 32> KingDanger;
+extern std::array<int16_t, 32> KingDanger;  // by the danger index of a king, see KingSafety
 
 // The same values as pairs, laid out for the terms: material by type and count, piece-square values by side, type
 // and real square, mobility by type and count.

@@ -48,7 +48,8 @@ int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending
     }
 }
 
-// Material of one side and what it says about the stage of the game.
+// Material of one side and what it says about the stage of the game. The tables hold the bishop pair and what spare
+// heavy pieces lose; no other imbalance counts.
 template <int Side>
 [[gnu::always_inline]] inline void EvalMaterial(EvalContext* ctx) {
     const Position& pos = *ctx->pos;
@@ -98,12 +99,14 @@ template <int Side>
 // Everything that stands on the board, in the one order that fills the context rightly.
 template <bool Root>
 [[gnu::always_inline]] inline void EvalTerms(EvalContext* ctx) {
+    // What asks the board itself.
     EvalPassedPawns<WHITE, Root>(ctx);
     EvalPassedPawns<BLACK, Root>(ctx);
     EvalPawnRace(ctx);
     EvalBlockedPawns<WHITE>(ctx);
     EvalBlockedPawns<BLACK>(ctx);
 
+    // What builds the attack sets, pawns and kings first: each piece sees what those before it attack.
     StartAttackSets<WHITE>(ctx);
     StartAttackSets<BLACK>(ctx);
     StartSquareSets<WHITE>(ctx);
@@ -117,6 +120,7 @@ template <bool Root>
     EvalPieces<WHITE, QUEEN, Root>(ctx);
     EvalPieces<BLACK, QUEEN, Root>(ctx);
 
+    // What needs them complete.
     EvalKing<WHITE, Root>(ctx);
     EvalKing<BLACK, Root>(ctx);
     EvalHungPieces<WHITE>(ctx);
@@ -134,7 +138,7 @@ template <bool Root>
     }
 }
 
-// Blends opening and ending, for the side to move.
+// Blends opening and ending, for the side to move, who is worth a little more. The sums are 16-bit fields.
 [[gnu::always_inline]] inline int BlendedScore(const EvalContext& ctx) {
     const int op = OpeningOf(ctx.material[WHITE]) + OpeningOf(ctx.score[WHITE]) - OpeningOf(ctx.material[BLACK]) -
                    OpeningOf(ctx.score[BLACK]);
@@ -192,6 +196,7 @@ int Compute(SearchThread* thread, Side side, PlyFrame* frame, uint64_t key, Eval
     EvalMaterial<BLACK>(&ctx);
     // More force than at the start is still an opening.
     ctx.stage = std::max(LAST_STAGE - ctx.weight[WHITE] - ctx.weight[BLACK], 0);
+    // The pawns' own sums are what the other terms add to.
     ctx.pawn = ProbePawns<Root>(thread, ctx.stage, ctx.report);
     ctx.score = ctx.pawn->score;
     ctx.race_rank = {0, 0};
@@ -243,6 +248,7 @@ int Evaluate(SearchThread* thread, Side side, Ply ply, bool in_check) {
     // At the root the report has to be complete, however often the position has been there.
     if (root)
         return Compute<true>(thread, side, frame, key, entry);
+    // The key tells who is to move; the side is compared as well, for the price of a byte.
     if (entry->key == key && entry->side == side) {
         thread->eval_hits.Add(1);
         RecallEval(*entry, frame);

@@ -94,6 +94,7 @@ template <int Side>
     constexpr int Enemy = Side ^ 1;
     constexpr uint64_t centre = 0x0000001818000000ULL;  // d4, e4, d5, e5
     int en = 0;
+    // Each file between the king and the nearest file with a pawn of either side costs.
     const int files = ctx->pawn->pawn_files[WHITE] | ctx->pawn->pawn_files[BLACK];
     if (files) {
         en -= 6 * std::max(leftbit[files] - FileOf(king), 0);

@@ -47,7 +47,7 @@ template <int Side, bool Root>
 
     // Whether the enemy king is outside of the pawn's square, and whether its own king guards its way.
     const Square front = sq + pawn_dir[Side];
-    const Square promo = Side == WHITE ? 56 + FileOf(sq) : FileOf(sq);
+    const Square promo = PromotionSquare(Side, FileOf(sq));
     const int to_move = ctx->side == Side ? 1 : 0;
     const Square own_king = ctx->king_sq[Side];
     const Square enemy_king = ctx->king_sq[Enemy];
@@ -64,7 +64,7 @@ template <int Side, bool Root>
     const int value = PP_ADVANCE[rank];
     const int next_value = PP_ADVANCE[rank + 1];
     int base = value;
-    if (rank == 6 && !free) {
+    if (rank == SEVENTH_RANK && !free) {
         // On the seventh a capture is as good as a free path.
         if (BB_PawnRays[Side][sq] & pos.bb[Enemy][0]) {
             base += next_value / 4;

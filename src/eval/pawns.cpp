@@ -9,6 +9,7 @@ namespace vrel {
 
 namespace {
 
+// What the terms of a pawn look at, by side.
 struct PawnSets {
     PerSide pawns;
     PerSide attack_span;
@@ -34,6 +35,7 @@ int CandidateBonus(const PawnSets& sets, Square sq, int rank) {
     return CountBits(sentries) <= CountBits(partners) ? (rank - 2) * Personality.pawn_candidate : 0;
 }
 
+// One pawn's share. Where the kings and the pieces are plays no part.
 template <int Side>
 ScorePair EvalPawn(const PawnSets& sets, Square sq) {
     constexpr int Enemy = Side ^ 1;
@@ -50,7 +52,8 @@ ScorePair EvalPawn(const PawnSets& sets, Square sq) {
     if (own & (FILE_A << file) & ~bit)
         both += Personality.pawn_doubled;
 
-    // Unsupported: no neighbour level or behind can ever cover the square ahead. On the last rank there is none.
+    // Unsupported: no neighbour level or behind can ever cover the square ahead. On the last rank there is none. The
+    // three reasons add up.
     if ((Forward<Side>(bit) & sets.attack_span[Side]) == 0) {
         if (rank <= 3)
             both += Personality.pawn_backward;
@@ -60,8 +63,10 @@ ScorePair EvalPawn(const PawnSets& sets, Square sq) {
             both += Personality.pawn_weak;
     }
 
+    // A passed pawn is judged with the pieces, at every evaluation. Any other is worth more when it is defended, and
+    // when it may still become one.
     if ((bit & sets.passed[Side]) == 0) {
-        if (own & BB_PawnRays[Enemy][sq]) {  // defended
+        if (own & BB_PawnRays[Enemy][sq]) {
             both += 4;
             if (bit & kAdvancedCentre<Side>)
                 score += MakePair((bit & sets.attack_span[Enemy]) ? 3 : 7, 0);
@@ -75,12 +80,13 @@ ScorePair EvalPawn(const PawnSets& sets, Square sq) {
 // Bit f: a member of the set on file f.
 uint8_t FilesOf(uint64_t set) { return static_cast<uint8_t>(FillSouth(set) & RANK_1); }
 
+// All pawns of a side, and the files that hold some. At the root each one's share goes into the report.
 template <int Side, bool Root>
 void EvalPawns(const PawnSets& sets, PawnHashEntry* entry, [[maybe_unused]] int stage,
                [[maybe_unused]] EvalReport* report) {
     ScorePair sum = 0;
     for (uint64_t left = sets.pawns[Side]; left;) {
-        const int sq = PopLSB(&left);
+        const Square sq = PopLSB(&left);
         const ScorePair score = EvalPawn<Side>(sets, sq);
         sum += score;
         if constexpr (Root)
@@ -92,6 +98,7 @@ void EvalPawns(const PawnSets& sets, PawnHashEntry* entry, [[maybe_unused]] int 
     entry->home_files[Side] = FilesOf(sets.pawns[Side] & BBHB[Side]);
 }
 
+// The sets of both sides by a few shifts, then pawn by pawn.
 template <bool Root>
 void ComputeEntry(const Position& pos, PawnHashEntry* entry, int stage, EvalReport* report) {
     const uint64_t wp = pos.bb[WHITE][PAWN];
@@ -102,6 +109,7 @@ void ComputeEntry(const Position& pos, PawnHashEntry* entry, int stage, EvalRepo
     PawnSets sets;
     sets.pawns = {wp, bp};
     sets.attack_span = {Sideways(wf), Sideways(bf)};
+    // Nothing before it, nothing that could attack its way. A neighbour on the same rank doesn't stop it.
     sets.passed = {wp & ~(bf | sets.attack_span[BLACK]), bp & ~(wf | sets.attack_span[WHITE])};
 
     entry->key = pos.pawn_hash;

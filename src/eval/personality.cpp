@@ -14,6 +14,7 @@ PersonalityRecord DefaultPersonality;
 
 namespace {
 
+// A row of the list with the field that it stands for.
 struct Weight {
     const char* name;
     int16_t PersonalityRecord::*field;
@@ -46,6 +47,7 @@ constexpr bool TunedWeightsComeFirst() {
 }
 static_assert(TunedWeightsComeFirst());
 
+// Null for a name that is in no row.
 const Weight* FindRow(const char* name) {
     for (const Weight& weight : kWeights)
         if (std::strcmp(weight.name, name) == 0)
@@ -72,6 +74,7 @@ int ReductionOther(Depth depth, int number) {
 }  // namespace
 
 void InitPersonality() {
+    // The plain fields carry their defaults; margins and tables follow formulas.
     PersonalityRecord p;
     for (Depth d = 0; d < 8; ++d) {
         p.RP_margin[d] = Narrow(100 + 75 * d);

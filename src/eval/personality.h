@@ -72,6 +72,7 @@ enum WeightUse : int { DESCENT = 1, KEYWORD = 2, BOTH = DESCENT | KEYWORD };
     ROW(LMP_depth, 4)         \
     ROW(LMR_depth, 3)
 
+// All weights and settings; a copy is a player of a match.
 struct PersonalityRecord {
 #define VREL_FIELD(name, value, use) int16_t name = value;
     VREL_WEIGHTS(VREL_FIELD)

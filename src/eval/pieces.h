@@ -110,6 +110,7 @@ template <int Side>
     } else if (attacks & ctx->knight_checks[Enemy]) {
         ctx->king_attackers[Enemy] += 1;
     }
+    // On an outpost, better still if a pawn covers it; and another in reach counts half.
     if (bit & ctx->outpost[Side]) {
         score += MakePair(Personality.knight_outpost, 0);
         if (bit & ctx->attacks[PAWN][Side])
@@ -170,14 +171,14 @@ template <int Side>
     } else if (attacks & (ctx->king_lines[Enemy] | ctx->rook_checks[Enemy])) {
         ctx->king_attackers[Enemy] += 1;
     }
+    // Without an own pawn its file is open, or half open if there is one of the enemy. With one, it may be shut in.
     if ((ctx->pawn->pawn_files[Side] >> file & 1) == 0) {
-        // No own pawn: half open if there is an enemy's.
         const bool half_open = ctx->pawn->pawn_files[Enemy] >> file & 1;
         score += BothPair(half_open ? Personality.rook_half_open_file : Personality.rook_open_file);
     } else if (moves <= 4 && (BBTF[sq] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
         score += MakePair(Personality.rook_trapped, 0);
     }
-    if (RelativeRank(Side, sq) == 6 && ctx->rank7_target[Side])
+    if (RelativeRank(Side, sq) == SEVENTH_RANK && ctx->rank7_target[Side])
         score += BothPair(Personality.rook_rank7);
     return score;
 }
@@ -206,7 +207,7 @@ template <int Side>
         ctx->king_attackers[Enemy] += 2;
     else if (attacks & (ctx->king_lines[Enemy] | ctx->bishop_checks[Enemy] | ctx->rook_checks[Enemy]))
         ctx->king_attackers[Enemy] += 1;
-    if (RelativeRank(Side, sq) == 6 && ctx->rank7_target[Side])
+    if (RelativeRank(Side, sq) == SEVENTH_RANK && ctx->rank7_target[Side])
         score += BothPair(Personality.queen_rank7);
     return score;
 }
@@ -214,6 +215,7 @@ template <int Side>
 // All pieces of one side and type. The order of the list matters for queens: see JoinAttacks.
 template <int Side, int Type, bool Root>
 [[gnu::always_inline]] inline void EvalPieces(EvalContext* ctx) {
+    // The sum of the pieces joins the side's sums at the end, so that it can stay in a register.
     ScorePair sum = 0;
     for (const uint8_t* entry = ctx->pos->plist[Side][Type].data(); *entry != NO_SQUARE; ++entry) {
         const Square sq = *entry;

@@ -20,6 +20,7 @@ template <int Side>
     const uint64_t pawns = ctx->attacks[PAWN][Enemy];
     const uint64_t minors = pawns | ctx->attacks[KNIGHT][Enemy] | ctx->attacks[BISHOP][Enemy];
     const uint64_t rooks = minors | ctx->attacks[ROOK][Enemy];
+    // Without cover anything attacked hangs.
     uint64_t hung = (attacked & ~ctx->attacks[0][Side]) | ((own[KNIGHT] | own[BISHOP]) & pawns) | (own[ROOK] & minors) |
                     (own[QUEEN] & rooks);
     // Pawns that attack each other are left to the search, covered or not.

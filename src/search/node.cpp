@@ -39,7 +39,6 @@ struct Node {
 
 int FailHard(int value, int a, int b) { return value <= a ? a : std::min(value, b); }
 
-
 void ResetFrame(const Node& node, Move* pv) {
     PlyFrame* frame = node.frame;
     frame->depth = Narrow(node.depth);
