@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/narrow.h"
+
 namespace vrel {
 
 namespace {
@@ -14,8 +16,8 @@ namespace {
 // field does.
 constexpr double HIGHEST = 2147483647.0;
 
-int16_t Narrow(double score) {
-    return static_cast<int16_t>(static_cast<int>(std::clamp(score, -HIGHEST, HIGHEST)));  // cut towards zero
+int16_t ScoreField(double score) {
+    return Narrow(static_cast<int>(std::clamp(score, -HIGHEST, HIGHEST)));  // cut towards zero
 }
 
 bool IsDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
@@ -25,7 +27,7 @@ int ScoreOfEval(const char* text, bool black) {
     if (*text == '\0' || *text == ',')
         return UNREADABLE_SCORE;
     const auto score = static_cast<double>(std::strtol(text, nullptr, 10));
-    return Narrow(black ? -score : score);
+    return ScoreField(black ? -score : score);
 }
 
 // "+0.35/12": pawns from the mover's view, and the depth.
@@ -33,7 +35,7 @@ int ScoreOfPawns(const char* text) {
     const char* number = *text == '+' || *text == '-' ? text + 1 : text;
     if (!IsDigit(*number))
         return UNREADABLE_SCORE;
-    return Narrow(std::strtod(text, nullptr) * 100);
+    return ScoreField(std::strtod(text, nullptr) * 100);
 }
 
 }  // namespace

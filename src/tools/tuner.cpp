@@ -32,7 +32,7 @@ using Vector = std::array<double, TUNED_WEIGHTS>;
 // "tune.log" while a tuning runs.
 File fdtune;
 
-int16_t Narrow(double value) {
+int16_t NearestWeight(double value) {
     constexpr double low = std::numeric_limits<int16_t>::min();
     constexpr double high = std::numeric_limits<int16_t>::max();
     return static_cast<int16_t>(static_cast<int>(std::clamp(std::round(value), low, high)));
@@ -66,7 +66,7 @@ void ImproveWeight(int index, double e0, double* x) {
     int16_t* weight = TunedWeight(&Personality, index);
     const int16_t p = *weight;
     const double d = std::abs(p) * RELATIVE_STEP + OFFSET;
-    *weight = Narrow(p + std::round(d));
+    *weight = NearestWeight(p + std::round(d));
     const int p1 = *weight;
     const double e1 = Analyze_EPD_File(false);
     *weight = p;
@@ -80,7 +80,7 @@ void ImproveWeight(int index, double e0, double* x) {
 // The new values take effect together, once all slopes are known.
 void ApplyWeights(const Vector& x) {
     for (int i = 0; i < TUNED_WEIGHTS; ++i)
-        *TunedWeight(&Personality, i) = Narrow(x[i]);
+        *TunedWeight(&Personality, i) = NearestWeight(x[i]);
 }
 
 void WriteWeights() {
