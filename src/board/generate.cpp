@@ -205,6 +205,40 @@ MoveEntry* AllMoves(const Position& pos, MoveEntry* list) {
 }
 
 template <int Side>
+MoveEntry* PawnMoves(const Position& pos, MoveEntry* list) {
+    list = PawnCaptures<Side>(pos, list);
+    list = Promotions<Side>(pos, true, list);
+    return PawnPushes<Side>(pos, list);
+}
+
+// Attack set of a piece from knight to queen.
+uint64_t AttacksOf(int type, int sq, uint64_t occ) {
+    switch (type) {
+        case KNIGHT:
+            return BB_KnightRays[sq];
+        case BISHOP:
+            return GenAttacksB(sq, occ);
+        case ROOK:
+            return GenAttacksR(sq, occ);
+        default:
+            return GenAttacksB(sq, occ) | GenAttacksR(sq, occ);
+    }
+}
+
+template <int Side>
+MoveEntry* PieceMoves(const Position& pos, int type, uint64_t targets, MoveEntry* list) {
+    const uint8_t* row = pos.plist[Side][type].data();
+    targets &= ~pos.bb[Side][0];
+    if (type == KING) {
+        list = AddTargets(list, pos, *row, BB_KingRays[*row] & targets);
+        return *row == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
+    }
+    for (; *row != NO_SQUARE; ++row)
+        list = AddTargets(list, pos, *row, AttacksOf(type, *row, Occupied(pos)) & targets);
+    return list;
+}
+
+template <int Side>
 MoveEntry* Checks(const Position& pos, MoveEntry* list) {
     const uint64_t occ = Occupied(pos);
     const uint64_t empty = ~occ;
@@ -250,6 +284,14 @@ MoveEntry* GeneratePromotions(const Position& pos, int side, bool all, MoveEntry
 
 MoveEntry* GenerateNonCaptures(const Position& pos, int side, MoveEntry* list) {
     return side == WHITE ? NonCaptures<WHITE>(pos, Occupied(pos), list) : NonCaptures<BLACK>(pos, Occupied(pos), list);
+}
+
+MoveEntry* GeneratePawnMoves(const Position& pos, int side, MoveEntry* list) {
+    return side == WHITE ? PawnMoves<WHITE>(pos, list) : PawnMoves<BLACK>(pos, list);
+}
+
+MoveEntry* GeneratePieceMoves(const Position& pos, int side, int type, uint64_t targets, MoveEntry* list) {
+    return side == WHITE ? PieceMoves<WHITE>(pos, type, targets, list) : PieceMoves<BLACK>(pos, type, targets, list);
 }
 
 MoveEntry* GenerateChecks(const Position& pos, int side, MoveEntry* list) {
