@@ -208,6 +208,40 @@ MoveEntry* AllMoves(const Position& pos, MoveEntry* list) {
     return NonCaptures<Side>(pos, std::as_const(sets).data(), list);
 }
 
+template <int Side>
+MoveEntry* PawnMoves(const Position& pos, MoveEntry* list) {
+    list = PawnCaptures<Side>(pos, list);
+    list = Promotions<Side>(pos, true, list);
+    return PawnPushes<Side>(pos, list);
+}
+
+// Attack set of a piece from knight to queen.
+uint64_t AttacksOf(int type, int sq, uint64_t occ) {
+    switch (type) {
+        case KNIGHT:
+            return BB_KnightRays[sq];
+        case BISHOP:
+            return GenAttacksB(sq, occ);
+        case ROOK:
+            return GenAttacksR(sq, occ);
+        default:
+            return GenAttacksB(sq, occ) | GenAttacksR(sq, occ);
+    }
+}
+
+template <int Side>
+MoveEntry* PieceMoves(const Position& pos, int type, uint64_t targets, MoveEntry* list) {
+    const uint8_t* row = pos.plist[Side][type].data();
+    targets &= ~pos.bb[Side][0];
+    if (type == KING) {
+        list = AddTargets(list, pos, *row, BB_KingRays[*row] & targets);
+        return *row == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
+    }
+    for (; *row != NO_SQUARE; ++row)
+        list = AddTargets(list, pos, *row, AttacksOf(type, *row, Occupied(pos)) & targets);
+    return list;
+}
+
 // The squares from which each type would check are found once, from the king; then each piece is asked which of them it
 // reaches. A side without a piece of a kind isn't asked at all.
 template <int Side>
@@ -257,6 +291,14 @@ MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntr
 
 MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? NonCaptures<WHITE>(pos, Occupied(pos), list) : NonCaptures<BLACK>(pos, Occupied(pos), list);
+}
+
+MoveEntry* GeneratePawnMoves(const Position& pos, Side side, MoveEntry* list) {
+    return side == WHITE ? PawnMoves<WHITE>(pos, list) : PawnMoves<BLACK>(pos, list);
+}
+
+MoveEntry* GeneratePieceMoves(const Position& pos, Side side, int type, uint64_t targets, MoveEntry* list) {
+    return side == WHITE ? PieceMoves<WHITE>(pos, type, targets, list) : PieceMoves<BLACK>(pos, type, targets, list);
 }
 
 MoveEntry* GenerateChecks(const Position& pos, Side side, MoveEntry* list) {

@@ -12,6 +12,10 @@ MoveEntry* GeneratePieceCaptures(const Position& pos, Side side, MoveEntry* list
 MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntry* list);
 // Quiet moves, castling included, promotions excluded.
 MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list);
+// For a reader of moves: all moves of the pawns; those of the pieces of one type, knight to king, to a set of squares,
+// with the castlings whatever the set.
+MoveEntry* GeneratePawnMoves(const Position& pos, Side side, MoveEntry* list);
+MoveEntry* GeneratePieceMoves(const Position& pos, Side side, int type, uint64_t targets, MoveEntry* list);
 // Quiet moves that give direct check.
 MoveEntry* GenerateChecks(const Position& pos, Side side, MoveEntry* list);
 

@@ -1,14 +1,11 @@
 #include "book/book_build.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "board/fen.h"
-#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_buffer.h"
@@ -17,31 +14,25 @@
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
-#include "interface/words.h"
+#include "interface/pgn_text.h"
 #include "platform/file.h"
 
 namespace vrel {
 
 namespace {
 
+constexpr const char* kGamesName = "book.pgn";
+
 constexpr int64_t FLUSH = 200;   // games
 constexpr int64_t MERGE = 5000;  // games
 constexpr int BOOK_PLIES = 50;   // of each game
 
-// Characters of a line that are read at a time; a longer line counts as several.
-constexpr size_t LINE_LENGTH = 254;
-
-enum Winner : int { WHITE_WON = WHITE, BLACK_WON = BLACK, NOBODY_WON = 2 };
-
-// Where the reader of the games stands.
+// The book that is being built, and the game in work.
 struct Builder {
     BookBuffer buffer;
     Position* pos;
+    FollowedGame followed;
     int64_t games;
-    int64_t comments;    // open braces
-    int64_t variations;  // open parentheses
-    bool skip;           // the rest of the game can't be read
-    int winner;
 };
 
 void FlushBuffer(Builder* builder) {
@@ -50,101 +41,47 @@ void FlushBuffer(Builder* builder) {
     ClearBuffer(&builder->buffer);
 }
 
-void StartGame(Builder* builder, const char* line) {
-    SetPosition(builder->pos, fen_opn);
-    builder->winner = std::strstr(line, "1-0") ? WHITE_WON : std::strstr(line, "0-1") ? BLACK_WON : NOBODY_WON;
+void CountGame(Builder* builder) {
     ++builder->games;
     if (builder->games % FLUSH == 0)
         FlushBuffer(builder);
     if (builder->games % MERGE == 0)
         MergeBook();
-    builder->comments = 0;
-    builder->variations = 0;
-    builder->skip = false;
 }
 
 // Counts the game for the position on the board.
-void CountPosition(Builder* builder) {
+void CountPosition(Builder* builder, int winner) {
     const int side = builder->pos->stm;
-    UpdatePosHash(*builder->pos);
+    FollowPosHash(&builder->followed, *builder->pos);
     BookRecord* record = FindOrInsert(&builder->buffer, BookKey(side), hash2);
     if (record == nullptr)
         return;
-    uint16_t& counter = builder->winner == NOBODY_WON ? record->draws
-                        : builder->winner == side     ? record->wins
-                                                      : record->losses;
+    uint16_t& counter = winner == NOBODY_WON ? record->draws : winner == side ? record->wins : record->losses;
     ++counter;
 }
 
-// The part of a word behind a move number and other signs: from the first letter, or from the 0 of a castling. Null
-// if there is none.
-const char* MoveWithin(const char* word) {
-    for (; *word; ++word)
-        if (IsLetter(*word) || (word[0] == '0' && word[1] == '-'))
-            return word;
-    return nullptr;
-}
-
-void ReadMove(Builder* builder, const char* word) {
-    const char* start = MoveWithin(word);
-    if (start == nullptr)
-        return;
-    std::array<char, LINE_LENGTH + 2> text;  // reading may make it one character longer
-    const size_t length = std::min(std::strlen(start), LINE_LENGTH);
-    std::memcpy(text.data(), start, length);
-    text[length] = 0;
+// False if the game is over for the book: the text can't be read, or it was the last one that counts.
+bool ReadMove(Builder* builder, std::string_view text, int winner) {
+    MoveAsRead read;
     Move move;
-    if (!IsValidMove(text.data(), &move)) {
-        builder->skip = true;
-        builder->variations = 0;
-        return;
-    }
+    if (!ReadMoveText(text, &move, &read))
+        return false;
     PlayGameMove(builder->pos, move);
-    CountPosition(builder);
+    CountPosition(builder, winner);
+    return builder->pos->game_ply < BOOK_PLIES;
 }
 
-void ReadWord(Builder* builder, const char* word) {
-    switch (word[0]) {
-        case ';':
-        case '$':
-            return;
-        case '{':
-            ++builder->comments;
-            return;
-        case '}':
-            --builder->comments;
-            return;
-        case '(':
-            ++builder->variations;
-            return;
-        case ')':
-            --builder->variations;
-            return;
-        default:
-            if (builder->comments == 0 && builder->variations == 0)
-                ReadMove(builder, word);
-    }
-}
-
-void ReadLine(Builder* builder, const char* line) {
-    if (std::strstr(line, "[Result"))
-        StartGame(builder, line);
-    if (builder->comments == 0 && (line[0] == '[' || line[0] == ';'))
-        return;
-    for (const char* word = NextWord(line); word != nullptr; word = NextWord(nullptr)) {
-        if (builder->skip || builder->pos->game_ply >= BOOK_PLIES)
-            return;
-        ReadWord(builder, word);
-    }
-}
-
-void ReadGames(Builder* builder, File* pgn) {
-    std::array<char, LINE_LENGTH + 1> line;
-    while (pgn->ReadLine(line.data(), static_cast<int>(line.size()))) {
-        // The last character goes, which is the line end where the line has been read to its end.
-        if (const size_t length = std::strlen(line.data()))
-            line[length - 1] = 0;
-        ReadLine(builder, line.data());
+void ReadGames(Builder* builder, File* file) {
+    PgnReader pgn(file, kGamesName, PGN_FOR_BOOK);
+    for (PgnItem item = pgn.Next(); item != PGN_END; item = pgn.Next()) {
+        if (item == PGN_GAME) {
+            CountGame(builder);
+        } else if (item == PGN_START) {
+            SetUpGame(builder->pos, pgn.game());
+            builder->followed = {};
+        } else if (item == PGN_MOVE && !ReadMove(builder, pgn.text(), pgn.game().winner)) {
+            pgn.SkipGame();
+        }
     }
 }
 
@@ -157,11 +94,10 @@ void CreateBook() {
     if (builder == nullptr)
         return;
     builder->pos = GamePosition();
-    builder->winner = NOBODY_WON;
     DeleteFile(kBookName);
     // A run left behind by a builder that was broken off belongs to no book.
     DeleteFile(kRunName);
-    File pgn("book.pgn", "r");
+    File pgn(kGamesName, "r");
     if (!pgn)
         return;
     ReadGames(builder.get(), &pgn);

@@ -64,4 +64,23 @@ void UpdatePosHash(const Position& pos) {
     hash2 += pos.ep_square;
 }
 
+void FollowPosHash(FollowedGame* game, const Position& pos) {
+    const auto count = [game](int code, int sq) {
+        game->first[SideOf(code)] ^= kPieceHash.first[code][sq];
+        game->second ^= kPieceHash.second[code][sq];
+    };
+    // No move leaves a square to its side with another piece on it, so that the sets tell all that has changed. Code 0,
+    // the empty square, adds nothing to either hash.
+    uint64_t changed = (game->sets[WHITE] ^ pos.bb[WHITE][0]) | (game->sets[BLACK] ^ pos.bb[BLACK][0]);
+    game->sets = {pos.bb[WHITE][0], pos.bb[BLACK][0]};
+    while (changed) {
+        const int sq = PopLSB(&changed);
+        count(game->board[sq], sq);
+        count(pos.board[sq], sq);
+        game->board[sq] = pos.board[sq];
+    }
+    hash1 = game->first[pos.stm];
+    hash2 = game->second + pos.ep_square;
+}
+
 }  // namespace vrel

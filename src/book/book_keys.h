@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "board/position.h"
@@ -29,6 +30,17 @@ extern uint16_t hash1;  // of the pieces of the side to move
 extern uint32_t hash2;  // of all pieces and the en passant square
 
 void UpdatePosHash(const Position& pos);
+
+// What is remembered of a game to hash its positions one after the other; fresh for each game.
+struct FollowedGame {
+    std::array<uint8_t, 64> board{};  // codes on the board as it was last
+    std::array<uint64_t, 2> sets{};   // the squares of either side there
+    std::array<uint16_t, 2> first{};  // first hash of either side's pieces
+    uint32_t second = 0;              // second hash, the pieces' part
+};
+
+// The same as UpdatePosHash for the next position of a game, from what its move has changed.
+void FollowPosHash(FollowedGame* game, const Position& pos);
 
 // `hash1` with the side to move in its highest bit.
 inline uint16_t BookKey(int side) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
 
 #include "interface/move_text.h"
 #include "interface/numbers.h"
@@ -80,17 +81,17 @@ Move ReadBestMove(const char* line) {
     const char* operand = FindOperand(line, "bm");
     if (operand == nullptr)
         return NO_MOVE;
-    const char* end = operand + std::strcspn(operand, ";");
-    while (operand < end && IsSpace(*operand))
-        ++operand;
-    while (operand < end && IsSpace(end[-1]))
-        --end;
-    // A promotion gets one character longer when it is read.
-    std::array<char, EPD_LINE + 1> text{};
-    std::copy(operand, end, text.begin());
+    std::string_view text(operand, std::strcspn(operand, ";"));
+    while (!text.empty() && IsSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && IsSpace(text.back()))
+        text.remove_suffix(1);
+    if (std::any_of(text.begin(), text.end(), IsSpace))
+        return NO_MOVE;
+    text = text.substr(0, text.find_first_of("!?#"));
+    MoveAsRead read;
     Move move = NO_MOVE;
-    const bool one_word = operand < end && std::none_of(operand, end, IsSpace);
-    return one_word && IsValidMove(text.data(), &move) == 1 ? move : NO_MOVE;
+    return !text.empty() && ReadMoveText(text, &move, &read) ? move : NO_MOVE;
 }
 
 File CreateOutput(const char* name, const char* input) {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdint>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/narrow.h"
+#include "interface/numbers.h"
 
 namespace vrel {
 
@@ -16,36 +16,89 @@ namespace {
 // field does.
 constexpr double HIGHEST = 2147483647.0;
 
-int16_t ScoreField(double score) {
-    return Narrow(static_cast<int>(std::clamp(score, -HIGHEST, HIGHEST)));  // cut towards zero
+int16_t Narrow(double score) {
+    return static_cast<int16_t>(static_cast<int>(std::clamp(score, -HIGHEST, HIGHEST)));  // cut towards zero
 }
 
-bool IsDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
+// The latest characters and one more.
+constexpr uint64_t Append(uint64_t characters, char c) { return characters << 8 | static_cast<unsigned char>(c); }
 
-// "[%eval -45,12]": a number of centipawns from white's view.
-int ScoreOfEval(const char* text, bool black) {
-    if (*text == '\0' || *text == ',')
-        return UNREADABLE_SCORE;
-    const auto score = static_cast<double>(std::strtol(text, nullptr, 10));
-    return ScoreField(black ? -score : score);
+// A word of less than eight characters as the latest ones, and the mask of as many.
+struct Ending {
+    uint64_t characters = 0;
+    uint64_t mask = 0;
+
+    constexpr explicit Ending(std::string_view word) {
+        for (const char c : word) {
+            characters = Append(characters, c);
+            mask = mask << 8 | 0xff;
+        }
+    }
+    constexpr bool Ends(uint64_t latest) const { return (latest & mask) == characters; }
+};
+constexpr Ending kBook("book");
+constexpr Ending kEval("eval ");
+
+void AddToEval(GameComment* comment, std::string_view part) {
+    const size_t end = part.find(',');
+    comment->in_eval = end == std::string_view::npos;
+    part = part.substr(0, end);
+    comment->empty_eval = comment->empty_eval && part.empty();
+    if (comment->eval.length == 0)
+        part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
+    comment->eval.Add(part);
+}
+
+// "[%eval -45,12]", "[%eval -0.45]": from white's view, centipawns or, with a point, pawns.
+std::optional<int16_t> ScoreOfEval(const GameComment& comment, bool black) {
+    const char* text = comment.eval.characters.data();
+    if (comment.empty_eval || *text == '#')
+        return std::nullopt;
+    TextStart number;
+    number.Add({text, std::strspn(text, "+-0123456789.")});
+    const char* digits = number.characters.data();
+    const double score = std::strchr(digits, '.') != nullptr ? std::round(ReadDecimal(digits) * 100)
+                                                             : static_cast<double>(std::strtol(digits, nullptr, 10));
+    return Narrow(black ? -score : score);
 }
 
 // "+0.35/12": pawns from the mover's view, and the depth.
-int ScoreOfPawns(const char* text) {
+std::optional<int16_t> ScoreOfPawns(const char* text) {
     const char* number = *text == '+' || *text == '-' ? text + 1 : text;
-    if (!IsDigit(*number))
-        return UNREADABLE_SCORE;
-    return ScoreField(std::strtod(text, nullptr) * 100);
+    if (!std::isdigit(static_cast<unsigned char>(*number)))
+        return std::nullopt;
+    return Narrow(ReadDecimal(text) * 100);
 }
 
 }  // namespace
 
-int ScoreOfComment(const char* comment, bool black) {
-    if (std::strstr(comment, "book") != nullptr)
+void AddToComment(GameComment* comment, std::string_view part) {
+    comment->start.Add(part);
+    if (comment->in_eval)
+        AddToEval(comment, part);
+    uint64_t latest = comment->last_characters;
+    bool has_book = comment->has_book;
+    bool has_slash = comment->has_slash;
+    for (size_t i = 0; i < part.size(); ++i) {
+        latest = Append(latest, part[i]);
+        has_book |= kBook.Ends(latest);
+        has_slash |= part[i] == '/';
+        if (kEval.Ends(latest) && !comment->has_eval) {
+            comment->has_eval = true;
+            AddToEval(comment, part.substr(i + 1));
+        }
+    }
+    comment->last_characters = latest;
+    comment->has_book = has_book;
+    comment->has_slash = has_slash;
+}
+
+std::optional<int16_t> ScoreOfComment(const GameComment& comment, bool black) {
+    if (comment.has_book)
         return 0;
-    if (const char* eval = std::strstr(comment, "eval "))
-        return ScoreOfEval(eval + std::strlen("eval "), black);
-    return std::strchr(comment, '/') != nullptr ? ScoreOfPawns(comment) : UNREADABLE_SCORE;
+    if (comment.has_eval)
+        return ScoreOfEval(comment, black);
+    return comment.has_slash ? ScoreOfPawns(comment.start.characters.data()) : std::nullopt;
 }
 
 }  // namespace vrel

@@ -2,15 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <string>
+#include <cassert>
+#include <optional>
+#include <string_view>
 
+#include "board/search_thread.h"
 #include "eval/eval_tables.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
+#include "interface/pgn_text.h"
 #include "tools/epd_file.h"
 #include "tools/game_comment.h"
 #include "tools/scanned_game.h"
@@ -19,102 +19,86 @@ namespace vrel {
 
 namespace {
 
-constexpr int PGN_LINE = 255;  // room for a line; the rest of a longer one is the next line
 constexpr int REPORT_INTERVAL = 100;
-constexpr size_t LONGEST_COMMENT = 65536;
+
+bool Holds(std::string_view line, std::string_view what) { return line.find(what) != std::string_view::npos; }
 
 // One pass over a PGN file.
 class Scanner {
 public:
     Scanner(File* out, int kind) : out_(out), kind_(kind) {}
 
-    void Line(const char* line) {
-        if (line[0] == '[' && line[1] != '%')
-            Tag(line);
-        else
-            MoveTextLine(line);
-    }
-
-    void Finish() {
+    void Scan(PgnReader* pgn) {
+        for (PgnItem item = pgn->Next(); item != PGN_END; item = pgn->Next())
+            Take(item, *pgn);
         EndGame();
         out_->WriteText("\n");
         Print("games= %d, positions= %d\n", games_, positions_);
     }
 
 private:
-    // A tag ends the moves of the game before.
-    void Tag(const char* line) {
-        EndGame();
-        depth_ = 0;
-        comment_.clear();
-        if (kind_ == SCAN_LISTING) {
-            out_->WriteText(line);
-            if (std::strstr(line, "Round ") != nullptr)
+    void Take(PgnItem item, const PgnReader& pgn) {
+        switch (item) {
+            case PGN_GAME:
+                EndGame();
+                break;
+            case PGN_TAG:
+                TakeTag(pgn);
+                break;
+            case PGN_START:
+                SetUpGame(GamePosition(), pgn.game());
+                winner_ = pgn.game().winner;
+                break;
+            case PGN_MOVE:
+                StartMove(pgn.text());
+                break;
+            case PGN_COMMENT:
+                AddToComment(&comment_, pgn.text());
+                break;
+            case PGN_COMMENT_END:
+                EndComment();
+                break;
+            default:
+                break;
+        }
+    }
+
+    void TakeTag(const PgnReader& pgn) {
+        if (scan_kinds[kind_ - 1].lists_games) {
+            const std::string_view line = pgn.line_as_it_stands();
+            out_->Write(line.data(), line.size());
+            out_->WriteText("\n");
+            if (Holds(pgn.line(), "Round "))
                 out_->Print("[Tag \"game_%d\"]\n", games_);
         }
-        if (std::strstr(line, "Event ") != nullptr && ++games_ % REPORT_INTERVAL == 0)
+        if (Holds(pgn.line(), "Event ") && ++games_ % REPORT_INTERVAL == 0)
             Print("game %d\n", games_);
-        if (std::strstr(line, "Result ") != nullptr)
-            winner_ = WinnerOf(line);
     }
 
-    static int WinnerOf(const char* line) {
-        const char* quote = std::strchr(line, '"');
-        if (quote == nullptr)
-            return NOBODY_WON;
-        const std::string result(quote + 1, std::strcspn(quote + 1, "\""));
-        if (result.find("1-0") != std::string::npos)
-            return WHITE_WON;
-        return result.find("0-1") != std::string::npos ? BLACK_WON : NOBODY_WON;
-    }
-
-    void MoveTextLine(const char* line) {
-        while (*line) {
-            if (*line == '{') {
-                ++depth_;
-                ++line;
-            } else if (depth_ > 0) {
-                line = Comment(line);
-            } else if (std::isalpha(static_cast<unsigned char>(*line))) {
-                const size_t length = std::strcspn(line, " \t\r\n");
-                StartMove(line, length);
-                line += length;
-            } else {
-                ++line;
-            }
-        }
-    }
-
-    // One character inside of braces; returns the next one.
-    const char* Comment(const char* line) {
-        if (*line == '}') {
-            if (--depth_ == 0)
-                EndComment();
-        } else if (comment_.size() < LONGEST_COMMENT) {
-            comment_ += *line == '\n' ? ' ' : *line;
-        }
-        return line + 1;
-    }
-
-    void EndComment() {
-        // Beyond the last move that is held, comments have nothing to belong to.
-        if (count_ > 0 && count_ <= SCANNED_MOVES) {
-            const bool black = (count_ & 1) == 0;
-            moves_[static_cast<size_t>(count_ - 1)].score =
-                static_cast<int16_t>(ScoreOfComment(comment_.c_str(), black));
-        }
-        comment_.clear();
-    }
-
-    void StartMove(const char* text, size_t length) {
+    void StartMove(std::string_view text) {
+        ClearComment(&comment_);
+        scored_ = false;
         if (count_ <= SCANNED_MOVES)
             ++count_;
         if (count_ > SCANNED_MOVES)
             return;
-        ScannedMove& move = moves_[static_cast<size_t>(count_ - 1)];
+        ScannedMove& move = moves_[count_ - 1];
         move.text.fill('\0');
-        std::copy_n(text, std::min(length, move.text.size() - 1), move.text.begin());
+        std::copy_n(text.begin(), std::min(text.size(), move.text.size() - 1), move.text.begin());
         move.score = NO_COMMENT;
+    }
+
+    // A comment that tells no score leaves that of one before it.
+    void EndComment() {
+        const int side = (GamePosition()->stm + count_ - 1) & 1;
+        const std::optional<int16_t> score = ScoreOfComment(comment_, side == BLACK);
+        ClearComment(&comment_);
+        // Before the first and beyond the last move that is held, comments have nothing to belong to.
+        if (count_ == 0 || count_ > SCANNED_MOVES)
+            return;
+        if (score || !scored_)
+            moves_[count_ - 1].score = score.value_or(UNREADABLE_SCORE);
+        scored_ = scored_ || score;
     }
 
     void EndGame() {
@@ -131,28 +115,26 @@ private:
     int games_ = 0;
     int positions_ = 0;
     int winner_ = NOBODY_WON;
-    int64_t depth_ = 0;  // of braces
-    int count_ = 0;      // moves of the game; SCANNED_MOVES + 1 if there are more
-    std::string comment_;
+    int count_ = 0;        // moves of the game; SCANNED_MOVES + 1 if there are more
+    bool scored_ = false;  // a comment has given the last move its score
+    GameComment comment_;
     std::array<ScannedMove, SCANNED_MOVES> moves_;
 };
 
 }  // namespace
 
 void Scan_PGN_File(const char* file, int kind) {
+    assert(kind >= 1 && kind <= SCAN_KINDS);
     File in(file, "r");
     if (!in)
         return;
-    File out = CreateOutput(kind == SCAN_LISTING ? "tmp.pgn" : "tmp.epd", file);
+    File out = CreateOutput(scan_kinds[kind - 1].output, file);
     if (!out)
         return;
     InitEval();
     PBlock.log = 0;
-    Scanner scanner(&out, kind);
-    std::array<char, PGN_LINE> line;
-    while (in.ReadLine(line.data(), PGN_LINE))
-        scanner.Line(line.data());
-    scanner.Finish();
+    PgnReader pgn(&in, file);
+    Scanner(&out, kind).Scan(&pgn);
 }
 
 }  // namespace vrel

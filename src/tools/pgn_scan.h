@@ -2,7 +2,8 @@
 
 namespace vrel {
 
-// Reads a PGN of engine games: kind 1 writes an annotated listing, 2 and 3 training positions.
+// Reads a PGN of engine games and writes what a kind of scan, 1 to SCAN_KINDS, makes of them: an annotated listing or
+// training positions. The position of the game record is lost.
 void Scan_PGN_File(const char* file, int kind);
 
 }  // namespace vrel

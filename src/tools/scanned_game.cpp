@@ -1,10 +1,12 @@
 #include "tools/scanned_game.h"
 
 #include <algorithm>
+#include <cassert>
+#include <charconv>
 #include <cmath>
-#include <cstddef>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "board/attacks.h"
 #include "board/fen.h"
@@ -13,6 +15,7 @@
 #include "board/search_thread.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
+#include "interface/pgn_text.h"
 #include "tools/expected_result.h"
 
 namespace vrel {
@@ -38,14 +41,7 @@ constexpr double RESULT_SHARE = 0.75;
 
 constexpr int LAST_POSITION = 200;
 constexpr int DECIDED_SCORE = 500;
-
-struct Game {
-    const ScannedMove* moves;
-    int count;
-    int winner;
-
-    int score(int i) const { return moves[i].score; }
-};
+constexpr int ANY_SCORE = 32768;
 
 bool Within(int score, int limit) { return score >= -limit && score <= limit; }
 
@@ -53,16 +49,15 @@ bool SideInCheck(const Position& pos) { return SqAtakd(pos, KingSquare(pos, pos.
 
 // Reads a move and leaves its text as the reader has brought it into shape.
 bool ReadMove(ScannedMove* entry, Move* move) {
-    MoveText text{};  // a promotion gets a character longer
-    std::copy(entry->text.begin(), entry->text.end(), text.begin());
-    const bool valid = IsValidMove(text.data(), move) == 1;
-    std::copy_n(text.begin(), entry->text.size() - 1, entry->text.begin());
+    MoveAsRead read{};
+    const bool valid = ReadMoveText(entry->text.data(), move, &read);
+    std::copy_n(read.begin(), entry->text.size() - 1, entry->text.begin());
     return valid;
 }
 
 // The opponent's estimate rose across this move and stayed up, though the mover saw nothing.
-bool IsDoubtful(const Game& game, int i) {
-    if (i <= OPENING_MOVES || i >= game.count - LAST_MOVES || game.winner == (i & 1))
+bool IsDoubtful(const ScannedGame& game, int i) {
+    if (i <= OPENING_MOVES || i >= game.count - LAST_MOVES || game.winner == game.side(i))
         return false;
     if (!Within(game.score(i), EVEN_SCORE))
         return false;
@@ -72,25 +67,40 @@ bool IsDoubtful(const Game& game, int i) {
     return game.score(i + 1) - game.score(i - 1) > NEAR_RISE && game.score(i + 3) - game.score(i - 3) > FAR_RISE;
 }
 
-std::string ScoreText(const Game& game, int i, const Position& pos) {
-    const int score = game.score(i);
-    char text[16] = "";
-    if (score >= NO_SCORE_SHOWN)
-        std::snprintf(text, sizeof text, "%6.2f", (i & 1 ? -score : score) / 100.0);
-    std::string result = text;
-    if (IsDoubtful(game, i)) {
-        char epd[EPD_TEXT];
-        MakeEPD(pos, epd);
-        result += std::string(" ? ") + epd;
-    }
-    return result;
+void AddPadded(std::string* out, std::string_view text, size_t width) {
+    out->append(width - std::min(width, text.size()), ' ').append(text);
 }
 
-void WriteListedMove(File* out, const Game& game, int i, const Position& pos) {
-    char prefix[16] = "     ";
-    if (!(i & 1))
-        std::snprintf(prefix, sizeof prefix, "%3d. ", i / 2 + 1);
-    out->Print("%s %-6s  {%s}\n", prefix, game.moves[i].text.data(), ScoreText(game, i, pos).c_str());
+void AddPosition(std::string* out, const Position& pos) {
+    char epd[EPD_TEXT];
+    MakeEPD(pos, epd);
+    out->append(epd);
+}
+
+// Centipawns as pawns with two places.
+std::string PawnsText(int score) {
+    const int size = std::abs(score);
+    std::string text = score < 0 ? "-" : "";
+    text.append(std::to_string(size / 100));
+    text.append(size % 100 < 10 ? ".0" : ".").append(std::to_string(size % 100));
+    return text;
+}
+
+bool WriteListedMove(std::string* out, const ScannedGame& game, int i, const Position& pos) {
+    if (game.side(i) == WHITE)
+        AddPadded(out, std::to_string(game.plies(i) / 2 + 1) + ". ", 5);
+    else
+        out->append(5, ' ');
+    const std::string_view text = game.moves[i].text.data();
+    out->append(1, ' ').append(text).append(6 - std::min<size_t>(6, text.size()), ' ').append("  {");
+    if (game.score(i) >= NO_SCORE_SHOWN)
+        AddPadded(out, PawnsText(game.side(i) == BLACK ? -game.score(i) : game.score(i)), 6);
+    if (IsDoubtful(game, i)) {
+        out->append(" ? ");
+        AddPosition(out, pos);
+    }
+    out->append("}\n");
+    return false;
 }
 
 // What the game brought the side to move.
@@ -100,57 +110,70 @@ double ResultFor(int side, int winner) {
     return winner == side ? 1.0 : 0.0;
 }
 
-bool WriteTarget(File* out, const Game& game, int i, const Position& pos) {
+// A position before the move that was played, which takes the place of the best one; further operations may follow.
+void WriteLearning(std::string* out, const ScannedGame& game, int i, const Position& pos) {
+    AddPosition(out, pos);
+    out->append(" bm ").append(game.moves[i].text.data());
+    out->append("; ce ").append(std::to_string(game.score(i))).append(";");
+}
+
+bool WriteTarget(std::string* out, const ScannedGame& game, int i, const Position& pos) {
     const int score = game.score(i);
     if (i < FIRST_TARGET || i > LAST_TARGET || pos.fifty > QUIET_PLIES || !Within(score, UNDECIDED_SCORE))
         return false;
-    const double result = ResultFor(i & 1, game.winner);
+    const double result = ResultFor(game.side(i), game.winner);
     const double expected = ExpectedResult(score);
     // The engine's view and the result disagree outright: nothing to learn from.
     if (std::fabs(result - expected) >= 0.5 || SideInCheck(pos))
         return false;
-    char epd[EPD_TEXT];
-    MakeEPD(pos, epd);
-    out->Print("%s bm %s; ce %d; tune %0.3f;\n", epd, game.moves[i].text.data(), score,
-               RESULT_SHARE * result + (1 - RESULT_SHARE) * expected);
+    WriteLearning(out, game, i, pos);
+    const double target = RESULT_SHARE * result + (1 - RESULT_SHARE) * expected;
+    std::array<char, 16> text;
+    const auto end = std::to_chars(text.begin(), text.end(), target, std::chars_format::fixed, 3).ptr;
+    out->append(" tune ").append(text.begin(), end).append(";\n");
     return true;
 }
 
-bool WritePosition(File* out, const Game& game, int i, const Position& pos) {
+bool WritePosition(std::string* out, const ScannedGame& game, int i, const Position& pos) {
     if (i > LAST_POSITION || SideInCheck(pos))
         return false;
-    char epd[EPD_TEXT];
-    MakeEPD(pos, epd);
-    out->Print("%s bm %s; ce %d;\n", epd, game.moves[i].text.data(), game.score(i));
+    WriteLearning(out, game, i, pos);
+    out->append("\n");
     return true;
 }
 
 }  // namespace
 
+const std::array<ScanKind, SCAN_KINDS> scan_kinds = {{
+    {"-scan_pgn1", "FILE\tlist the games of a PGN file with their doubtful moves, in tmp.pgn", "tmp.pgn",
+     WriteListedMove, true, ANY_SCORE, 0},
+    {"-scan_pgn2", "FILE\twrite training positions from a PGN file, in tmp.epd", "tmp.epd", WriteTarget, false,
+     ANY_SCORE, 1},
+    {"-scan_pgn3", "FILE\tthe same without results", "tmp.epd", WritePosition, false, DECIDED_SCORE, 0},
+}};
+
 void ProcessGame(File* out, ScannedMove* moves, int count, int kind, int winner, int* written) {
+    assert(kind >= 1 && kind <= SCAN_KINDS);
+    const ScanKind& row = scan_kinds[kind - 1];
     Position* pos = GamePosition();
-    SetPosition(pos, fen_opn);
     PBlock.noise = SILENT;
     PBlock.use_hash = 0;
-    PBlock.max_depth = kind == SCAN_TARGETS ? 1 : 0;
+    PBlock.max_depth = row.max_depth;
     *written = 0;
-    const Game game = {moves, count, winner};
+    std::string text;
+    const ScannedGame game = {moves, count, winner, pos->stm};
     for (int i = 0; i < count; ++i) {
         Move move = NO_MOVE;
         if (!ReadMove(&moves[i], &move))
             break;
-        if (kind == SCAN_LISTING)
-            WriteListedMove(out, game, i, *pos);
-        else if (kind == SCAN_TARGETS)
-            *written += WriteTarget(out, game, i, *pos);
-        else
-            *written += WritePosition(out, game, i, *pos);
+        *written += row.write(&text, game, i, *pos);
         PlayGameMove(pos, move);
-        if (kind == SCAN_POSITIONS && !Within(moves[i].score, DECIDED_SCORE))
+        if (!Within(moves[i].score, row.decided_score))
             break;
     }
-    if (kind == SCAN_LISTING)
-        out->WriteText("\n");
+    if (row.lists_games)
+        text += '\n';
+    out->Write(text.data(), text.size());
 }
 
 }  // namespace vrel

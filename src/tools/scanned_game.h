@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 
+#include "board/position.h"
 #include "platform/file.h"
 
 // A game of a PGN file with the scores that its moves carry, and what the scanner makes of it.
@@ -15,11 +17,34 @@ struct ScannedMove {
     int16_t score;  // centipawns, as the mover sees it
 };
 
-enum ScanKind : int { SCAN_LISTING = 1, SCAN_TARGETS = 2, SCAN_POSITIONS = 3 };
-enum Winner : int { WHITE_WON = 0, BLACK_WON = 1, NOBODY_WON = 2 };
+struct ScannedGame {
+    const ScannedMove* moves;
+    int count;
+    int winner;
+    int first_side;  // to move at the start
 
-// Replays a game on the game record up to its end or its first unreadable move, and writes what `kind` asks for.
-// `written` receives the number of EPD lines.
+    int score(int i) const { return moves[i].score; }
+    // Plies of which the first is white's, up to the start.
+    int plies(int i) const { return i + first_side; }
+    int side(int i) const { return plies(i) & 1; }
+};
+
+// What a scan makes of the games: a row for each kind, of which kind 1 is the first.
+struct ScanKind {
+    const char* option;  // on the command line
+    const char* help;    // what follows it there, a tab, what it does
+    const char* output;  // file
+    // Adds what is to be said of move `i`, which is about to be made. True if that is a position to learn from.
+    bool (*write)(std::string* out, const ScannedGame& game, int i, const Position& pos);
+    bool lists_games;   // with their tags, an empty line behind each
+    int decided_score;  // centipawns; behind a move with a score beyond it the game ends
+    int8_t max_depth;   // left in PBlock
+};
+inline constexpr int SCAN_KINDS = 3;
+extern const std::array<ScanKind, SCAN_KINDS> scan_kinds;
+
+// Replays a game from the position on the game record up to its end or its first unreadable move, and writes what the
+// kind asks for. `written` receives the number of positions to learn from.
 void ProcessGame(File* out, ScannedMove* moves, int count, int kind, int winner, int* written);
 
 }  // namespace vrel

@@ -54,65 +54,6 @@ std::vector<PlainRecord> SixDraws(size_t plies) {
     return PlainAll(RecordsOf(entries));
 }
 
-TEST_F(BookBuildTest, ReadsTheMovesOutOfWhatSurroundsThem) {
-    const struct {
-        const char* name;
-        std::string text;
-        size_t plies;  // of the line that count
-    } rows[] = {
-        {"plain", "1. e4 e5 2. Nf3 Nc6 3. Bb5 a6 4. O-O 1/2-1/2", 7},
-        {"numbers joined to moves", "1.e4 e5 2.Nf3 2...Nc6 3.Bb5 a6 4.O-O *", 7},
-        {"coordinates and zeros", "e2e4 e7e5 g1f3 b8c6 f1b5 a7a6 4.0-0", 7},
-        {"carriage returns", "1. e4 e5\r\n2. Nf3 Nc6\r\n3. Bb5 a6\r\n4. O-O 1/2-1/2\r", 7},
-        {"comment", "1. e4 {best by test} e5 {d4 is a move} 2. Nf3 Nc6", 4},
-        {"comment over lines", "1. e4 {one\n[two]\n; three\nfour 5. d4\n} e5 2. Nf3 Nc6", 4},
-        {"comments in comments", "1. e4 {a {b} c} e5", 2},
-        {"comment close to moves", "1. e4{x}e5{y}2. Nf3", 3},
-        {"comment never closed", "1. e4 {e5 2. Nf3 Nc6", 1},
-        {"comment closed but not open", "1. e4 } e5 2. Nf3", 1},
-        {"variation", "1. e4 e5 (1... c5 2. Nf3) 2. Nf3 Nc6", 4},
-        {"nested variations", "1. e4 e5 (1... c5 2. Nf3 (2. c3 d5 (2... Nf6)) 2... d6) 2. Nf3", 3},
-        {"variation over lines", "1. e4 (1. d4\nd5 2. c4\n) e5", 2},
-        {"comment in a variation", "1. e4 (1. d4 {or c4}) e5", 2},
-        {"bracket of a variation in a comment", "1. e4 {sad :(} e5 2. Nf3", 1},
-        {"signs by number", "1. e4 $1 e5 $14 $33 2. Nf3", 3},
-        {"word that begins with a semicolon", "1. e4 ;comment\ne5", 2},
-        {"line that begins with a semicolon", "1. e4\n; Nc3 is no move of it\ne5", 2},
-        {"line that begins with a square bracket", "1. e4\n[Annotator \"d4\"]\ne5", 2},
-        {"signs of quality", "1. e4! e5", 0},
-        {"mate sign", "1. e4 e5 2. Nf3# Nc6", 2},
-        {"check sign where none is", "1. e4+ e5 2. Nf3", 3},
-        {"unreadable fifth ply", "1. e4 e5 2. Nf3 Nc6 3. Qxh8 a6 4. O-O", 4},
-        {"illegal first ply", "1. e5 e4 e5", 0},
-        {"result in the middle", "1. e4 e5 0-1 2. Nf3 Nc6", 2},
-        {"other signs", "1. e4 -- ... ?! 1-0 1/2 * e5", 2},
-        {"no moves", "", 0},
-        {"characters beyond ASCII",
-         "1. e4 \xc3\xa9 e\x80"
-         "5 \x01 2. N\x02"
-         "f3",
-         3},
-        {"tabulators are not blanks", "1.\te4 e5", 2},
-        {"zero byte ends the line", std::string("1. e4 ") + '\0' + " e5 2. Nf3\ne5", 2},
-        {"blanks", "     1.     e4          e5    ", 2},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(PlainAll(Build(Repeat(6, Game("1/2-1/2", row.text)))), SixDraws(row.plies)) << row.name;
-}
-
-TEST_F(BookBuildTest, LongLinesCountAsSeveral) {
-    // The first part has 254 characters, of which the last is cut off.
-    const std::string filler = "1. e4 {" + std::string(254 - 7 - 3, 'x');
-    EXPECT_EQ(PlainAll(Build(Repeat(6, Game("*", filler + "} _e5 2. Nf3")))), SixDraws(3));
-    EXPECT_EQ(PlainAll(Build(Repeat(6, Game("*", filler + "} e5 2. Nf3")))), SixDraws(1));
-    EXPECT_EQ(PlainAll(Build(Repeat(6, Game("*", filler + " }e5 2. Nf3")))), SixDraws(1));
-}
-
-TEST_F(BookBuildTest, TheLastLineLosesItsLastCharacterToo) {
-    EXPECT_EQ(PlainAll(Build(Repeat(5, Game("*", "1. e4 e5")) + "[Result \"*\"]\n1. e4 e5")), SixDraws(1));
-    EXPECT_EQ(PlainAll(Build(Repeat(5, Game("*", "1. e4 e5")) + "[Result \"*\"]\n1. e4 e5 ")), SixDraws(2));
-}
-
 TEST_F(BookBuildTest, CountsResultsFromTheSideToMove) {
     // Nine games, as they stand: white wins 4, black wins 3, two without a winner.
     const std::string pgn = Repeat(3, Game("1-0", "1. e4 e5 2. Nf3 Nc6")) + Game("1-0", "1. d4") +
@@ -126,11 +67,6 @@ TEST_F(BookBuildTest, CountsResultsFromTheSideToMove) {
     //   d4   black to move: 1 loss, 1 draw:                 1
     EXPECT_EQ(PlainAll(Build(pgn)),
               PlainAll(RecordsOf({{kLine[0], 3, 3, 1}, {kLine[1], 3, 2, 1}, {kLine[3], 3, 0, 0}})));
-}
-
-TEST_F(BookBuildTest, AResultIsReadFromItsOwnLine) {
-    const std::string pgn = "[White \"0-1\"]\n[Result \"1-0\"]\n[Black \"0-1\"]\n1. e4 e5 0-1\n";
-    EXPECT_EQ(PlainAll(Build(Repeat(3, pgn))), PlainAll(RecordsOf({{kLine[1], 3, 0, 0}})));
 }
 
 TEST_F(BookBuildTest, FiveDrawsGoAndSixStay) {

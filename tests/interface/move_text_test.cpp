@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <cstdlib>
 #include <random>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -284,15 +286,45 @@ Reading ReadSlowly(std::string text) {
     return {count == 1, Text(found), text, count == 2 ? 1 : 0};
 }
 
+// The same by its parts: the legal moves that have all of them, of which there must be one.
+Reading ReadPartsSlowly(const std::string& text) {
+    static const std::regex parts("([KQRBNP]?)([a-h]?)([1-8]?)[-x:]?([a-h][1-8])=?([QRBNqrbn]?)");
+    std::smatch part;
+    const std::string word = text.substr(0, text.find('+'));
+    if (!std::regex_match(word, part, parts))
+        return {0, "null", ""};
+    const std::string from = part.str(2) + part.str(3);
+    Position* pos = GamePosition();
+    std::vector<Move> found;
+    for (const MoveEntry& entry : AllMoves(pos)) {
+        const std::string move = Text(entry.move);  // "e7e8=Q"
+        const char letter = " PNBRQK"[TypeOf(entry.piece)];
+        const bool is_push = letter != 'P' || move[0] == move[2];
+        const bool castles = letter == 'K' && std::abs(move[0] - move[2]) == 2;
+        const char wanted = part.length(1) > 0 ? part.str(1)[0] : from.size() == 2 ? letter : 'P';
+        const char promotion = part.length(5) > 0 ? static_cast<char>(std::toupper(part.str(5)[0])) : 'Q';
+        if (letter == wanted && (part.length(2) == 0 || move[0] == part.str(2)[0]) &&
+            (part.length(3) == 0 || move[1] == part.str(3)[0]) && move.substr(2, 2) == part.str(4) &&
+            (part.length(2) > 0 || is_push) && (!castles || from.size() == 2) &&
+            (move.size() > 4 ? move.back() == promotion : part.length(5) == 0) &&
+            MoveIsLegal(*pos, pos->stm, entry.move))
+            found.push_back(entry.move);
+    }
+    return {found.size() == 1, found.size() == 1 ? Text(found[0]) : "null", ""};
+}
+
 // Every form of every move, and texts made of them by small changes.
 std::vector<std::string> TextsToTry(std::mt19937* random) {
-    static const std::string letters = "abcdefgh12345678xNBRQKPqnrko0O-=+#!";
+    static const std::string letters = "abcdefgh12345678xNBRQKPqnrko0O-=+#!:";
     std::vector<std::string> texts = {"",      "+",     "q",    "B",    "=",    "=Q", "=q+", "x",  "o-o",
                                       "0-0-0", "O-O-O", "o",    "e",    "K",    "ab", "a=b", "Kx", "e8",
                                       "ee",    "exe3",  "\xe9", "null", "a1a1", "--", "0-1"};
     for (const MoveEntry& entry : AllMoves(GamePosition()))
         for (const std::string& form : FormsOf(entry.move)) {
+            const std::string coord = Text(entry.move);
             texts.push_back(form);
+            texts.push_back(" PNBRQK"[TypeOf(entry.piece)] + coord);
+            texts.push_back(coord.substr(0, 2) + "-x:"[RandomBelow(random, 3)] + coord.substr(2));
             std::string changed = form.substr(0, form.find('+'));
             const size_t at = RandomBelow(random, changed.size() + 1);
             const char letter = letters[RandomBelow(random, letters.size())];
@@ -325,6 +357,17 @@ void ExpectReadAsDefined(const std::string& fen, std::mt19937* random) {
         EXPECT_EQ(fast.valid, slow.valid) << fen << " '" << text << "'";
         EXPECT_EQ(fast.move, slow.move) << fen << " '" << text << "'";
         EXPECT_EQ(fast.normalised, slow.normalised) << fen << " '" << text << "'";
+        if (slow.printed != 0)
+            expected_output += "ambiguous move\n";
+        // A text of a game is read in either way.
+        const Reading parts = slow.valid ? slow : ReadPartsSlowly(text);
+        MoveAsRead read;
+        Move move;
+        EXPECT_EQ(ReadMoveText(text, &move, &read), parts.valid) << fen << " '" << text << "'";
+        if (parts.valid) {
+            EXPECT_EQ(Text(move), parts.move) << fen << " '" << text << "'";
+            EXPECT_EQ(read.data(), slow.valid ? slow.normalised : parts.move) << fen << " '" << text << "'";
+        }
         if (slow.printed != 0)
             expected_output += "ambiguous move\n";
     }

@@ -2,21 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <climits>
+#include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "interface/numbers.h"
 
 namespace vrel {
 namespace {
-
-std::vector<std::string> PgnWords(const char* text) {
-    std::vector<std::string> words;
-    for (const char* word = NextWord(text); word != nullptr; word = NextWord(nullptr))
-        words.emplace_back(word);
-    return words;
-}
 
 TEST(GetWord, FindsTheFirstWord) {
     const struct {
@@ -41,29 +35,6 @@ TEST(GetWord, CutsALongWord) {
     EXPECT_EQ(GetWord((std::string(200, 'x') + " y").c_str()), std::string(128, 'x'));
 }
 
-TEST(NextWord, WalksThroughMoveText) {
-    EXPECT_EQ(PgnWords("1. e4 {best} e5"), (std::vector<std::string>{"1.", "e4", "{", "best", "}", "e5"}));
-    EXPECT_EQ(PgnWords("(1...c5)e4 "), (std::vector<std::string>{"(", "1...c5", ")", "e4"}));
-    EXPECT_TRUE(PgnWords("   ").empty());
-    EXPECT_TRUE(PgnWords("").empty());
-}
-
-TEST(NextWord, StaysAtTheEnd) {
-    EXPECT_STREQ(NextWord("e4"), "e4");
-    EXPECT_EQ(NextWord(nullptr), nullptr);
-    EXPECT_EQ(NextWord(nullptr), nullptr);
-}
-
-TEST(NextWord, DropsCharactersThatBelongToNoMove) {
-    EXPECT_EQ(PgnWords("e\t4\x80\xff! x"), (std::vector<std::string>{"e4!", "x"}));
-    EXPECT_EQ(PgnWords("\n"), (std::vector<std::string>{""}));
-}
-
-TEST(NextWord, ReadsOverWhatDoesNotFit) {
-    const std::string text = std::string(1000, 'x') + " e4";
-    EXPECT_EQ(PgnWords(text.c_str()), (std::vector<std::string>{std::string(255, 'x'), "e4"}));
-}
-
 TEST(Numbers, AreReadAsFarAsTheyGoAndBroughtIntoRange) {
     const struct {
         const char* text;
@@ -83,6 +54,14 @@ TEST(Numbers, AreReadAsFarAsTheyGoAndBroughtIntoRange) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(ReadInteger(row.text, row.low, row.high), row.value) << row.text;
+}
+
+TEST(Numbers, DecimalsAreReadToTheLastBit) {
+    for (const char* text :
+         {"0.35", "-1.255", "+0.29/12", "7", "-0.0", "1.", ".5", "1.2.3", "1e2/5", "0x1p4", "", "+", "-x",
+          "123456789012345", "1234567890123456", "0.000000000000001", "99999999999999999999.5", " 2"})
+        EXPECT_EQ(std::bit_cast<uint64_t>(ReadDecimal(text)), std::bit_cast<uint64_t>(std::strtod(text, nullptr)))
+            << text;
 }
 
 TEST(Numbers, AreFinite) {

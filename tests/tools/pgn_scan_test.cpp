@@ -13,6 +13,10 @@
 namespace vrel {
 namespace {
 
+constexpr int SCAN_LISTING = 1;
+constexpr int SCAN_TARGETS = 2;
+constexpr int SCAN_POSITIONS = 3;
+
 class PgnScanTest : public ToolTest {
 protected:
     // The output file's text; what was printed is kept.
@@ -41,6 +45,13 @@ std::string Shuffle(int plies, const std::vector<std::string>& comments) {
     return text;
 }
 
+int Score(std::string_view text, bool black) {
+    GameComment comment;
+    for (const char c : text)  // in parts
+        AddToComment(&comment, std::string_view(&c, 1));
+    return ScoreOfComment(comment, black).value_or(UNREADABLE_SCORE);
+}
+
 TEST(GameComment, ScoresInEveryForm) {
     struct Row {
         const char* comment;
@@ -63,6 +74,16 @@ TEST(GameComment, ScoresInEveryForm) {
                            Row{"eval ", false, UNREADABLE_SCORE},
                            Row{"eval ,3", true, UNREADABLE_SCORE},
                            Row{"eval nothing", false, 0},
+                           Row{"eval  12", false, 12},
+                           Row{"[%eval 0.35] [%clk 1:00,5]", false, 35},
+                           Row{"[%eval 0.125]", true, -13},
+                           Row{"[%eval -0.125]", false, -13},
+                           Row{"[%eval +1.5.5x]", false, 150},
+                           Row{"[%eval 2.]", false, 200},
+                           Row{"[%eval .5]", false, 50},
+                           Row{"[%eval #-3]", false, UNREADABLE_SCORE},
+                           Row{"eval  #3", false, UNREADABLE_SCORE},
+                           Row{"eval 5 eval 6", false, 5},
                            Row{"+M5/10", false, UNREADABLE_SCORE},
                            Row{"+-3/10", false, UNREADABLE_SCORE},
                            Row{" +0.35/12", false, UNREADABLE_SCORE},
@@ -71,22 +92,22 @@ TEST(GameComment, ScoresInEveryForm) {
                            Row{"/", false, UNREADABLE_SCORE},
                            Row{"", false, UNREADABLE_SCORE},
                            Row{"a good move", false, UNREADABLE_SCORE}})
-        EXPECT_EQ(ScoreOfComment(row.comment, row.black), row.score) << row.comment;
+        EXPECT_EQ(Score(row.comment, row.black), row.score) << row.comment;
 }
 
 TEST(GameComment, NumbersOfAnySizeAreDefined) {
     for (const char* comment : {"99999999999999999999/3", "-1e308/3", "eval 99999999999999999999,1",
                                 "eval -2147483648,1", "9223372036854775807/1"}) {
-        ScoreOfComment(comment, true);
-        ScoreOfComment(comment, false);
+        Score(comment, true);
+        Score(comment, false);
     }
-    EXPECT_EQ(ScoreOfComment("400.00/3", false), 40000 - 65536);  // as a field of sixteen bits has it
+    EXPECT_EQ(Score("400.00/3", false), 40000 - 65536);  // as a field of sixteen bits has it
 }
 
 TEST_F(PgnScanTest, ListsTagsAndMoves) {
     const std::string listing = Scan(
         "[Event \"x\"]\n[Round \"1\"]\n[Result \"1-0\"]\n\n1. e4 {+0.20/9} e5 {[%eval 15,3]} 2. Nf3 Nc6 {0.00/3}\n"
-        "3. Bb5 {-0.10/4} a6 {book} 4. O-O?! {x} 1-0\n",
+        "3. Bb5 {-0.10/4} a6 {book} 4. O-OO {x} 1-0\n",
         SCAN_LISTING);
     EXPECT_EQ(listing,
               "[Event \"x\"]\n[Round \"1\"]\n[Tag \"game_1\"]\n[Result \"1-0\"]\n"
@@ -101,20 +122,35 @@ TEST_F(PgnScanTest, ListsTagsAndMoves) {
 }
 
 TEST_F(PgnScanTest, WritesMovesAsTheReaderShapesThem) {
-    const std::string listing =
-        Scan("[Result \"*\"]\n1. e4 a6 2. Bc4 b6 3. Bxf7+ Kxf7 4. Nf3 d6 5. O-O\n", SCAN_LISTING);
-    EXPECT_NE(listing.find("  3.  Bxf7    {}\n"), std::string::npos);
-    EXPECT_NE(listing.find("  5.  o-o     {}\n"), std::string::npos);
+    const std::string listing = Scan(
+        "[Result \"*\"]\n1. e4 a6 2. Bc4! b6 3. Bxf7+ Kxf7 4. Ng1-f3 d6 5. O-O d5 6. exd5 c5 7. dxc6e.p. Nxc6\n"
+        "[FEN \"8/P1P5/8/8/8/4k3/8/4K3 w - -\"]\n1. a7-a8N Kd3 2. c7-c8=Q+\n",
+        SCAN_LISTING);
+    for (const char* line : {"  2.  Bc4     {}\n", "  3.  Bxf7    {}\n", "  4.  g1f3    {}\n", "  5.  o-o     {}\n",
+                             "  7.  dxc6    {}\n", "  1.  a7a8=N  {}\n", "  2.  c7c8=Q  {}\n"})
+        EXPECT_NE(listing.find(line), std::string::npos) << line << listing;
 }
 
-TEST_F(PgnScanTest, ACommentMayRunOverLinesAndBracesNest) {
+TEST_F(PgnScanTest, CountsSidesFromTheStart) {
     const std::string listing = Scan(
-        "[Event \"x\"]\n1. e4 {[\n%eval\n30,9\n]} e5 {a {+1.00/3} b}\n[%eval 5] 2. Nf3 {+0.5\n/7} Nc6 } {+1.25/2}\n",
+        "[Event \"x\"]\r\n [FEN \"4k3/4p3/8/8/8/8/4P3/4K3 b - -\"]\r\n[Round\t\"1\"]\r\n\r\n"
+        "1... e5 {+0.20/9} 2. e4 {[%eval 15,3]} 2... Kd7 {[%eval 0.05]} 3. Kd1 {0.00/1}\r\n",
         SCAN_LISTING);
-    EXPECT_NE(listing.find("e4      {  0.30}"), std::string::npos) << listing;
-    EXPECT_NE(listing.find("e5      {}"), std::string::npos);
-    // The line that begins with "[%" is text of the game, and its word no move.
-    EXPECT_EQ(listing.find("Nf3"), std::string::npos);
+    EXPECT_EQ(listing,
+              "[Event \"x\"]\n [FEN \"4k3/4p3/8/8/8/8/4P3/4K3 b - -\"]\n[Round\t\"1\"]\n[Tag \"game_1\"]\n"
+              "      e5      { -0.20}\n  2.  e4      {  0.15}\n      Kd7     {  0.05}\n  3.  Kd1     {  0.00}\n\n\n");
+}
+
+TEST_F(PgnScanTest, CommentsNestRunOverLinesAndLeaveAScore) {
+    const std::string listing = Scan(
+        "[Event \"x\"]\n1. e4 {[\n%eval\n30,9\n]} {nothing} e5 {a {+1.00/3} b} {a}\n2. Nf3 {+0.5\n/7} {+0.75/8} Nc6 } "
+        "{+1.25/2}(3. a4 {+3.00/1}) {#1} 3. Bb5 {" +
+            std::string(100000, 'x') + "/bo{}ok} a6 {" + std::string(70, '0') + "eval " + std::string(100000, ' ') +
+            "-.5} *\n{+2.00/2}\n",
+        SCAN_LISTING);
+    EXPECT_EQ(listing.substr(listing.find('\n') + 1),
+              "  1.  e4      {  0.30}\n      e5      {}\n  2.  Nf3     {  0.75}\n      Nc6     { -1.25}\n"
+              "  3.  Bb5     {  0.00}\n      a6      { -0.50}\n\n\n");
 }
 
 TEST_F(PgnScanTest, FlagsADoubtfulMove) {

@@ -6,6 +6,7 @@
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "tools/bench.h"
+#include "tools/scanned_game.h"
 
 namespace vrel {
 
@@ -44,6 +45,12 @@ void FixTime(double seconds) {
 void TakeScan(Words* words, CommandLine* line, int kind) {
     TakeFile(words, &line->file, line);
     line->scan_kind = kind;
+}
+
+void ShowUsage(const char* name, const char* help) {
+    const int width = static_cast<int>(std::strcspn(help, "\t"));
+    const std::string usage = name + std::string(" ") + std::string(help, help + width);
+    Print("  %-26s%s\n", usage.c_str(), help + width + 1);
 }
 
 struct Option {
@@ -86,12 +93,7 @@ constexpr Option options[] = {
          TakeFile(words, &PBlock.epd_file, line);
          line->analyse_epd = true;
      }},
-    {"-scan_pgn1", true, "FILE\tlist the games of a PGN file with their doubtful moves, in tmp.pgn",
-     [](Words* words, CommandLine* line) { TakeScan(words, line, 1); }},
-    {"-scan_pgn2", true, "FILE\twrite training positions from a PGN file, in tmp.epd",
-     [](Words* words, CommandLine* line) { TakeScan(words, line, 2); }},
-    {"-scan_pgn3", true, "FILE\tthe same without results",
-     [](Words* words, CommandLine* line) { TakeScan(words, line, 3); }},
+    {nullptr, true, nullptr, nullptr},  // the place of the kinds of scans
     {"-match", true, "FILE\tplay a match of the engine against itself, its games into the file",
      [](Words* words, CommandLine* line) {
          TakeFile(words, &line->file, line);
@@ -117,9 +119,17 @@ constexpr Option options[] = {
 
 const Option* Find(const char* word) {
     for (const Option& option : options)
-        if (std::strcmp(word, option.name) == 0)
+        if (option.name != nullptr && std::strcmp(word, option.name) == 0)
             return &option;
     return nullptr;
+}
+
+// The kind of scan that a word asks for, 0 if it asks for none.
+int FindScanKind(const char* word) {
+    for (int kind = 1; kind <= SCAN_KINDS; ++kind)
+        if (std::strcmp(word, scan_kinds[kind - 1].option) == 0)
+            return kind;
+    return 0;
 }
 
 }  // namespace
@@ -128,9 +138,13 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     CommandLine line;
     Words words = {argc - 1, argv + 1};
     while (words.count > 0) {
-        const Option* option = Find(words.Take());
+        const char* word = words.Take();
+        const Option* option = Find(word);
+        const int scan_kind = FindScanKind(word);
         if (option != nullptr && words.count >= (option->takes_word ? 1 : 0))
             option->apply(&words, &line);
+        else if (scan_kind != 0 && words.count > 0)
+            TakeScan(&words, &line, scan_kind);
     }
     return line;
 }
@@ -139,11 +153,11 @@ void ShowCommandLineHelp() {
     Print("%s, a chess engine. Chess interfaces start it and talk UCI to it; vrel -c talks to a person.\n\n", version);
     Print("usage: vrel [OPTION...]\n\n");
     for (const Option& option : options) {
-        if (option.help == nullptr)
-            continue;
-        const int width = static_cast<int>(std::strcspn(option.help, "\t"));
-        const std::string usage = option.name + std::string(" ") + std::string(option.help, option.help + width);
-        Print("  %-26s%s\n", usage.c_str(), option.help + width + 1);
+        if (option.help != nullptr)
+            ShowUsage(option.name, option.help);
+        if (option.name == nullptr)
+            for (const ScanKind& kind : scan_kinds)
+                ShowUsage(kind.option, kind.help);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "board/fen.h"
 #include "board/generate.h"
@@ -17,6 +18,7 @@
 #include "interface/move_text.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
+#include "interface/pgn_text.h"
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "search/transposition.h"
@@ -27,11 +29,9 @@ namespace {
 
 constexpr int TEXT_LINE = 255;
 constexpr size_t MOVE_WORD = 127;
-constexpr size_t PGN_MOVE = 32;
 constexpr size_t SHORTEST_EPD = 8;
 constexpr int LAST_GAME_NUMBER = 1000;
 constexpr int MOVES_A_LINE = 11;
-constexpr size_t MOST_PENDING = 65536;
 
 // Room for a move's text, which may grow by one character when it is read.
 using MoveBuffer = std::array<char, MOVE_WORD + 2>;
@@ -55,113 +55,71 @@ void TakeBackAll(Position* game) {
         TakeBackGameMove(game);
 }
 
-// Plays the moves of a text; what holds no letter is no move. False at the first that can't be read.
-bool PlayText(Position* game, const std::string& text) {
-    size_t at = 0;
-    while (at < text.size()) {
-        const size_t end = std::min(text.find(' ', at), text.size());
-        const std::string word = text.substr(at, end - at);
-        at = end + 1;
-        const auto first = std::find_if(word.begin(), word.end(), IsLetter);
-        if (first == word.end())
-            continue;
-        MoveBuffer buffer = CutTo(PGN_MOVE, std::string(first, word.end()).c_str());
-        Move move = NO_MOVE;
-        if (!IsValidMove(buffer.data(), &move)) {
-            ShowFormatted("can't parse move '%s'", buffer.data());
-            return false;
-        }
-        PlayGameMove(game, move);
-    }
-    return true;
-}
-
-// A line of a file, or a part of it if it is longer than the buffer.
-struct Piece {
-    std::array<char, TEXT_LINE> text{};
-    bool unfinished = false;  // the rest of the line comes with the next piece
-
-    bool Read(File* in) {
-        const bool any = in->ReadLine(text.data(), TEXT_LINE);
-        const size_t length = std::strlen(text.data());
-        unfinished = length == TEXT_LINE - 1 && text[length - 1] != '\n';
-        return any;
-    }
-    bool Contains(const char* what) const { return std::strstr(text.data(), what) != nullptr; }
+// Which game of a PGN file is wanted. Its text before the first tag is game 0; from there on games are counted, and
+// numbered by their "[Event " tags.
+struct Wanted {
+    int number = 0;  // 0: by count
+    int count = -1;  // -1: none
 };
 
-// Number of the first game with a line that contains the text, -1 if there is none. What stands before the first
-// game counts as game 0.
-int FindGame(File* in, const char* text) {
-    Piece piece;
+bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
+
+// Count of the first game with a line that holds the text, -1 if there is none.
+int FindGame(File* in, const char* name, const char* text) {
+    PgnReader pgn(in, name);
     int count = 0;
-    while (piece.Read(in)) {
-        count += piece.Contains("[Event ");
-        if (piece.Contains(text))
+    for (PgnItem item = pgn.Next(); item != PGN_END; item = pgn.Next()) {
+        count += item == PGN_GAME;
+        if (item == PGN_START)
+            pgn.SkipGame();  // only its lines are looked at
+        if ((item == PGN_TAG || item == PGN_LINE) && Holds(pgn.line(), text))
             return in->Seek(0) ? count : -1;
     }
     return -1;
 }
 
-// The game of a PGN file that is wanted: by number, or the first that holds a text; -1 if there is no such game.
-int ChooseGame(File* in, const char* which) {
-    if (*which == '\0')
-        return 1;
-    if (!IsNumber(which))
-        return FindGame(in, which);
+Wanted ChooseGame(File* in, const char* name, const char* which) {
+    if (*which != '\0' && !IsNumber(which))
+        return {0, FindGame(in, name, which)};
     const int number = ReadInteger(which, 0, LAST_GAME_NUMBER + 1);
-    return number >= 1 && number <= LAST_GAME_NUMBER ? number : 1;
+    return {number >= 1 && number <= LAST_GAME_NUMBER ? number : 1};
 }
 
-// Text of a game outside its comments that hasn't been played yet.
-struct PendingText {
-    std::string text;
-    int depth = 0;  // open brackets, also over lines
+// Plays a move of a text. False, and a word about it, if it can't be read.
+bool PlayMove(Position* game, std::string_view text) {
+    MoveAsRead read;
+    Move move = NO_MOVE;
+    if (ReadMoveText(text, &move, &read)) {
+        PlayGameMove(game, move);
+        return true;
+    }
+    ShowFormatted("can't parse move '%s'", read.data());
+    return false;
+}
 
-    void Append(const char* line) {
-        for (; *line != '\0'; ++line) {
-            if (*line == '{')
-                ++depth;
-            if (depth == 0)
-                text += std::strchr("\t\r\n", *line) ? ' ' : *line;
-            if (*line == '}' && depth > 0 && --depth == 0)
-                text += ' ';
+// Plays the moves of one game, up to the first that can't be read.
+void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) {
+    PgnReader pgn(in, wanted.number ? name : nullptr);  // who searched the file has told what is wrong with it
+    int count = 0;
+    int events = 0;
+    bool found = false;
+    for (PgnItem item = pgn.Next(); item != PGN_END; item = pgn.Next()) {
+        if (item == PGN_GAME && found)
+            return;
+        count += item == PGN_GAME;
+        events += item == PGN_TAG && Holds(pgn.line(), "[Event ");
+        if (item == PGN_START) {
+            found = wanted.number ? events == wanted.number : count == wanted.count;
+            if (found && pgn.game().foreign)
+                Complain("%s: the game follows the rules of another variant", name);
+            else if (found)
+                SetUpGame(game, pgn.game());
+            else
+                pgn.SkipGame();
+        } else if (item == PGN_MOVE && found && !PlayMove(game, pgn.text())) {
+            return;
         }
     }
-
-    // Takes the text out, but for a last word of which more is to come.
-    std::string Take(bool unfinished) {
-        const size_t end = unfinished && text.size() < MOST_PENDING ? text.rfind(' ') + 1 : text.size();
-        std::string taken = text.substr(0, end);
-        text.erase(0, end);
-        return taken;
-    }
-};
-
-// Plays the moves of one game, up to the first that can't be read. The text of a line in which a comment opens waits
-// for the comment's end.
-void ReadGame(File* in, Position* game, int wanted) {
-    Piece piece;
-    PendingText pending;
-    int count = 0;
-    bool starts_line = true;
-    bool is_tag = false;
-    while (count <= wanted && piece.Read(in)) {
-        count += piece.Contains("[Event ");
-        if (starts_line)
-            is_tag = pending.depth == 0 && piece.text[0] == '[';
-        starts_line = !piece.unfinished;
-        if (count != wanted || is_tag)
-            continue;
-        pending.Append(piece.text.data());
-        if (pending.depth > 0 && pending.text.size() < MOST_PENDING)
-            continue;
-        if (!PlayText(game, pending.Take(piece.unfinished)))
-            return;
-    }
-    // The last line may end with the file.
-    if (pending.depth == 0)
-        PlayText(game, pending.Take(false));
 }
 
 }  // namespace
@@ -246,7 +204,7 @@ void LoadGame(const char* file, const char* which) {
     Position* game = GamePosition();
     if (File in(file, "r"); in) {
         SetPosition(game, fen_opn);
-        ReadGame(&in, game, ChooseGame(&in, which));
+        ReadGame(&in, file, game, ChooseGame(&in, file, which));
         game->undo[game->game_ply].move = NO_MOVE;
         ShowBoard(*game);
     }

@@ -1,0 +1,233 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "board/generate.h"
+#include "board/legality.h"
+#include "board/search_thread.h"
+#include "interface/messages.h"
+#include "interface/move_text.h"
+
+namespace vrel {
+
+namespace {
+
+constexpr uint64_t ALL_SQUARES = ~0ULL;
+
+constexpr unsigned PIECES = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN | 1U << KING;
+constexpr unsigned PROMOTIONS = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN;
+constexpr unsigned NO_PROMOTION = 1U << NO_PIECE;
+
+// The sets that a move must fall into.
+struct MoveParts {
+    uint64_t from = ALL_SQUARES;
+    uint64_t to = ALL_SQUARES;
+    unsigned types = 0;                  // bit n: a mover of type n
+    unsigned promotions = NO_PROMOTION;  // bit n: a promotion to type n
+};
+
+bool HasParts(const MoveParts& parts, const MoveEntry& entry) {
+    const int promotion = entry.move & PROMOTION_BITS ? PromotedType(entry.move) : NO_PIECE;
+    return (parts.to & Bit(ToSquare(entry.move))) && (parts.from & Bit(FromSquare(entry.move))) &&
+           (parts.types >> TypeOf(entry.piece) & 1) && (parts.promotions >> promotion & 1);
+}
+
+// Number of legal moves that have the parts and, unless it is null, the text as a form. `result` is the last of them, 0
+// if there is none.
+int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* result) {
+    // Only what the parts name is generated, in the order of all moves.
+    const MoveEntry* entry = pos->frames[pos->ply].first;
+    MoveEntry* end = pos->frames[pos->ply].first;
+    if (parts.types >> PAWN & 1)
+        end = GeneratePawnMoves(*pos, pos->stm, end);
+    for (int type = KNIGHT; type <= KING; ++type)
+        if (parts.types >> type & 1)
+            end = GeneratePieceMoves(*pos, pos->stm, type, parts.to, end);
+    int count = 0;
+    *result = NO_MOVE;
+    for (; entry != end; ++entry) {
+        if (!HasParts(parts, *entry) || (form != nullptr && !HasForm(*pos, entry->move, form)) ||
+            !MoveIsLegal(*pos, pos->stm, entry->move))
+            continue;
+        *result = entry->move;
+        ++count;
+    }
+    return count;
+}
+
+constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr bool IsFile(char c) { return c >= 'a' && c <= 'h'; }
+constexpr bool IsRank(char c) { return c >= '1' && c <= '8'; }
+constexpr bool IsSquare(const char* text) { return IsFile(text[0]) && IsRank(text[1]); }
+constexpr uint64_t SquaresOfFile(char c) { return FILE_A << (c - 'a'); }
+constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * (c - '1'); }
+constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & SquaresOfRank(text[1]); }
+
+// Bit of the type, 0 if the letter is none of a piece.
+constexpr unsigned TypeOfLetter(char letter) {
+    for (int type = PAWN; type <= KING; ++type)
+        if (piece_letters[type] == letter)
+            return 1U << type;
+    return 0;
+}
+
+unsigned TypeOn(const Position& pos, uint64_t square) { return 1U << TypeOf(pos.board[GetLSB(square)]); }
+
+// ---- Reading by forms ----------------------------------------------------------------------------------------------
+
+// Brings a text into the shape of the forms and returns its length: no "+" and nothing behind it, a promotion as
+// "=Q", castling with the letter o. A promotion written without "=" makes it one character longer.
+size_t Normalise(char* text) {
+    size_t length = 0;
+    for (; text[length] != '\0' && text[length] != '+'; ++length)
+        if (text[length] == 'O' || text[length] == '0')
+            text[length] = 'o';
+    if (length > 0) {
+        const char last = ToUpper(text[length - 1]);
+        if (TypeOfLetter(last) & PROMOTIONS) {
+            if (length < 2 || text[length - 2] != '=')
+                text[length++ - 1] = '=';
+            text[length - 1] = last;
+        }
+    }
+    text[length] = '\0';
+    return length;
+}
+
+// The longest text that a form can have: "e7e8=Q".
+constexpr size_t LONGEST_FORM = 6;
+
+// Texts that begin with a file: a square, two files, two squares, or a capture.
+bool PartsOfPawnOrCoordinates(const Position& pos, const char* text, size_t length, MoveParts* parts) {
+    parts->types = 1U << PAWN;
+    if (length == 2) {
+        if (IsRank(text[1])) {
+            parts->to = SquareIn(text);
+            return true;
+        }
+        if (!IsFile(text[1]))
+            return false;
+        parts->from = SquaresOfFile(text[0]);
+        parts->to = SquaresOfFile(text[1]);
+        return true;
+    }
+    if (length != 4 || !IsSquare(text + 2))
+        return false;
+    parts->to = SquareIn(text + 2);
+    if (text[1] == 'x') {
+        parts->from = SquaresOfFile(text[0]);
+        return true;
+    }
+    if (!IsRank(text[1]))
+        return false;
+    parts->from = SquareIn(text);
+    parts->types = TypeOn(pos, parts->from);
+    return true;
+}
+
+// What every move must have in common with a normalised text to have it as a form: a first sieve, behind which the
+// forms are compared. False if the text has the shape of no form at all.
+bool PartsOfForm(const Position& pos, const char* text, size_t length, MoveParts* parts) {
+    // No text is the rank form of every pawn move.
+    if (length == 0) {
+        parts->types = 1U << PAWN;
+        parts->promotions = NO_PROMOTION | PROMOTIONS;
+        return true;
+    }
+    if (length > LONGEST_FORM)
+        return false;
+    if (length >= 2 && text[length - 2] == '=') {
+        parts->promotions = TypeOfLetter(text[length - 1]) & PROMOTIONS;
+        length -= 2;
+        if (length == 0)  // the file form of a pawn that steps forward
+            parts->types = 1U << PAWN;
+        if (parts->promotions == 0 || length == 0)
+            return parts->promotions != 0;
+    }
+    if (IsFile(text[0]))
+        return PartsOfPawnOrCoordinates(pos, text, length, parts);
+    if (text[0] == 'o') {
+        parts->types = 1U << KING;
+        return true;
+    }
+    parts->types = TypeOfLetter(text[0]) & PIECES;
+    if (parts->types == 0 || length < 3 || !IsSquare(text + length - 2))
+        return false;
+    parts->to = SquareIn(text + length - 2);
+    return true;
+}
+
+// ---- Reading by parts ----------------------------------------------------------------------------------------------
+
+// Takes the last character off a text if `test` holds for it, and returns it; else 0.
+template <typename Test>
+char TakeLast(std::string_view* text, Test test) {
+    if (text->empty() || !test(text->back()))
+        return '\0';
+    const char last = text->back();
+    text->remove_suffix(1);
+    return last;
+}
+
+// Splits a text from its end: letter, file, rank, sign, target square, "=", letter of a promotion; all but the square
+// may be missing. False if it isn't made so.
+bool SplitIntoParts(const Position& pos, std::string_view text, MoveParts* parts) {
+    const auto one_of = [](std::string_view set) {
+        return [set](char c) { return set.find(c) != std::string_view::npos; };
+    };
+    const char promotion = TakeLast(&text, one_of("QRBNqrbn"));
+    TakeLast(&text, one_of("="));
+    const char to_rank = TakeLast(&text, IsRank);
+    const char to_file = TakeLast(&text, IsFile);
+    TakeLast(&text, one_of("x-:"));
+    const char rank = TakeLast(&text, IsRank);
+    const char file = TakeLast(&text, IsFile);
+    const char letter = TakeLast(&text, one_of("KQRBNP"));
+    if (!to_rank || !to_file || !text.empty())
+        return false;
+    parts->to = SquaresOfFile(to_file) & SquaresOfRank(to_rank);
+    if (file)
+        parts->from &= SquaresOfFile(file);
+    if (rank)
+        parts->from &= SquaresOfRank(rank);
+    parts->types = letter ? TypeOfLetter(letter) : 1U << PAWN;
+    if (file && rank && !letter)
+        parts->types = TypeOn(pos, parts->from);
+    if (parts->types == 1U << PAWN && !file)
+        parts->from &= SquaresOfFile(to_file);  // a push
+    // Castling, where the king comes from two files away, is named by both squares or not at all.
+    if (!(file && rank))
+        parts->from &= ~(parts->types >> KING & 1 ? parts->to << 2 | parts->to >> 2 : 0);
+    parts->promotions = promotion ? TypeOfLetter(ToUpper(promotion)) : NO_PROMOTION | 1U << QUEEN;
+    return true;
+}
+
+}  // namespace
+
+int IsValidMove(char* text, Move* result) {
+    *result = NO_MOVE;
+    Position* pos = GamePosition();
+    const size_t length = Normalise(text);
+    MoveParts parts;
+    if (!PartsOfForm(*pos, text, length, &parts))
+        return 0;
+    const int matches = CountMoves(pos, parts, text, result);
+    if (matches == 2)
+        Print("ambiguous move\n");
+    return matches == 1 ? 1 : 0;
+}
+
+bool ReadMoveText(std::string_view text, Move* move, MoveAsRead* read) {
+    text = text.substr(0, LONGEST_READ);
+    *std::copy(text.begin(), text.end(), read->begin()) = '\0';
+    if (IsValidMove(read->data(), move))
+        return true;
+    Position* pos = GamePosition();
+    MoveParts parts;
+    if (!SplitIntoParts(*pos, text.substr(0, text.find('+')), &parts) || CountMoves(pos, parts, nullptr, move) != 1)
+        return false;
+    WriteCoord(*move, read->data());
+    return true;
+}
+
+}  // namespace vrel

@@ -1,0 +1,305 @@
+#include "interface/pgn_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "board/fen.h"
+#include "interface/messages.h"
+
+namespace vrel {
+
+namespace {
+
+// ---- Tags ----------------------------------------------------------------------------------------------------------
+
+bool Contains(std::string_view text, std::string_view what) { return text.find(what) != std::string_view::npos; }
+
+std::string_view WithoutBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+// What stands in quotes; nothing if there are none.
+std::string_view Quoted(std::string_view text) {
+    const size_t quote = text.find('"');
+    if (quote == std::string_view::npos)
+        return {};
+    text.remove_prefix(quote + 1);
+    return text.substr(0, text.find('"'));
+}
+
+// The value of a tag of that name, `opening` being its bracket and name; nothing if the line holds none.
+std::optional<std::string_view> TagValue(std::string_view line, std::string_view opening) {
+    const size_t place = line.find(opening);
+    if (place == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view rest = line.substr(place + opening.size());
+    if (!rest.empty() && !Contains(" \"]", rest.substr(0, 1)))
+        return std::nullopt;  // a longer name
+    return WithoutBlanks(Quoted(rest));
+}
+
+// A line in a comment that goes on like a tag does: a name and the quote of its value.
+bool LooksLikeTag(std::string_view line) {
+    const auto in_name = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; };
+    const auto name_end = std::find_if_not(line.begin() + 1, line.end(), in_name);
+    const auto value = std::find_if(name_end, line.end(), [](char c) { return c != ' '; });
+    return name_end != line.begin() + 1 && value != name_end && value != line.end() && *value == '"';
+}
+
+int WinnerIn(std::string_view text) {
+    return Contains(text, "1-0") ? WHITE_WON : Contains(text, "0-1") ? BLACK_WON : NOBODY_WON;
+}
+
+bool IsChess(std::string_view variant) {
+    std::string name(variant);
+    for (char& c : name)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (const char* known : {"standard", "from position", "normal", "chess", "classical", "regular", ""})
+        if (name == known)
+            return true;
+    return false;
+}
+
+// ---- Words ---------------------------------------------------------------------------------------------------------
+
+// What a character is outside of comments. Words consist of the last two kinds.
+enum CharacterKind : uint8_t {
+    BLANK,
+    OPEN_BRACE,
+    CLOSE_BRACE,
+    OPEN_BRACKET,
+    CLOSE_BRACKET,
+    REST_OF_LINE,
+    DROPPED,
+    IN_WORD
+};
+
+constexpr std::array<CharacterKind, 256> character_kind = [] {
+    std::array<CharacterKind, 256> kinds{};
+    for (int c = 0; c < 256; ++c)
+        kinds[c] = c >= 32 && c <= 127 ? IN_WORD : DROPPED;
+    kinds[' '] = BLANK;
+    kinds['{'] = OPEN_BRACE;
+    kinds['}'] = CLOSE_BRACE;
+    kinds['('] = OPEN_BRACKET;
+    kinds[')'] = CLOSE_BRACKET;
+    kinds[';'] = REST_OF_LINE;
+    return kinds;
+}();
+
+CharacterKind KindOf(char c) { return character_kind[static_cast<unsigned char>(c)]; }
+
+bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+bool IsResult(std::string_view word) { return word == "1-0" || word == "0-1" || word == "1/2-1/2" || word == "*"; }
+
+// The sign of a passed turn behind a move number; empty if the word is none.
+std::string_view PassedTurn(std::string_view word) {
+    for (const std::string_view sign : {"--", "0000", "@@@@"})
+        if (word.ends_with(sign) && word.find_first_not_of("0123456789.") >= word.size() - sign.size())
+            return word.substr(word.size() - sign.size());
+    return {};
+}
+
+// A word without what annotators glue to it.
+std::string_view WithoutSigns(std::string_view word) {
+    word = word.substr(0, word.find_first_of("!?#$*"));
+    for (const std::string_view sign : {"e.p.", "ep"})
+        if (word.ends_with(sign))
+            return word.substr(0, word.size() - sign.size());
+    return word;
+}
+
+}  // namespace
+
+// ---- Lines ---------------------------------------------------------------------------------------------------------
+
+PgnItem PgnReader::Next() {
+    PgnItem item = PGN_END;
+    for (;;) {
+        switch (stage_) {
+            case IN_TEXT:
+                if (ReadText(&item))
+                    return item;
+                break;
+            case NEXT_LINE:
+                ReadLine();
+                break;
+            case TAG_LINE:
+                if (!BeginsGame()) {
+                    ReadTag();
+                    stage_ = NEXT_LINE;
+                    return PGN_TAG;
+                }
+                if (TakeStart())
+                    return PGN_START;
+                BeginGame();
+                return PGN_GAME;
+            case TEXT_LINE:
+                if (line_.find_first_not_of(' ') != std::string_view::npos) {
+                    after_text_ = true;
+                    if (TakeStart())
+                        return PGN_START;
+                }
+                stage_ = IN_TEXT;
+                return PGN_LINE;
+            case AFTER_LAST:
+                return TakeStart() ? PGN_START : PGN_END;
+        }
+    }
+}
+
+void PgnReader::ReadLine() {
+    if (!lines_.Next()) {
+        stage_ = AFTER_LAST;
+        return;
+    }
+    if (name_ != nullptr && lines_.utf16())
+        Complain("%s: text in UTF-16 can't be read, only in UTF-8 or ASCII", name_);
+    name_ = nullptr;
+    line_ = lines_.text();
+    stage_ = IsTagLine() ? TAG_LINE : TEXT_LINE;
+    at_ = line_.data();
+    end_ = at_ + line_.size();
+    // A line that another program has left for itself.
+    if (stage_ == TEXT_LINE && braces_ == 0 && WithoutBlanks(line_).starts_with('%'))
+        at_ = end_;
+}
+
+// True the first time it is asked for a game.
+bool PgnReader::TakeStart() { return std::exchange(start_due_, false); }
+
+// ---- Tags and games ------------------------------------------------------------------------------------------------
+
+bool PgnReader::IsTagLine() const {
+    if (dialect_ == PGN_FOR_BOOK && Contains(line_, "[Result"))
+        return true;
+    if (braces_ > 0)
+        return line_.starts_with('[') && LooksLikeTag(line_);
+    const size_t first = line_.find_first_not_of(' ');
+    return first != std::string_view::npos && line_[first] == '[' && !line_.substr(first).starts_with("[%");
+}
+
+bool PgnReader::BeginsGame() const { return after_text_ || (has_event_ && TagValue(line_, "[Event")); }
+
+void PgnReader::BeginGame() {
+    game_ = {};
+    start_due_ = true;
+    after_text_ = false;
+    has_event_ = false;
+}
+
+void PgnReader::ReadTag() {
+    braces_ = 0;
+    brackets_ = 0;
+    over_ = game_.foreign;
+    has_event_ = has_event_ || TagValue(line_, "[Event");
+    if (const size_t place = line_.find("[Result"); place != std::string_view::npos)
+        game_.winner = WinnerIn(dialect_ == PGN_FOR_BOOK ? line_ : Quoted(line_.substr(place)));
+    if (const auto fen = TagValue(line_, "[FEN"); fen && !fen->empty())
+        game_.fen = *fen;
+    if (const auto variant = TagValue(line_, "[Variant"); variant && !IsChess(*variant))
+        game_.foreign = over_ = true;
+}
+
+void SetUpGame(Position* pos, const PgnGame& game) {
+    SetPosition(pos, fen_opn);  // a text without a side to move leaves it to white
+    if (!game.fen.empty())
+        SetPosition(pos, game.fen.c_str());
+}
+
+// ---- Text ----------------------------------------------------------------------------------------------------------
+
+// The next move or comment of the line. False if there is none; then the line is over.
+bool PgnReader::ReadText(PgnItem* item) {
+    while (at_ != end_) {
+        if (braces_ > 0) {
+            if (ReadComment(item))
+                return true;
+            continue;
+        }
+        switch (KindOf(*at_)) {
+            case OPEN_BRACE:
+                braces_ = 1;
+                break;
+            case OPEN_BRACKET:
+                ++brackets_;
+                break;
+            case CLOSE_BRACKET:
+                brackets_ = std::max<int64_t>(brackets_ - 1, 0);
+                break;
+            case REST_OF_LINE:
+                at_ = end_ - 1;
+                break;
+            case BLANK:
+            case CLOSE_BRACE:
+                break;
+            default:
+                if (ReadWord(item))
+                    return true;
+                continue;
+        }
+        ++at_;
+    }
+    stage_ = NEXT_LINE;
+    text_ = " ";  // a comment goes on behind the end of the line
+    *item = PGN_COMMENT;
+    return braces_ > 0 && IsGivenOut();
+}
+
+// Inside of braces: the part of the comment up to the next brace or the end of the line, or what a brace means.
+bool PgnReader::ReadComment(PgnItem* item) {
+    const char* begin = at_;
+    at_ = std::find_if(begin, end_, [](char c) { return c == '{' || c == '}'; });
+    if (at_ != begin) {
+        text_ = std::string_view(begin, static_cast<size_t>(at_ - begin));
+        *item = PGN_COMMENT;
+        return IsGivenOut();
+    }
+    braces_ += *at_++ == '{' ? 1 : -1;
+    *item = PGN_COMMENT_END;
+    return braces_ == 0 && IsGivenOut();
+}
+
+// ---- Words ---------------------------------------------------------------------------------------------------------
+
+// Goes past a word. True if it is a move that is given out.
+bool PgnReader::ReadWord(PgnItem* item) {
+    const std::string_view word = TakeWord();
+    *item = PGN_MOVE;
+    return IsGivenOut() && TakeMove(word);
+}
+
+std::string_view PgnReader::TakeWord() {
+    const char* begin = at_;
+    bool whole = true;
+    for (; at_ != end_ && KindOf(*at_) >= DROPPED; ++at_)
+        whole = whole && KindOf(*at_) == IN_WORD;
+    if (whole)
+        return {begin, static_cast<size_t>(at_ - begin)};
+    word_.clear();
+    std::copy_if(begin, at_, std::back_inserter(word_), [](char c) { return KindOf(c) == IN_WORD; });
+    return word_;
+}
+
+// Finds the move in a word, or the end of the game. A passed turn is a move that nobody can read.
+bool PgnReader::TakeMove(std::string_view word) {
+    if (!word.empty() && !IsLetter(word[0])) {
+        over_ = IsResult(word);
+        text_ = over_ ? std::string_view() : PassedTurn(word);
+        if (over_ || !text_.empty())
+            return !over_;
+        const bool zeros = dialect_ == PGN_FOR_BOOK;
+        while (!word.empty() && !IsLetter(word[0]) && !(zeros && word.starts_with("0-")))
+            word.remove_prefix(1);
+    }
+    text_ = WithoutSigns(word);
+    return !text_.empty();
+}
+
+}  // namespace vrel
