@@ -38,8 +38,8 @@ void Require(bool condition, const char* what) {
 
 // Once a process: everything but the threads; the targets search on this one.
 void StartOnce() {
-    static const bool started = StartEngine([] { PBlock.hash_mb = 1; }) && InitNewThread(1) == 0;
-    Require(started, "memory");
+    if (GetThread(1) == nullptr)
+        Require(StartEngine([] { PBlock.hash_mb = 1; }) && InitNewThread(1) == 0, "memory");
 }
 
 void Reset() {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,18 +8,12 @@
 #include "board/search_thread.h"
 #include "support/oracle.h"
 
-// The engine as tests use it: tables built once, positions to work on, and the way between its records and the oracle.
+// The engine as tests use it: tables built once, positions to work on, and the way from its records to the oracle's.
 namespace vrel {
 
 // Builds all tables and the game record, once a process: board, settings, transposition table, locks, evaluation, and
 // the record of worker 1 (no thread) for searches that the test calls itself.
 void StartForTests();
-
-// Base of tests that need the engine.
-class EngineTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { StartForTests(); }
-};
 
 // A position with the stacks that it needs, apart from the game record.
 class TestPosition {
@@ -43,10 +35,9 @@ private:
 // The four-field text of the position.
 std::string FenOf(const Position& pos);
 
-// What the rules oracle has to say of the same position.
+// The same in the oracle's terms.
 oracle::Board OracleBoard(const Position& pos);
 oracle::Move OracleMove(Move move);
-Move EngineMove(const oracle::Move& move);
 
 // Every field alike but for the order within the rows of piece squares.
 bool SamePosition(const Position& a, const Position& b);

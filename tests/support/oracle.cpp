@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <sstream>
 
 namespace vrel::oracle {
@@ -11,122 +12,89 @@ struct Step {
     int file;
     int rank;
 };
+using Steps = std::vector<Step>;
 
-constexpr std::array<Step, 8> KING_STEPS = {{{0, 1}, {1, 1}, {1, 0}, {1, -1}, {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}}};
-constexpr std::array<Step, 4> STRAIGHT_STEPS = {{{0, 1}, {1, 0}, {0, -1}, {-1, 0}}};
-constexpr std::array<Step, 4> DIAGONAL_STEPS = {{{1, 1}, {1, -1}, {-1, -1}, {-1, 1}}};
-constexpr std::array<Step, 8> KNIGHT_STEPS = {{{1, 2}, {2, 1}, {2, -1}, {1, -2}, {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}}};
+const Steps STRAIGHT = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
+const Steps DIAGONAL = {{1, 1}, {1, -1}, {-1, -1}, {-1, 1}};
+const Steps AROUND = {{0, 1}, {1, 1}, {1, 0}, {1, -1}, {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}};
+const Steps JUMPS = {{1, 2}, {2, 1}, {2, -1}, {1, -2}, {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
+
+constexpr const char* RIGHTS = "KQkq";
 
 int File(int square) { return square % 8; }
 int Rank(int square) { return square / 8; }
+char& At(Board* board, int square) { return board->squares[static_cast<size_t>(square)]; }
+char At(const Board& board, int square) { return board.squares[static_cast<size_t>(square)]; }
+char Lower(char c) { return static_cast<char>(std::tolower(c)); }
+char Of(bool white, char kind) { return white ? static_cast<char>(std::toupper(kind)) : kind; }
+bool Belongs(char piece, bool white) { return piece != '.' && IsWhite(piece) == white; }
 
 // The square a step away, NOWHERE beyond the edge.
 int Go(int square, Step step) {
     const int file = File(square) + step.file;
     const int rank = Rank(square) + step.rank;
-    if (file < 0 || file > 7 || rank < 0 || rank > 7)
-        return NOWHERE;
-    return rank * 8 + file;
+    return file < 0 || file > 7 || rank < 0 || rank > 7 ? NOWHERE : rank * 8 + file;
 }
 
-char At(const Board& board, int square) { return board.squares[static_cast<size_t>(square)]; }
-void Put(Board* board, int square, char piece) { board->squares[static_cast<size_t>(square)] = piece; }
-
-char Lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-char Upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
-
-bool Belongs(char piece, bool white) { return white ? IsWhite(piece) : IsBlack(piece); }
-char Of(bool white, char kind) { return white ? Upper(kind) : Lower(kind); }
-
-template <size_t N>
-bool StepperAttacks(const Board& board, int square, char piece, const std::array<Step, N>& steps) {
+// Whether a step leads to a piece of this letter, or a line to one of these letters first.
+bool StepsMeet(const Board& board, int square, char piece, const Steps& steps) {
     return std::any_of(steps.begin(), steps.end(), [&](Step step) {
         const int to = Go(square, step);
         return to != NOWHERE && At(board, to) == piece;
     });
 }
-
-// The first piece met on each line is the slider or a queen.
-template <size_t N>
-bool SliderAttacks(const Board& board, int square, char slider, char queen, const std::array<Step, N>& steps) {
-    for (const Step step : steps) {
+bool LinesMeet(const Board& board, int square, char slider, char queen, const Steps& steps) {
+    return std::any_of(steps.begin(), steps.end(), [&](Step step) {
         int to = Go(square, step);
         while (to != NOWHERE && At(board, to) == '.')
             to = Go(to, step);
-        if (to != NOWHERE && (At(board, to) == slider || At(board, to) == queen))
-            return true;
-    }
-    return false;
+        return to != NOWHERE && (At(board, to) == slider || At(board, to) == queen);
+    });
 }
 
-bool PawnAttacks(const Board& board, int square, bool by_white) {
-    const int back = by_white ? -1 : 1;
-    for (const int side : {-1, 1}) {
-        const int from = Go(square, {side, back});
-        if (from != NOWHERE && At(board, from) == Of(by_white, 'p'))
-            return true;
-    }
-    return false;
-}
-
-void AddPawnMove(int from, int to, bool white, std::vector<Move>* moves) {
-    if (Rank(to) != (white ? 7 : 0)) {
-        moves->push_back({from, to, 0});
-        return;
-    }
-    for (const char kind : {'q', 'n', 'b', 'r'})
-        moves->push_back({from, to, kind});
+void AddPawnMove(int from, int to, bool promotes, std::vector<Move>* moves) {
+    for (const char kind : std::string(promotes ? "qnbr" : "-"))
+        moves->push_back({from, to, promotes ? kind : '\0'});
 }
 
 void AddPawnMoves(const Board& board, int from, std::vector<Move>* moves) {
     const bool white = board.white_to_move;
     const int forward = white ? 1 : -1;
     const int front = Go(from, {0, forward});
-    if (front != NOWHERE && At(board, front) == '.') {
-        AddPawnMove(from, front, white, moves);
-        const int second = Go(front, {0, forward});
-        if (Rank(from) == (white ? 1 : 6) && At(board, second) == '.')
-            moves->push_back({from, second, 0});
+    if (front == NOWHERE)
+        return;
+    const bool promotes = Rank(front) == (white ? 7 : 0);
+    if (At(board, front) == '.') {
+        AddPawnMove(from, front, promotes, moves);
+        if (Rank(from) == (white ? 1 : 6) && At(board, Go(front, {0, forward})) == '.')
+            moves->push_back({from, Go(front, {0, forward}), 0});
     }
     for (const int side : {-1, 1}) {
         const int to = Go(from, {side, forward});
         if (to == NOWHERE)
             continue;
-        if (Belongs(At(board, to), !white))
-            AddPawnMove(from, to, white, moves);
-        else if (to == board.en_passant && Rank(to) == (white ? 5 : 2) && At(board, to) == '.')
-            moves->push_back({from, to, 0});
+        const bool passed = to == board.en_passant && Rank(to) == (white ? 5 : 2) && At(board, to) == '.';
+        if (passed || Belongs(At(board, to), !white))
+            AddPawnMove(from, to, promotes, moves);
     }
 }
 
-template <size_t N>
-void AddSteps(const Board& board, int from, bool slides, const std::array<Step, N>& steps, std::vector<Move>* moves) {
-    for (const Step step : steps) {
-        for (int to = Go(from, step); to != NOWHERE; to = Go(to, step)) {
-            if (Belongs(At(board, to), board.white_to_move))
-                break;
+void AddSteps(const Board& board, int from, bool slides, const Steps& steps, std::vector<Move>* moves) {
+    for (const Step step : steps)
+        for (int to = Go(from, step); to != NOWHERE && !Belongs(At(board, to), board.white_to_move);
+             to = slides && At(board, to) == '.' ? Go(to, step) : NOWHERE)
             moves->push_back({from, to, 0});
-            if (!slides || At(board, to) != '.')
-                break;
-        }
-    }
 }
 
 void AddCastling(const Board& board, std::vector<Move>* moves) {
     const bool white = board.white_to_move;
     const int king = white ? 4 : 60;
-    if (At(board, king) != Of(white, 'k'))
-        return;
-    const auto empty = [&](int first, int last) {
-        for (int square = first; square <= last; ++square)
-            if (At(board, square) != '.')
-                return false;
-        return true;
-    };
-    const char rook = Of(white, 'r');
-    if (board.may_castle[white ? 0 : 2] && At(board, king + 3) == rook && empty(king + 1, king + 2))
+    const auto row = [&](int first, size_t length) { return board.squares.substr(static_cast<size_t>(first), length); };
+    const auto may = [&](char right) { return board.rights.find(Of(white, right)) != std::string::npos; };
+    const std::string k(1, Of(white, 'k')), r(1, Of(white, 'r'));
+    if (may('k') && row(king, 4) == k + ".." + r)
         moves->push_back({king, king + 2, 0});
-    if (board.may_castle[white ? 1 : 3] && At(board, king - 4) == rook && empty(king - 3, king - 1))
+    if (may('q') && row(king - 4, 5) == r + "..." + k)
         moves->push_back({king, king - 2, 0});
 }
 
@@ -134,133 +102,64 @@ bool IsCastling(const Board& board, const Move& move) {
     return Lower(At(board, move.from)) == 'k' && std::abs(move.to - move.from) == 2;
 }
 
-// Any move from or to a corner or a king's first square ends the rights that hang on it.
-void LoseRights(int square, std::array<bool, 4>* rights) {
-    switch (square) {
-        case 7:
-            (*rights)[0] = false;
-            break;
-        case 0:
-            (*rights)[1] = false;
-            break;
-        case 63:
-            (*rights)[2] = false;
-            break;
-        case 56:
-            (*rights)[3] = false;
-            break;
-        case 4:
-            (*rights)[0] = (*rights)[1] = false;
-            break;
-        case 60:
-            (*rights)[2] = (*rights)[3] = false;
-            break;
-        default:
-            break;
-    }
-}
-
-bool ReadPlacement(const std::string& text, Board* board) {
-    int rank = 7;
-    int file = 0;
-    for (const char c : text) {
-        if (c == '/') {
-            if (file != 8 || rank == 0)
-                return false;
-            --rank;
-            file = 0;
-        } else if (c >= '1' && c <= '8') {
-            file += c - '0';
-        } else if (std::string("PNBRQKpnbrqk").find(c) != std::string::npos && file < 8) {
-            Put(board, rank * 8 + file, c);
-            ++file;
-        } else {
-            return false;
-        }
-        if (file > 8)
-            return false;
-    }
-    return rank == 0 && file == 8;
-}
-
-bool ReadRights(const std::string& text, Board* board) {
-    if (text == "-")
-        return true;
-    for (const char c : text) {
-        const size_t right = std::string("KQkq").find(c);
-        if (right == std::string::npos)
-            return false;
-        board->may_castle[right] = true;
-    }
-    return true;
-}
-
-bool ReadSquare(const std::string& text, int* square) {
-    if (text == "-") {
-        *square = NOWHERE;
-        return true;
-    }
-    if (text.size() != 2 || text[0] < 'a' || text[0] > 'h' || text[1] < '1' || text[1] > '8')
-        return false;
-    *square = (text[1] - '1') * 8 + (text[0] - 'a');
-    return true;
-}
-
 std::string SquareText(int square) {
     return {static_cast<char>('a' + File(square)), static_cast<char>('1' + Rank(square))};
+}
+
+// Any move from or to a corner or a king's first square ends the rights that hang on it.
+void LoseRights(int square, std::string* rights) {
+    constexpr int kRooks[] = {7, 0, 63, 56};
+    std::erase_if(*rights, [&](char right) {
+        const size_t i = std::string(RIGHTS).find(right);
+        return i < 4 && (square == kRooks[i] || square == (i < 2 ? 4 : 60));
+    });
 }
 
 }  // namespace
 
 bool IsWhite(char piece) { return piece >= 'A' && piece <= 'Z'; }
-bool IsBlack(char piece) { return piece >= 'a' && piece <= 'z'; }
 
-bool ReadFen(const std::string& fen, Board* board) {
-    *board = Board();
+Board ReadFen(const std::string& fen) {
+    Board board;
     std::istringstream in(fen);
     std::string placement, side, rights, passed;
-    if (!(in >> placement >> side >> rights >> passed) || (side != "w" && side != "b"))
-        return false;
-    board->white_to_move = side == "w";
-    in >> board->quiet_plies;
-    return ReadPlacement(placement, board) && ReadRights(rights, board) && ReadSquare(passed, &board->en_passant);
+    in >> placement >> side >> rights >> passed;
+    int square = 56;
+    for (const char c : placement) {
+        if (c == '/')
+            square -= 16;
+        else if (std::isdigit(c))
+            square += c - '0';
+        else
+            At(&board, square++) = c;
+    }
+    board.white_to_move = side == "w";
+    board.rights = rights == "-" ? "" : rights;
+    if (passed != "-")
+        board.en_passant = (passed[1] - '1') * 8 + (passed[0] - 'a');
+    return board;
 }
 
 std::string WriteFen(const Board& board) {
     std::string text;
     for (int rank = 7; rank >= 0; --rank) {
-        int gap = 0;
-        for (int file = 0; file < 8; ++file) {
-            const char piece = At(board, rank * 8 + file);
-            if (piece == '.') {
-                ++gap;
-                continue;
-            }
-            if (gap != 0)
-                text += std::to_string(gap);
-            gap = 0;
-            text += piece;
-        }
-        if (gap != 0)
-            text += std::to_string(gap);
-        if (rank > 0)
-            text += '/';
+        std::string row = board.squares.substr(static_cast<size_t>(rank) * 8, 8);
+        for (size_t gap = 8; gap > 0; --gap)
+            for (size_t at; (at = row.find(std::string(gap, '.'))) != std::string::npos;)
+                row.replace(at, gap, std::to_string(gap));
+        text += row + (rank > 0 ? "/" : "");
     }
-    text += board.white_to_move ? " w " : " b ";
-    std::string rights;
-    for (size_t i = 0; i < 4; ++i)
-        if (board.may_castle[i])
-            rights += "KQkq"[i];
-    text += rights.empty() ? "-" : rights;
-    return text + " " + (board.en_passant == NOWHERE ? "-" : SquareText(board.en_passant));
+    return text + (board.white_to_move ? " w " : " b ") + (board.rights.empty() ? "-" : board.rights) + " " +
+           (board.en_passant == NOWHERE ? "-" : SquareText(board.en_passant));
 }
 
 bool Attacked(const Board& board, int square, bool by_white) {
-    const auto piece = [&](char kind) { return Of(by_white, kind); };
-    return PawnAttacks(board, square, by_white) || StepperAttacks(board, square, piece('n'), KNIGHT_STEPS) ||
-           StepperAttacks(board, square, piece('k'), KING_STEPS) ||
-           SliderAttacks(board, square, piece('b'), piece('q'), DIAGONAL_STEPS) ||
-           SliderAttacks(board, square, piece('r'), piece('q'), STRAIGHT_STEPS);
+    const int back = by_white ? -1 : 1;
+    const char queen = Of(by_white, 'q');
+    return StepsMeet(board, square, Of(by_white, 'p'), {{-1, back}, {1, back}}) ||
+           StepsMeet(board, square, Of(by_white, 'n'), JUMPS) || StepsMeet(board, square, Of(by_white, 'k'), AROUND) ||
+           LinesMeet(board, square, Of(by_white, 'b'), queen, DIAGONAL) ||
+           LinesMeet(board, square, Of(by_white, 'r'), queen, STRAIGHT);
 }
 
 bool InCheck(const Board& board, bool white) {
@@ -275,26 +174,16 @@ std::vector<Move> PseudoLegalMoves(const Board& board) {
     for (int from = 0; from < 64; ++from) {
         if (!Belongs(At(board, from), board.white_to_move))
             continue;
-        switch (Lower(At(board, from))) {
-            case 'p':
-                AddPawnMoves(board, from, &moves);
-                break;
-            case 'n':
-                AddSteps(board, from, false, KNIGHT_STEPS, &moves);
-                break;
-            case 'b':
-                AddSteps(board, from, true, DIAGONAL_STEPS, &moves);
-                break;
-            case 'r':
-                AddSteps(board, from, true, STRAIGHT_STEPS, &moves);
-                break;
-            case 'q':
-                AddSteps(board, from, true, KING_STEPS, &moves);
-                break;
-            default:
-                AddSteps(board, from, false, KING_STEPS, &moves);
-                break;
-        }
+        const char kind = Lower(At(board, from));
+        if (kind == 'p')
+            AddPawnMoves(board, from, &moves);
+        else
+            AddSteps(board, from, kind != 'n' && kind != 'k',
+                     kind == 'n'   ? JUMPS
+                     : kind == 'b' ? DIAGONAL
+                     : kind == 'r' ? STRAIGHT
+                                   : AROUND,
+                     &moves);
     }
     AddCastling(board, &moves);
     return moves;
@@ -304,37 +193,29 @@ Board AfterMove(const Board& board, const Move& move) {
     Board next = board;
     const char piece = At(board, move.from);
     const bool white = board.white_to_move;
+    const bool pawn = Lower(piece) == 'p';
     const int forward = white ? 8 : -8;
-    const bool quiet = Lower(piece) != 'p' && At(board, move.to) == '.';
-
-    Put(&next, move.from, '.');
-    Put(&next, move.to, move.promotion != 0 ? Of(white, move.promotion) : piece);
-    next.en_passant = NOWHERE;
-    if (Lower(piece) == 'p') {
-        if (move.to == board.en_passant && File(move.to) != File(move.from))
-            Put(&next, move.to - forward, '.');
-        if (move.to - move.from == 2 * forward)
-            next.en_passant = move.from + forward;
-    }
+    next.quiet_plies = pawn || At(board, move.to) != '.' ? 0 : board.quiet_plies + 1;
+    At(&next, move.from) = '.';
+    At(&next, move.to) = move.promotion != 0 ? Of(white, move.promotion) : piece;
+    next.en_passant = pawn && move.to - move.from == 2 * forward ? move.from + forward : NOWHERE;
+    if (pawn && move.to == board.en_passant && File(move.to) != File(move.from))
+        At(&next, move.to - forward) = '.';
     if (IsCastling(board, move)) {
         const bool is_short = move.to > move.from;
-        Put(&next, is_short ? move.from + 3 : move.from - 4, '.');
-        Put(&next, is_short ? move.from + 1 : move.from - 1, Of(white, 'r'));
+        std::swap(At(&next, is_short ? move.from + 3 : move.from - 4), At(&next, (move.from + move.to) / 2));
     }
-    LoseRights(move.from, &next.may_castle);
-    LoseRights(move.to, &next.may_castle);
-    next.quiet_plies = quiet ? board.quiet_plies + 1 : 0;
+    LoseRights(move.from, &next.rights);
+    LoseRights(move.to, &next.rights);
     next.white_to_move = !white;
     return next;
 }
 
 bool IsLegal(const Board& board, const Move& move) {
     const bool white = board.white_to_move;
-    if (IsCastling(board, move)) {
-        const int middle = (move.from + move.to) / 2;
-        if (Attacked(board, move.from, !white) || Attacked(board, middle, !white))
-            return false;
-    }
+    if (IsCastling(board, move) &&
+        (Attacked(board, move.from, !white) || Attacked(board, (move.from + move.to) / 2, !white)))
+        return false;
     return !InCheck(AfterMove(board, move), white);
 }
 
@@ -345,54 +226,22 @@ std::vector<Move> LegalMoves(const Board& board) {
 }
 
 std::string MoveText(const Move& move) {
-    std::string text = SquareText(move.from) + SquareText(move.to);
-    if (move.promotion != 0)
-        text += move.promotion;
-    return text;
-}
-
-bool FindLegalMove(const Board& board, const std::string& text, Move* move) {
-    for (const Move& candidate : PseudoLegalMoves(board)) {
-        if (MoveText(candidate) == text && IsLegal(board, candidate)) {
-            *move = candidate;
-            return true;
-        }
-    }
-    return false;
-}
-
-uint64_t CountLeaves(const Board& board, int depth) {
-    const std::vector<Move> moves = LegalMoves(board);
-    if (depth <= 1)
-        return moves.size();
-    uint64_t sum = 0;
-    for (const Move& move : moves)
-        sum += CountLeaves(AfterMove(board, move), depth - 1);
-    return sum;
-}
-
-bool DeadByMaterial(const Board& board) {
-    int minors = 0;
-    for (const char piece : board.squares) {
-        const char kind = Lower(piece);
-        if (kind == 'n' || kind == 'b')
-            ++minors;
-        else if (kind != '.' && kind != 'k')
-            return false;
-    }
-    return minors <= 1;
+    return SquareText(move.from) + SquareText(move.to) +
+           (move.promotion != 0 ? std::string(1, move.promotion) : std::string());
 }
 
 Board Mirrored(const Board& board) {
-    Board mirror;
+    Board mirror = board;
     for (int square = 0; square < 64; ++square) {
         const char piece = At(board, square ^ 56);
-        Put(&mirror, square, IsWhite(piece) ? Lower(piece) : Upper(piece));
+        At(&mirror, square) = IsWhite(piece) ? Lower(piece) : static_cast<char>(std::toupper(piece));
     }
     mirror.white_to_move = !board.white_to_move;
-    mirror.may_castle = {board.may_castle[2], board.may_castle[3], board.may_castle[0], board.may_castle[1]};
+    mirror.rights.clear();
+    for (const char right : std::string("kqKQ"))
+        if (board.rights.find(right) != std::string::npos)
+            mirror.rights += IsWhite(right) ? Lower(right) : static_cast<char>(std::toupper(right));
     mirror.en_passant = board.en_passant == NOWHERE ? NOWHERE : board.en_passant ^ 56;
-    mirror.quiet_plies = board.quiet_plies;
     return mirror;
 }
 

@@ -1,119 +1,27 @@
 #pragma once
 
-// Named positions on which rules, evaluation and search are tried.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// Positions that tests try things on. The same seed gives the same positions on any machine.
 namespace vrel {
 
-struct NamedPosition {
-    const char* name;
-    const char* fen;
-};
+// The positions of a file of tests/data, one FEN a line; what follows a "#" tells what each is good for.
+std::vector<std::string> ReadPositions(const std::string& name);
 
-// Legal positions, each with something that engines get wrong.
-inline constexpr NamedPosition kTrickyPositions[] = {
-    {"start", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -"},
-    {"everything at once", "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -"},
-    {"pins along the rank of an en passant capture", "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -"},
-    {"promotions with and without capture", "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq -"},
-    {"the same for black", "r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ -"},
-    {"checked by a fork next door", "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ -"},
-    {"quiet middle game", "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - -"},
-    {"en passant bares the fifth rank", "8/8/8/r2pP2K/8/8/8/4k3 w - d6"},
-    {"en passant bares a diagonal", "8/7k/8/2b5/3pP3/8/5K2/8 b - e3"},
-    {"en passant discovers check from behind the victim", "8/5k2/8/3Pp3/8/1B6/8/4K3 w - e6"},
-    {"en passant is the only way out of check", "8/8/8/1k6/2Pp4/8/8/2BK4 b - c3"},
-    {"two pawns may take en passant", "4k3/8/8/3PpP2/8/8/8/4K3 w - e6"},
-    {"black en passant on the a-file", "4k3/8/8/8/Pp6/8/8/4K3 b - a3"},
-    {"black en passant on the h-file", "4k3/8/8/8/6pP/8/8/4K3 b - h3"},
-    {"all four castlings", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -"},
-    {"all four castlings, black to move", "r3k2r/8/8/8/8/8/8/R3K2R b KQkq -"},
-    {"long castling past an attacked b1", "1r2k3/8/8/8/8/8/8/R3K3 w Q -"},
-    {"no long castling across an attacked d1", "3rk3/8/8/8/8/8/8/R3K3 w Q -"},
-    {"no short castling across an attacked f1", "4k3/8/8/8/8/5r2/8/4K2R w K -"},
-    {"no castling out of check", "4k3/8/8/8/4r3/8/8/R3K2R w KQ -"},
-    {"castling gives check", "5k2/8/8/8/8/8/8/4K2R w K -"},
-    {"long castling gives check", "3k4/8/8/8/8/8/8/R3K3 w Q -"},
-    {"castling with a piece on b1", "4k3/8/8/8/8/8/8/RN2K2R w KQ -"},
-    {"rook takes rook, both lose a right", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq -"},
-    {"promotion takes a corner rook", "r3k2r/1P4P1/8/8/8/8/1p4p1/R3K2R w KQkq -"},
-    {"the same for black", "r3k2r/1P4P1/8/8/8/8/1p4p1/R3K2R b KQkq -"},
-    {"under-promotion to a knight checks", "8/5P1k/8/8/8/8/8/K7 w - -"},
-    {"promotion in check", "4k3/1P6/8/8/8/8/8/K3r3 w - -"},
-    {"pinned to the king on a file, a rank and two diagonals", "k3r2b/8/8/8/1r2NK2/8/3P1B2/b3R2q w - -"},
-    {"double check", "4k3/8/8/8/8/4n3/5P2/4K2r w - -"},
-    {"double check, one of them discovered", "r3k3/8/8/8/8/3n4/4r3/4K3 w - -"},
-    {"king between two rooks on its rank", "4k3/8/8/8/r3K2r/8/8/8 w - -"},
-    {"king steps back along the checking line", "4k3/8/8/8/8/8/4K3/4r3 w - -"},
-    {"kings in opposition", "8/8/8/3k4/8/3K4/8/8 w - -"},
-    {"mated", "R5k1/5ppp/8/8/8/8/8/6K1 b - -"},
-    {"smothered mate in one", "6rk/6pp/8/6N1/8/8/8/6K1 w - -"},
-    {"stalemate", "7k/5Q2/6K1/8/8/8/8/8 b - -"},
-    {"stalemate with a blocked pawn", "8/8/8/8/8/k7/p7/K7 w - -"},
-    {"218 moves", "R6R/3Q4/1Q4Q1/4Q3/2Q4Q/Q4Q2/pp1Q4/kBNN1KB1 w - -"},
-    {"218 moves, black to move", "r6r/3q4/1q4q1/4q3/2q4q/q4q2/PP1q4/Kbnn1kb1 b - -"},
-    {"nine queens a side", "q6k/qqqqqqqq/8/8/8/8/QQQQQQQQ/K6Q w - -"},
-    {"ten knights", "4k3/8/8/NNNNN3/NNNNN3/8/8/4K3 w - -"},
-    {"a wall of pawns", "4k3/pppppppp/8/8/8/8/PPPPPPPP/4K3 w - -"},
-    {"locked", "4k3/8/p1p1p1p1/P1P1P1P1/1p1p1p1p/1P1P1P1P/8/4K3 b - -"},
-    {"pawns about to promote on every file", "8/PPPP1PPP/4k3/8/8/4K3/pppp1ppp/8 w - -"},
-    {"x-rays on one square", "3rk3/3r4/3q4/8/3p4/3R4/3R4/3QK3 w - -"},
-    {"batteries on a diagonal", "k6b/6q1/5b2/8/3P4/2B5/1Q6/B6K b - -"},
-    {"bishop behind a pawn that takes", "4k3/8/2p5/3p4/4P3/5B2/6Q1/4K3 w - -"},
-    {"queen pinned by bishop and by rook", "3rk3/8/8/3B4/3Q4/4N3/8/b2QK3 w - -"},
-    {"knights that share neither file nor rank", "4k3/8/8/8/8/5N2/8/1N2K3 w - -"},
-    {"rooks on one rank", "4k3/8/8/8/8/8/4K3/R6R w - -"},
-    {"three queens to one square", "6k1/8/8/Q6Q/8/8/8/Q3K3 w - -"},
-    {"king and pawn against king", "8/8/8/3k4/8/3K4/3P4/8 w - -"},
-    {"bishop and knight against king", "8/8/8/3k4/8/3K4/3BN3/8 w - -"},
-    {"opposite bishops", "8/5k2/3b4/p1p5/P1P5/3B4/5K2/8 b - -"},
-    {"far passed pawns", "8/P5k1/8/8/8/8/1K5p/8 b - -"},
-};
+// So many positions from random games, which begin in the start position and in tricky ones. Half of the games prefer
+// captures, so that endings come up too.
+std::vector<std::string> RandomPositions(size_t count, uint32_t seed);
 
-// Boards that no game reaches. Whatever is asked about them, nothing may break.
-inline constexpr NamedPosition kAbsurdPositions[] = {
-    {"nothing at all", "8/8/8/8/8/8/8/8 w - -"},
-    {"nothing at all, rights and a square", "8/8/8/8/8/8/8/8 b KQkq e3"},
-    {"no white king", "4k3/8/8/8/8/8/PPPPPPPP/RNBQ1BNR w kq -"},
-    {"no black king", "rnbq1bnr/pppppppp/8/8/8/8/8/4K3 w KQkq -"},
-    {"no kings", "rnbq1bnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQ1BNR w KQkq -"},
-    {"only a pawn", "8/8/8/8/8/8/P7/8 w - -"},
-    {"twenty kings", "kkkkkkkk/kk6/8/8/8/8/KK6/KKKKKKKK w KQkq -"},
-    {"kings everywhere", "KkKkKkKk/kKkKkKkK/KkKkKkKk/kKkKkKkK/KkKkKkKk/kKkKkKkK/KkKkKkKk/kKkKkKkK w KQkq e3"},
-    {"kings side by side", "8/8/8/3Kk3/8/8/8/8 w - -"},
-    {"both in check", "4k3/8/8/4r3/4R3/8/8/4K3 w - -"},
-    {"side not to move in check", "4k3/4R3/8/8/8/8/8/4K3 w - -"},
-    {"the king can be taken", "4k3/8/8/8/8/8/4R3/4K3 w - -"},
-    {"pawns on the first and the last rank", "PpPpkpPp/8/8/8/8/8/8/PpPpKpPp w - -"},
-    {"the same, black to move", "PpPpkpPp/8/8/8/8/8/8/PpPpKpPp b KQkq -"},
-    {"pawns on every square but two", "pppppppp/PPPPPPPP/pppppppp/PPPkPPPP/ppppKppp/PPPPPPPP/pppppppp/PPPPPPPP w - -"},
-    {"promoting onto own pawns", "PPPPPPPP/PPPPPPPP/4k3/8/8/4K3/pppppppp/pppppppp w - -"},
-    {"62 queens", "QQQQQQQQ/QQQQQQQQ/QQQQQQQQ/QQQkQQQQ/QQQQKQQQ/QQQQQQQQ/QQQQQQQQ/QQQQQQQQ w - -"},
-    {"queens of both sides", "qQqQqQqQ/QqQqQqQq/qQqQqQqQ/QqQkQqQq/qQqQKQqQ/QqQqQqQq/qQqQqQqQ/QqQqQqQq b - -"},
-    {"sixty of one side", "NNNNNNNN/BBBBBBBB/RRRRRRRR/QQQQQQQQ/PPPPPPPP/NNNNNNNN/BBBBBBBB/RRRQK1k1 w - -"},
-    {"sixty of the other side", "nnnnnnnn/bbbbbbbb/rrrrrrrr/qqqqqqqq/pppppppp/nnnnnnnn/bbbbbbbb/rrrqk1K1 b - -"},
-    {"thirty a side", "rnbqkbnr/nnnnnnnn/bbbbbbbb/rrrrrr2/RRRRRR2/BBBBBBBB/NNNNNNNN/RNBQKBNR w KQkq -"},
-    {"knights without number", "NNNNNNNN/NNNNNNNN/8/3k4/8/4K3/nnnnnnnn/nnnnnnnn w - -"},
-    {"sixteen rooks, nobody else", "RRRRRRRR/8/8/8/8/8/8/rrrrrrrr w - -"},
-    {"rights without rooks", "4k3/8/8/8/8/8/8/4K3 w KQkq -"},
-    {"rights without kings", "r6r/8/8/8/8/8/8/R6R w KQkq -"},
-    {"rights with knights in the corners", "n3k2n/8/8/8/8/8/8/N3K2N w KQkq -"},
-    {"rights with enemy rooks in the corners", "R3k2R/8/8/8/8/8/8/r3K2r w KQkq -"},
-    {"rights of exchanged kings", "R3K2R/8/8/8/8/8/8/r3k2r w KQkq -"},
-    {"rights with the king elsewhere", "r2k3r/8/8/8/8/8/8/R2K3R b KQkq -"},
-    {"en passant square without a pawn", "4k3/8/8/8/4P3/8/8/4K3 w - d6"},
-    {"en passant square of the wrong side", "4k3/8/8/8/3pP3/8/8/4K3 w - e3"},
-    {"en passant square that is occupied", "4k3/8/3n4/3pP3/8/8/8/4K3 w - d6"},
-    {"en passant victim is a king", "8/8/8/3kP3/8/8/8/4K3 w - d6"},
-    {"en passant victim is an own piece", "4k3/8/8/3NP3/8/8/8/4K3 w - d6"},
-    {"en passant on the first rank", "4k3/8/8/8/8/8/3p4/4K3 b - e1"},
-    {"en passant on the first rank, a capture below it", "4k3/8/8/8/8/8/3p4/6K1 b - e1"},
-    {"en passant on the last rank", "6k1/3P4/8/8/8/8/8/4K3 w - e8"},
-    {"en passant on the second rank", "4k3/8/8/8/8/3p4/8/4K3 b - e2"},
-    {"en passant on the seventh rank", "4k3/8/3P4/8/8/8/8/4K3 w - e7"},
-    {"en passant where a pawn steps forward", "4k3/8/8/4P3/8/8/8/4K3 w - e6"},
-    {"en passant where a double step ends", "4k3/8/8/8/8/8/4P3/4K3 w - e4"},
-    {"en passant on an own king", "4k3/8/4K3/3P4/8/8/8/8 w - e6"},
-    {"en passant to a1", "4k3/8/8/8/8/8/1p6/4K3 b - a1"},
-    {"en passant in the corner square", "4k3/6P1/8/8/8/8/8/4K3 w - h8"},
-};
+// A board with random pieces on random squares, a king for each side, rights and en passant square that fit: quite
+// unlike those from games. Either side may stand in check.
+std::string RandomSetup(uint32_t seed);
+
+// A board of any letters on any square, with any rights and any en passant square.
+std::string AnySetup(uint32_t seed);
+
+// The tricky positions, `games` from random games and `setups` random boards: what most properties are tried on.
+std::vector<std::string> ManyPositions(size_t games, size_t setups);
 
 }  // namespace vrel

@@ -1,172 +1,193 @@
-"""Lines as they may arrive: together, torn, long, with any line end, and none at all any more."""
+"""Lines in masses, of any length and in any state of the program, and terminals."""
 import os
-import subprocess
+import re
+import shutil
 import tempfile
-import time
 import unittest
 
-from vrel_process import HANG, Engine
+from program import ROOT, Program, run
 
 LIMIT = 65536  # characters of a line
+MATE_IN_FEW = "fen 7k/8/5K2/8/8/8/8/R7 w - -\ndepth 5\nself\n"
 
 
 class Lines(unittest.TestCase):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.engine = Engine("-nolog", "-hash", "1", folder=self.folder.name)
+        self.program = Program("-nolog", "-hash", "1")
 
     def tearDown(self):
-        self.assertEqual(self.engine.quit(), 0)
-        self.folder.cleanup()
+        self.assertEqual(self.program.quit(), 0)
 
-    def option(self, line, end=b"\n"):
-        """Sends bytes that end with a line that is answered; what comes up to its answer."""
-        self.engine.send_bytes(line + b"setoption name MultiPV value 5" + end)
-        return self.engine.wait_for("info string MultiPV set to 5")[:-1]
-
-    def test_any_line_end(self):
-        for end in [b"\n", b"\r\n", b"\0", b"@", b"\r\r\n", b"\r\nX"[:2] + b"\n\n"]:
-            with self.subTest(end):
-                self.assertEqual(self.option(b"isready" + end + b"isready" + end, end), ["readyok", "readyok"])
-
-    def test_the_first_line_end_cuts(self):
-        self.assertEqual(self.option(b"isready\rstop\n"), ["readyok"])
-
-    def test_empty_lines_are_nothing(self):
-        self.assertEqual(self.option(b"\n\n\r\n \n\0\0@@ @\n"), [])
+    def answers(self, data):
+        """What comes up to the answer to a line behind the bytes."""
+        self.program.send_bytes(data + b"setoption name MultiPV value 5\n")
+        return self.program.wait_for("info string MultiPV set to 5")[:-1]
 
     def test_a_flood_of_empty_lines_is_passed_over(self):
-        self.assertEqual(self.option(b"\n" * 3000000), [])
+        self.assertEqual(self.answers(b"\n" * 3000000), [])
 
     def test_lines_in_one_chunk_are_all_handled(self):
-        self.assertEqual(self.option(b"isready\nfoo\nisready\n" * 50), ["readyok"] * 100)
-
-    def test_a_line_may_come_in_pieces(self):
-        for piece in [b"is", b"read", b"y", b"\r"]:
-            self.engine.send_bytes(piece)
-            time.sleep(0.02)
-        self.assertTrue(self.engine.lines.empty())
-        self.engine.send_bytes(b"\n")
-        self.assertEqual(self.engine.wait_for("readyok"), ["readyok"])
-
-    def test_a_line_of_the_greatest_length_is_handled(self):
-        line = b"setoption name MultiPV value 3"
-        self.engine.send_bytes(line + b" " * (LIMIT - len(line)) + b"\n")
-        self.assertEqual(self.engine.wait_for("info"), ["info string MultiPV set to 3"])
-
-    def test_a_longer_line_is_refused_whole(self):
-        for length in [LIMIT + 1, LIMIT + 2, 2 * LIMIT, 2 * LIMIT + 1, 3 * LIMIT, 1000000]:
-            with self.subTest(length):
-                line = b"setoption name MultiPV value 3"
-                answer = self.option(line + b" " * (length - len(line) - 8) + b" isready\nisready\n")
-                self.assertEqual(len(answer), 2, answer)
-                self.assertTrue(answer[0].startswith("info string line of more than"))
-                self.assertEqual(answer[1], "readyok")
+        self.assertEqual(self.answers(b"isready\nfoo\nisready\n" * 50), ["readyok"] * 100)
 
     def test_the_queue_may_overflow_without_loss(self):
         lines = b"position startpos moves" + b" g1f3 g8f6 f3g1 f6g8" * 2500 + b"\nisready\n"
-        self.assertEqual(self.option(lines * 20), ["readyok"] * 20)
+        self.assertEqual(self.answers(lines * 20), ["readyok"] * 20)
 
-    def test_any_byte_may_come(self):
-        noise = bytes(i for i in range(256) if i not in b"\n\0@") * 50
-        self.assertEqual(self.option(noise + b"\nisready\n"), ["readyok"])
+    def test_a_line_longer_than_the_greatest_is_refused_whole(self):
+        for length in [LIMIT - 1, LIMIT, LIMIT + 1, LIMIT + 2, 2 * LIMIT, 2 * LIMIT + 1, 3 * LIMIT, 1000000]:
+            with self.subTest(length):
+                line = b"setoption name MultiPV value 3"
+                answers = self.answers(line + b" " * (length - len(line) - 8) + b" isready\nisready\n")
+                refused = f"info string line of more than {LIMIT} characters refused"
+                self.assertEqual(answers, [refused if length > LIMIT else "info string MultiPV set to 3", "readyok"])
 
 
 class End(unittest.TestCase):
-    """The end of the input, in every state of the engine."""
+    """The end of the input, in every state of the program."""
 
-    def run_script(self, script, *arguments):
-        with tempfile.TemporaryDirectory() as folder:
-            result = subprocess.run([os.environ["VREL"], "-nolog", "-hash", "1", *arguments], input=script.encode(),
-                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=HANG, cwd=folder,
-                                    check=True)
-        self.assertEqual(result.stderr, b"")
-        return result.stdout.decode().splitlines()
-
-    def replies(self, script, *arguments):
-        return [line for line in self.run_script(script, *arguments) if line.startswith("bestmove")]
-
-    def test_nothing_at_all(self):
-        self.assertEqual(self.run_script(""), [])
-
-    def test_lines_received_are_handled(self):
-        self.assertEqual(self.run_script("isready\nisready"), ["readyok", "readyok"])
-
-    def test_a_search_with_an_end_is_finished(self):
-        lines = self.run_script("position startpos moves e2e4\ngo depth 7\n")
-        self.assertTrue(any(line.startswith("info depth 7") for line in lines))
-        self.assertTrue(lines[-1].startswith("bestmove"))
+    def count(self, start, script, *arguments):
+        return sum(line.startswith(start) for line in run("-nolog", *arguments, script=script))
 
     def test_a_search_without_an_end_is_stopped_and_answered(self):
         for search in ["go infinite", "go ponder", "go ponder depth 2", "go movetime 999999999999",
                        "go wtime 999999999999", "go infinite\nposition startpos moves e2e4"]:
             with self.subTest(search):
-                replies = self.replies("position startpos\n" + search)
+                replies = [line for line in run("-nolog", script="position startpos\n" + search) if "best" in line]
                 self.assertEqual(len(replies), 1)
                 self.assertNotEqual(replies[0], "bestmove null")
 
-    def test_every_go_is_answered(self):
-        self.assertEqual(len(self.replies("go infinite\ngo ponder\ngo depth 2\ngo infinite\n")), 4)
+    def test_what_runs_is_finished(self):
+        self.assertEqual(self.count("move= ", "an\n", "-c"), 1)
+        self.assertEqual(self.count("move= null", MATE_IN_FEW, "-c"), 1)
+        self.assertEqual(self.count("visited ", MATE_IN_FEW + "perft 2\n", "-c"), 1)
+        self.assertEqual(self.count("move= ", "an\nedit\n#\n.\nbd\n", "-c"), 1)
+        self.assertEqual(self.count("4k3/", "edit\n#\nb Ke8", "-c"), 1)
 
-    def test_what_waits_for_a_free_engine_is_handled(self):
-        lines = self.run_script("go infinite\nisready\nsetoption name Threads value 3\nsetoption name Hash value 2\n"
-                                "ucinewgame\nisready\ngo depth 2")
-        rest = [line for line in lines if not line.startswith("info ") or "string" in line]
-        self.assertEqual([line.split()[0] for line in rest],
-                         ["readyok", "bestmove", "info", "info", "readyok", "bestmove"])
-
-    def test_an_analysis_is_stopped(self):
-        lines = self.run_script("an\n", "-c")
-        self.assertEqual(len([line for line in lines if line.startswith("move= ")]), 1)
-
-    def test_a_game_against_itself_is_played_to_its_end(self):
-        lines = self.run_script("fen 7k/8/5K2/8/8/8/8/R7 w - -\ndepth 5\nself\n", "-c")
-        self.assertEqual(len([line for line in lines if line.startswith("move= null")]), 1)
-
-    def test_a_tool_waits_in_line_behind_a_game_against_itself(self):
-        lines = self.run_script("fen 7k/8/5K2/8/8/8/8/R7 w - -\ndepth 5\nself\nperft 2\n", "-c")
-        self.assertEqual(len([line for line in lines if line.startswith("visited ")]), 1)
-        self.assertEqual(len([line for line in lines if line.startswith("move= null")]), 1)
-
-    def test_an_edit_ends(self):
-        lines = self.run_script("edit\n#\nw Ke1 Rh1\nb Ke8", "-c")
-        self.assertIn("4k3/8/8/8/8/8/8/4K2R b K -", lines)
-
-    def test_a_null_device_and_a_closed_input(self):
+    def test_commands_within_a_command_come_to_an_end(self):
         with tempfile.TemporaryDirectory() as folder:
-            for shell in ["< /dev/null", "<&-"]:
-                subprocess.run(["sh", "-c", '"$VREL" -nolog ' + shell], timeout=HANG, cwd=folder, check=True)
+            with open(os.path.join(folder, "tune.epd"), "w", encoding="ascii") as file:
+                file.write("8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - bm b4f4;\n" * 40)
+            script = "tune hung 20\n" + "tune hung 9\nperft 2\nev\nset\n" * 40 + "edit\n#\nw Ke1\nb Ke8\n.\n"
+            lines = run("-c", "-nolog", script=script, folder=folder)
+            self.assertEqual(lines.count("done!"), 41)
+            self.assertEqual(sum(line.startswith("visited ") for line in lines), 40)
+            self.assertIn("4k3/8/8/8/8/8/8/4K3 b - -", lines)
 
-    def test_a_file_is_read_to_its_end(self):
+
+class Interruptions(unittest.TestCase):
+    def searching(self, *lines):
+        program = Program("-c", "-nolog", "-hash", "1")
+        program.send("level 1 1000 0", *lines)
+        program.wait_for("01] 03")
+        return program
+
+    def test_commands_that_need_a_free_engine_end_the_search(self):
+        for command, reply in [("perft 1", "visited 20 "), ("tune x 1", "done!"), ("get x", "rnbq"), ("go 2", "move= "),
+                               ("self", "Ply= "), ("mkbook", ""), ("xyz\ne4", "1. move e4")]:
+            for search in ["an", "self"]:
+                with self.subTest(command, search=search):
+                    program = self.searching(search)
+                    program.send(*command.split("\n"))
+                    if not command.startswith("xyz"):
+                        program.wait_for("move= ")
+                    program.wait_for(reply)
+                    self.assertEqual(program.quit(), 0)
+
+    def test_commands_that_wait_for_an_analysis(self):
+        for command, reply in [("ev", "eval= "), ("set SE 1", "SE set to 1"), ("book", "")]:
+            for end in [".", "perft 1"]:  # or the end of the input
+                with self.subTest(command, end=end):
+                    program = self.searching("an")
+                    program.send(command, "noise 0", end)
+                    program.wait_for("move= ")
+                    program.wait_for(reply)
+                    if end == ".":
+                        program.send("an", command)
+                        program.close_input()
+                        self.assertTrue(any(line.startswith("move= ") for line in program.rest()))
+                        self.assertEqual(program.wait(), 0)
+                    else:
+                        program.wait_for("visited 20 ")
+                        self.assertEqual(program.quit(), 0)
+
+    def test_debug_shows_the_board_when_the_search_is_over(self):
+        program = self.searching("debug 1", "an")
+        program.send("e4")
+        for start in ["move= ", "1. move e4", "eval= "]:
+            program.wait_for(start)
+        self.assertEqual(program.quit(), 0)
+
+    def test_lines_wait_for_a_suite(self):
         with tempfile.TemporaryDirectory() as folder:
-            script = os.path.join(folder, "script")
-            with open(script, "w", encoding="ascii") as file:
-                file.write("position startpos\ngo depth 3\nisready")
-            result = subprocess.run(["sh", "-c", '"$VREL" -nolog < script'], timeout=HANG, cwd=folder, check=True,
-                                    stdout=subprocess.PIPE)
-            self.assertEqual(result.stdout.count(b"bestmove"), 1)
-            self.assertEqual(result.stdout.count(b"readyok"), 1)
+            with open(os.path.join(folder, "in.epd"), "w", encoding="ascii") as file:
+                file.write("8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - bm b4f4;\n" * 3)
+            lines = run("-nolog", "-d", "8", "-anepd", "in.epd", folder=folder,
+                        script="setoption name Hash value 2\nsetoption name Threads value 3\nposition startpos\n"
+                               "go infinite\nisready\n")
+            self.assertEqual(lines.count("readyok"), 1)
+            self.assertFalse([line for line in lines if line.startswith("info string")])
+            self.assertIn("3 / 3 correct best moves", lines)
+            lines = run("-nolog", "-d", "60", "-anepd", "in.epd", folder=folder, script="quit\n")
+            self.assertTrue(any(line.endswith("/ 1 correct best moves") for line in lines), lines)
+            with open(os.path.join(folder, "in.epd"), "a", encoding="ascii") as file:
+                file.write("8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - tune 0.7;\n" * 200)
+            run("-nolog", "-tune", "in.epd", folder=folder, script="quit\n")
+            with open(os.path.join(folder, "tune.log"), encoding="ascii") as file:
+                self.assertRegex(file.read().splitlines()[-1], r"pass \d+ broken off$")
 
 
-class Output(unittest.TestCase):
-    def test_a_full_disk_is_no_reason_to_end(self):
+class Progress(unittest.TestCase):
+    def test_a_long_search_shows_how_it_goes_on_unless_it_is_to_be_quiet(self):
+        state = r"info depth \d+ time \d+ nodes \d+ nps \d+ hashfull \d+$"
+        move = r"info currmove [a-h][1-8][a-h][1-8] currmovenumber \d+$"
+        programs = [Program("-nolog", "-hash", "1", *arguments) for arguments in ([], ["-threads", "2"], ["-quiet"])]
+        one, two, _ = programs
+        for program in programs:
+            program.send("position fen 8/p4k2/1p3p2/3p1Pp1/P2P2P1/1P2K3/8/8 w - -", "go infinite")
+        for program in (one, two):
+            while "hashfull" not in program.wait_for("info ")[-1]:
+                pass
+        one.wait_for("info currmove")
+        for program, form in zip(programs, [state + "|" + move, state, "never"]):
+            program.send("stop")
+            program.wait_for("bestmove")
+            lines = [line for line in program.seen if line.startswith("info ")]
+            self.assertEqual([line for line in lines if not re.match(form, line) and (form == "never" or " pv " not in line)], [])
+            self.assertEqual(program.quit(), 0)
+
+
+class Chance(unittest.TestCase):
+    def test_the_book_chooses_anew_in_every_program(self):
         with tempfile.TemporaryDirectory() as folder:
-            subprocess.run(["sh", "-c", 'printf "uci\\ngo depth 3\\nquit\\n" | "$VREL" > /dev/full'], timeout=HANG,
-                           cwd=folder, check=True)
+            shutil.copy(os.path.join(ROOT, "tests/data/book/choice.opn"), os.path.join(folder, "vrel.opn"))
+            shown = {tuple(run("-c", "-nolog", script="book\n", folder=folder)) for _ in range(6)}
+            self.assertGreater(len(shown), 1)
 
-    def test_an_output_that_does_not_block_loses_nothing(self):
-        read, write = os.pipe()
-        os.set_blocking(write, False)
-        with tempfile.TemporaryDirectory() as folder:
-            engine = subprocess.Popen([os.environ["VREL"], "-nolog"], stdin=subprocess.PIPE, stdout=write, cwd=folder)
-            os.close(write)
-            engine.stdin.write(b"uci\n" * 300)
-            engine.stdin.close()
-            time.sleep(1)  # the pipe is full by now
-            with open(read, "rb") as output:
-                self.assertEqual(output.read().count(b"\nuciok\n"), 300)
-            self.assertEqual(engine.wait(HANG), 0)
+
+class Terminal(unittest.TestCase):
+    def setUp(self):
+        self.program = Program("-c", "-nolog", "-hash", "1", terminal=True)
+        self.program.wait_for("white")
+
+    def test_half_a_line_keeps_nobody_from_thinking(self):
+        self.program.send("an")
+        self.program.send_bytes(b"e2")
+        self.program.wait_for("01] 05")
+        self.program.send("e4")
+        self.program.wait_for("1. move e2e4")
+        self.assertEqual(self.program.quit(), 0)
+
+    def test_the_end_of_file_key_ends_the_program(self):
+        self.program.close_input()
+        self.assertEqual(self.program.wait(), 0)
+
+    def test_a_terminal_that_goes_away_ends_the_program(self):
+        self.program.send("an")
+        self.program.wait_for("01] 03")
+        for end in (self.program.to, self.program.out):
+            os.close(end)
+        self.program.process.wait(60)
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(failfast=True)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -15,8 +16,10 @@
 namespace vrel {
 
 // The engine in a folder of its own, as the tools have fixed names for their files.
-class ToolTest : public EngineTest {
+class ToolTest : public ::testing::Test {
 protected:
+    static void SetUpTestSuite() { StartForTests(); }
+
     void SetUp() override {
         old_folder_ = std::filesystem::current_path();
         std::string name = (std::filesystem::temp_directory_path() / "vrel_tool_XXXXXX").string();
