@@ -1,7 +1,7 @@
 # What depends on the system and its processor: the folder of src/platform/ that serves it, flags and libraries.
 if(WIN32)
     set(VREL_SYSTEM windows)
-    set(VREL_SYSTEM_LIBRARIES winmm)
+    set(VREL_SYSTEM_LIBRARIES synchronization winmm)
     # Formats and places in files as everywhere else, and a stack as large as other systems give.
     add_compile_definitions(__USE_MINGW_ANSI_STDIO=1 _FILE_OFFSET_BITS=64 UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
     add_link_options(-Wl,--stack,8388608)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 
 namespace vrel {
 
@@ -11,6 +12,12 @@ int StartThread(ThreadBody body, void* argument);
 
 // Lets another thread have the processor, if one wants it.
 void LetOthersRun();
+
+// Sleeps while the byte has this value, and sees what was written before the change.
+void WaitForChange(const std::atomic<uint8_t>& byte, uint8_t value);
+
+// Wakes a thread that waits for the change of the byte that has just been made.
+void WakeWaiter(std::atomic<uint8_t>* byte);
 
 // A lock for stretches of a few instructions or one line of output: a waiter spins.
 class SpinLock {

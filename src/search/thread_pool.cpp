@@ -26,7 +26,7 @@ void* SearchThreadFunc(void* arg) {
         std::_Exit(0);
     SearchThread* self = GetThread(id);
     while (true) {
-        self->work_flag.wait(WORK_IDLE, std::memory_order_acquire);
+        WaitForChange(self->work_flag, WORK_IDLE);
         if (self->work_flag.load(std::memory_order_acquire) == WORK_END) {
             // The record may be replaced from here on.
             self->work_flag.store(WORK_IDLE, std::memory_order_release);
@@ -42,7 +42,7 @@ void WakeWorker(int id, WorkFlag flag) {
     SearchThread* worker = GetThread(id);
     assert(worker->work_flag.load(std::memory_order_relaxed) == WORK_IDLE);
     worker->work_flag.store(flag, std::memory_order_release);
-    worker->work_flag.notify_one();
+    WakeWaiter(&worker->work_flag);
 }
 
 void WaitUntilIdle() {

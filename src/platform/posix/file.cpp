@@ -71,9 +71,10 @@ FileLock::Claimed FileLock::Claim(const char* name) {
     // The old file is marked while it makes way, so that nobody takes it for his own meanwhile.
     FileLock old;
     old.file_ = OpenToMark(name);
+    const bool exists = old.file_ != NO_FILE || errno != ENOENT;
     if (old.file_ != NO_FILE && !Mark(static_cast<int>(old.file_)) && errno == EWOULDBLOCK)
         return IN_USE;
-    if (unlink(name) != 0 && errno != ENOENT)
+    if (exists && unlink(name) != 0 && errno != ENOENT)
         return IN_USE;
     Release();
     const int descriptor = open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);

@@ -4,6 +4,7 @@
 
 #include <io.h>
 
+#include <cerrno>
 #include <cwchar>
 
 #include "platform/windows/wide.h"
@@ -26,6 +27,22 @@ bool Mark(HANDLE file) {
     OVERLAPPED place{};
     place.OffsetHigh = 0x40000000;
     return LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) != 0;
+}
+
+// The C library's number for the last failure of a call of the system.
+int LastError() {
+    switch (GetLastError()) {
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_PATH_NOT_FOUND:
+            return ENOENT;
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            return ENOSPC;
+        case ERROR_WRITE_PROTECT:
+            return EROFS;
+        default:
+            return EACCES;
+    }
 }
 
 uint64_t Join(DWORD high, DWORD low) { return uint64_t{high} << 32 | low; }
@@ -83,8 +100,12 @@ bool FileLock::Hold(const char* name) {
 FileLock::Claimed FileLock::Claim(const char* name) {
     Release();
     const HANDLE file = Open(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
-    if (file == INVALID_HANDLE_VALUE)
-        return FileExists(name) ? IN_USE : NOT_TO_BE_HAD;
+    if (file == INVALID_HANDLE_VALUE) {
+        const int error = LastError();
+        const bool exists = FileExists(name);
+        errno = error;
+        return exists ? IN_USE : NOT_TO_BE_HAD;
+    }
     file_ = reinterpret_cast<intptr_t>(file);
     if (Mark(file) && SetEndOfFile(file) != 0)
         return CLAIMED;
