@@ -98,7 +98,8 @@ extern PersonalityRecord DefaultPersonality;
 void InitPersonality();
 
 // Number of weights that the gradient descent of the tuner works on.
-#define VREL_COUNT(name, value, use) +(((use)&DESCENT) != 0)
+// A term of a sum.
+#define VREL_COUNT(name, value, use) +(((use)&DESCENT) != 0)  // NOLINT(bugprone-macro-parentheses)
 inline constexpr int TUNED_WEIGHTS = 0 VREL_WEIGHTS(VREL_COUNT);
 #undef VREL_COUNT
 

@@ -61,7 +61,7 @@ void WithFormatted(const char* format, va_list arguments, void (*sink)(const cha
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
-    const auto size = static_cast<size_t>(length < 0 ? 0 : length);
+    const size_t size = length < 0 ? 0U : static_cast<unsigned>(length);
     if (size < line.size()) {
         sink(line.data(), size);
     } else {

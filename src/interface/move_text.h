@@ -13,7 +13,7 @@ using MoveText = std::array<char, MOVE_TEXT>;
 
 // Names of the squares.
 extern const std::array<const char*, 64> tbl;
-inline const char* algbr(int sq) { return tbl[static_cast<size_t>(sq & 63)]; }
+inline const char* algbr(int sq) { return tbl[sq & 63]; }
 
 // Letters of standard notation by piece type.
 inline constexpr std::array<char, 8> piece_letters = {' ', 'P', 'N', 'B', 'R', 'Q', 'K', ' '};

@@ -147,8 +147,9 @@ void PlayMoves(Position* game, const char* text) {
 void SetGame(const char* rest) {
     rest += std::strspn(rest, " \t");
     const char* moves = std::strstr(rest, "moves");
-    const auto length = moves == nullptr ? std::strlen(rest) : static_cast<size_t>(moves - rest);
-    const std::string text(rest, moves != nullptr && length > 0 ? length - 1 : length);
+    // The moves begin one character behind the text of the position.
+    const char* end = moves == nullptr ? rest + std::strlen(rest) : std::max(rest, moves - 1);
+    const std::string text(rest, end);
     Position* game = GamePosition();
     if (text.find("startpos") != std::string::npos)
         SetPosition(game, fen_opn);
