@@ -6,46 +6,31 @@
 
 #include "board/position.h"
 
-// Who attacks what. Attack sets are made from the lines of a square by subtraction; yes-or-no questions build no set
-// but walk the few sliders on the lines of a square. All functions take "no square": nothing attacks it.
+// Who attacks what. Attack sets come from tables; yes-or-no questions build no set but walk the few sliders on the
+// lines of a square. All functions take "no square": nothing attacks it.
 namespace vrel {
 
-// What the attack sets of a slider need about its square, in one cache line. "No square" has empty lines.
-struct alignas(64) SquareLines {
-    uint64_t file, diagonal, antidiagonal;  // without the square itself
-    uint64_t west, east;
-    uint64_t bit;
-    uint64_t turned_bit;  // on the board turned upside down
+// How the attack sets of a rook or bishop on one square are looked up ("magic bitboards"): of the occupied squares
+// those on its lines count, but for the rim, where a line ends anyhow. A multiplication brings them together in the
+// highest bits, which number the sets of the square; two occupations share a number only where they give the same set.
+struct SliderTable {
+    uint64_t mask;
+    uint64_t multiplier;
+    const uint64_t* attacks;
+    int shift;
 };
-extern const std::array<SquareLines, SQUARES> square_lines;
+extern std::array<SliderTable, SQUARES> bishop_tables;  // "no square" has one set, which is empty
+extern std::array<SliderTable, SQUARES> rook_tables;
 
-// The squares that a slider reaches along one line that isn't a rank, first blockers included. Taking the slider from
-// the occupied squares of its line borrows from the nearest blocker above, and so changes just what lies between; on
-// the board turned upside down the same holds for the blocker below.
-inline uint64_t LineAttacks(const SquareLines& lines, uint64_t line, uint64_t occ) {
-    const uint64_t blockers = line & occ;
-    const uint64_t above = blockers - lines.bit;
-    const uint64_t below = __builtin_bswap64(__builtin_bswap64(blockers) - lines.turned_bit);
-    return (above ^ below) & line;
-}
-
-// The same along a rank, which turning the board doesn't reverse. To the right, taking one flips everything up to the
-// nearest blocker; to the left, everything from the nearest blocker on counts.
-inline uint64_t RankAttacks(const SquareLines& lines, uint64_t occ) {
-    const uint64_t right = lines.east & occ;
-    const uint64_t from_left = ~0ULL << GetMSB((lines.west & occ) | 1);
-    return (lines.east & (right ^ (right - 1))) | (lines.west & from_left);
-}
+// Fills these tables. Called once, after InitializeBitboards and before anything else of the engine.
+void InitializeAttacks();
 
 // Attack sets of a slider on `sq` over the occupied set `occ`, the first blocker of each direction included.
-inline uint64_t GenAttacksB(Square sq, uint64_t occ) {
-    const SquareLines& lines = square_lines[sq];
-    return LineAttacks(lines, lines.diagonal, occ) | LineAttacks(lines, lines.antidiagonal, occ);
+inline uint64_t SliderAttacks(const SliderTable& table, uint64_t occ) {
+    return table.attacks[((occ & table.mask) * table.multiplier) >> table.shift];
 }
-inline uint64_t GenAttacksR(Square sq, uint64_t occ) {
-    const SquareLines& lines = square_lines[sq];
-    return LineAttacks(lines, lines.file, occ) | RankAttacks(lines, occ);
-}
+inline uint64_t GenAttacksB(Square sq, uint64_t occ) { return SliderAttacks(bishop_tables[sq], occ); }
+inline uint64_t GenAttacksR(Square sq, uint64_t occ) { return SliderAttacks(rook_tables[sq], occ); }
 
 // Pawns, knights and king of a side that attack `sq`.
 inline uint64_t SteppersAt(const Position& pos, Side side, Square sq) {

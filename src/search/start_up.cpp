@@ -1,5 +1,6 @@
 #include "search/start_up.h"
 
+#include "board/attacks.h"
 #include "board/bitboards.h"
 #include "board/fen.h"
 #include "board/search_thread.h"
@@ -16,6 +17,7 @@ bool StartEngine(const std::function<void()>& configure) {
     if (InitNewThread(0) != 0)
         return false;
     InitializeBitboards();
+    InitializeAttacks();
     KPKgen();
     SetDefaults();
     InitPersonality();
