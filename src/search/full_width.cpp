@@ -22,7 +22,9 @@ struct MoveLoop {
     Position* pos;
     PlyFrame* frame;
     SearchThread* thread;
-    int side, ply, depth;
+    Side side;
+    Ply ply;
+    Depth depth;
     int alpha, beta;
     NodeType node_type;
     bool in_check;
@@ -45,12 +47,12 @@ int SelectReduction(const MoveLoop& loop, const MoveEntry& entry, int ext) {
     return Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
 }
 
-int SearchChild(MoveLoop* loop, int depth, int alpha, int beta, NodeType type) {
+int SearchChild(MoveLoop* loop, Depth depth, int alpha, int beta, NodeType type) {
     return -Search(loop->pos, loop->side ^ 1, loop->ply + 1, depth, -beta, -alpha, type, loop->local_pv);
 }
 
 // The move has been made. Scouts that fail high are searched again at full depth, reduced or not.
-int SearchMove(MoveLoop* loop, const MoveEntry& entry, int new_depth, int reduction) {
+int SearchMove(MoveLoop* loop, const MoveEntry& entry, Depth new_depth, int reduction) {
     if (loop->searched == 0 || new_depth <= 1)
         return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta, node_opp[loop->node_type]);
     loop->frame->reduction = static_cast<uint8_t>(reduction);
@@ -99,7 +101,7 @@ int FinishNode(const MoveLoop& loop) {
 
 }  // namespace
 
-int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, NodeType node_type,
+int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, bool in_check, NodeType node_type,
               Move* pv) {
     assert(pos->ply == ply && pos->stm == side);
     PlyFrame* frame = pos->frames + ply;

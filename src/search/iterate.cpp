@@ -23,7 +23,7 @@ constexpr int REDO_DEPTH = 7;
 constexpr int STAGGER = 5;  // milliseconds
 
 // With no depth to search the answer is a quiescence search of the root.
-void SearchQuiet(SearchThread* thread, int side, bool in_check) {
+void SearchQuiet(SearchThread* thread, Side side, bool in_check) {
     if (thread->id != 1 || in_check)
         return;
     PvLine line{};
@@ -65,13 +65,13 @@ int RootMoves(const Position& pos) {
     return n;
 }
 
-void BeginIteration(SearchThread* thread, int d) {
+void BeginIteration(SearchThread* thread, Depth d) {
     thread->iter_nodes[d] = 0;
     thread->iter_score[d] = NO_SCORE;
 }
 
 // The list ends with the best lines in order. Worker 1 publishes only the first.
-void SearchSeveralLines(SearchThread* thread, int side, int d) {
+void SearchSeveralLines(SearchThread* thread, Side side, Depth d) {
     BeginIteration(thread, d);
     const int moves = RootMoves(thread->pos);
     for (int i = 0; i < PBlock.multipv && i < moves; ++i) {
@@ -95,7 +95,7 @@ void PerturbRootOrder(SearchThread* thread) {
 }
 
 // Side workers leave a depth that enough others are at. True to skip it.
-bool SkipDepth(SearchThread* thread, int d) {
+bool SkipDepth(SearchThread* thread, Depth d) {
     const int nthreads = PBlock.nthreads;
     int there = 0;
     for (int k = 1; k <= nthreads; ++k)
@@ -109,7 +109,7 @@ bool SkipDepth(SearchThread* thread, int d) {
 
 // A side worker has a clearly better score for another move at this depth or beyond: worker 1 looks again, with the
 // table as the side worker has filled it.
-void RedoIteration(SearchThread* thread, int side, int d) {
+void RedoIteration(SearchThread* thread, Side side, Depth d) {
     if (PBlock.depth <= REDO_DEPTH)
         return;
     for (int k = 2; k <= PBlock.nthreads; ++k) {
@@ -121,7 +121,7 @@ void RedoIteration(SearchThread* thread, int side, int d) {
     }
 }
 
-void SearchOneLine(SearchThread* thread, int side, int d) {
+void SearchOneLine(SearchThread* thread, Side side, Depth d) {
     BeginIteration(thread, d);
     SearchRoot(&thread->pos, side, d, 0);
     if (thread->id != 1)
@@ -133,14 +133,14 @@ void SearchOneLine(SearchThread* thread, int side, int d) {
 }
 
 // A forced mate that is shorter than the depth searched needs no further iteration.
-bool MateIsCertain(const SearchThread& thread, int d) {
+bool MateIsCertain(const SearchThread& thread, Depth d) {
     const int v = thread.iter_score[d];
     return v >= 9999 - d || v < d - 9999;
 }
 
-void Deepen(SearchThread* thread, int side) {
+void Deepen(SearchThread* thread, Side side) {
     const int id = thread->id;
-    for (int d = 1; d <= PBlock.max_depth; ++d) {
+    for (Depth d = 1; d <= PBlock.max_depth; ++d) {
         const bool several = PBlock.multipv > 1 && d > MULTIPV_DEPTH;
         if (!several && id > 1 && d > POLICY_DEPTH && d < PBlock.max_depth && SkipDepth(thread, d))
             continue;
@@ -167,7 +167,7 @@ void SearchIterations(int id) {
     assert(id >= 1 && id <= PBlock.nthreads);
     SearchThread* thread = GetThread(id);
     Position* pos = &thread->pos;
-    const int side = pos->stm;
+    const Side side = pos->stm;
 
     thread->depth = 0;
     thread->root_state = ROOT_AT_WORK;

@@ -28,7 +28,9 @@ constexpr int AFTER_EXTENSION = -8;  // ... and what it restarts with
 struct Node {
     Position* pos;
     PlyFrame* frame;
-    int side, ply, depth;
+    Side side;
+    Ply ply;
+    Depth depth;
     int a, b;  // the window after the mate-distance clip
     NodeType node_type;
     int eval;
@@ -55,14 +57,14 @@ void ResetFrame(const Node& node, Move* pv) {
     pv[node.ply + 1] = NO_MOVE;
 }
 
-bool IsInCheck(const Position& pos, int side, int gives_check) {
+bool IsInCheck(const Position& pos, Side side, int gives_check) {
     if (gives_check != CHECK_UNKNOWN)
         return gives_check == CHECK_YES;
     return SqAtakd(pos, KingSquare(pos, side), side ^ 1);
 }
 
 // A position that occurred once before counts as a draw only some way into the tree.
-bool IsDraw(Position* pos, int ply, bool in_check) {
+bool IsDraw(Position* pos, Ply ply, bool in_check) {
     if (ply > 2 && pos->fifty > 100)
         return IsMate(pos, in_check) == 0;
     const int repetitions = CountRepetitions(*pos);
@@ -113,7 +115,7 @@ bool Razor(const Node& node, Move* pv) {
     if (node.node_type != NODE_ALL || node.in_check || node.depth > Personality.RP_depth)
         return false;
     const int margin = Personality.RP_margin[MarginDepth(node.depth)];
-    const int side = node.side;
+    const Side side = node.side;
     if (node.a - margin <= node.eval || node.tt_high || node.frame->free_pawn_rank[side] > MAX_FREE_PAWN_RANK ||
         node.pos->npv[side ^ 1] <= 0 || !WindowIsInner(node))
         return false;
@@ -124,7 +126,7 @@ bool Razor(const Node& node, Move* pv) {
 // What static null pruning and the null move have in common: the node stands well above beta and nothing speaks
 // against it.
 bool MayPassTurn(const Node& node) {
-    const int side = node.side;
+    const Side side = node.side;
     return node.node_type == NODE_CUT && !node.in_check && node.eval > node.b + NULL_MOVE_MARGIN && !node.tt_low &&
            node.frame->free_pawn_rank[side ^ 1] <= MAX_FREE_PAWN_RANK && node.pos->npv[side] > 0 && WindowIsInner(node);
 }
@@ -147,7 +149,7 @@ bool MayTryNullMove(const Node& node) {
 int NullMoveSearch(const Node& node, Move* pv) {
     Position* pos = node.pos;
     const int reduction = node.depth > 6 && node.eval > node.b + 99 ? 4 : 3;
-    const int depth = node.depth - reduction <= 0 ? 0 : node.depth - reduction - 1;
+    const Depth depth = node.depth - reduction <= 0 ? 0 : node.depth - reduction - 1;
     // The child looks at its parent's move in work like at that of any move.
     MoveEntry* list = node.frame->first;
     list[0] = {};
@@ -163,7 +165,7 @@ int NullMoveSearch(const Node& node, Move* pv) {
 
 // Internal deepening: a move to begin with where the table has none, or only a shallow one.
 void DeepenInternally(const Node& node, Move* pv) {
-    int depth = 0;
+    Depth depth = 0;
     if (node.node_type == NODE_PV)
         depth = node.depth >= 4 ? node.depth - 3 : 0;
     else if (node.depth > 4)
@@ -191,7 +193,7 @@ void CountPath(const Node& node, SearchThread* thread) {
 
 }  // namespace
 
-int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
+int Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv) {
     assert(pos->ply == ply && pos->stm == side);
     SearchThread* thread = ThreadOf(pos);
     thread->nodes.Add(1);

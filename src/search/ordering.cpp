@@ -24,7 +24,7 @@ enum PickerStage : uint16_t {
 
 constexpr int16_t HISTORY_START = 2048;
 
-int LastTo(const Position& pos) { return pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE; }
+Square LastTo(const Position& pos) { return pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE; }
 
 uint32_t MoveHash(Move move) { return static_cast<uint32_t>(rtable[ToSquare(move)] ^ rtable[FromSquare(move)]); }
 
@@ -35,13 +35,13 @@ size_t FollowupHash(const Position& pos) {
 }
 
 int RefutationIndex(const Position& pos) {
-    const int to = ToSquare(pos.last_move);
+    const Square to = ToSquare(pos.last_move);
     return (to << 4) + pos.board[to];
 }
 
 void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
     const Move hash_move = pos->frames[pos->ply].hash_move;
-    const int last_to = LastTo(*pos);
+    const Square last_to = LastTo(*pos);
     uint8_t* order = OrderOf(ThreadOf(pos), list);
     for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
         if (entry->move == hash_move) {
@@ -119,7 +119,7 @@ MoveEntry* HashMoveEntry(Position* pos, PlyFrame* frame) {
 
 // The list starts behind the hash move, whose terminator is overwritten.
 void GenerateActive(Position* pos, MoveEntry* list) {
-    const int side = pos->stm;
+    const Side side = pos->stm;
     MoveEntry* end = GeneratePawnCaptures(*pos, side, list);
     end = GeneratePieceCaptures(*pos, side, end);
     end = GeneratePromotions(*pos, side, true, end);
@@ -261,7 +261,7 @@ void SetFollowup(Position* pos, Move move) {
     ThreadOf(pos)->followup[FollowupHash(*pos)] = move;
 }
 
-void UpdateKillers(Position* pos, int ply, Move move, bool in_check) {
+void UpdateKillers(Position* pos, Ply ply, Move move, bool in_check) {
     PlyFrame& frame = pos->frames[ply];
     if (in_check) {
         frame.check_killer = move;

@@ -57,7 +57,7 @@ Move GetFollowup(const Position& pos);
 void SetFollowup(Position* pos, Move move);
 
 // For a quiet move that caused a cut.
-void UpdateKillers(Position* pos, int ply, Move move, bool in_check);
+void UpdateKillers(Position* pos, Ply ply, Move move, bool in_check);
 
 // Gravity: a step towards the ceiling or towards 0, smaller the nearer it is.
 inline int16_t& HistoryOf(SearchThread* thread, const MoveEntry& entry) {

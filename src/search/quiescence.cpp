@@ -23,7 +23,7 @@ constexpr int DELTA_MARGIN = 150;
 enum QuietStage : uint16_t { STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
 
 void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
-    const int last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
+    const Square last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
     uint8_t* order = OrderOf(ThreadOf(pos), list);
     for (const MoveEntry* entry = list; entry != end; ++entry, ++order) {
         int value = (entry->move & PROMOTE_QUEEN) ? ORDER_QUEEN_PROMOTION : 1;
@@ -35,7 +35,7 @@ void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
     }
 }
 
-void GenerateActive(Position* pos, PlyFrame* frame, int side) {
+void GenerateActive(Position* pos, PlyFrame* frame, Side side) {
     MoveEntry* end = GeneratePawnCaptures(*pos, side, frame->first);
     end = GeneratePieceCaptures(*pos, side, end);
     end = GeneratePromotions(*pos, side, false, end);
@@ -45,7 +45,7 @@ void GenerateActive(Position* pos, PlyFrame* frame, int side) {
     frame->current = frame->first;
 }
 
-void GenerateQuietChecks(Position* pos, PlyFrame* frame, int side) {
+void GenerateQuietChecks(Position* pos, PlyFrame* frame, Side side) {
     CloseList(pos, GenerateChecks(*pos, side, frame->first));
     frame->stage = STAGE_CHECKS;
     frame->current = frame->first;
@@ -63,7 +63,7 @@ MoveEntry* GetNextMoveQU(Position* pos, PlyFrame* frame) {
 }
 
 // Even with the victim and a margin the move doesn't reach alpha. Pawns about to promote are left alone.
-bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
+bool TooLittleToGain(const MoveEntry& entry, Side side, int eval, int a) {
     if (TypeOf(entry.piece) == PAWN && RelativeRank(side, ToSquare(entry.move)) >= 6)
         return false;
     return eval <= a - (piece_value[TypeOf(entry.captured)] + DELTA_MARGIN);
@@ -71,7 +71,7 @@ bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
 
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
 // anything else must promise enough besides.
-bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, int side, int eval, int a) {
+bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, Side side, int eval, int a) {
     if (check == 2 || EndgamePruneExclusion(pos, entry))
         return true;
     if (check == 0 && TooLittleToGain(entry, side, eval, a))
@@ -81,7 +81,7 @@ bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, int sid
 
 }  // namespace
 
-int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
+int Q_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv) {
     assert(pos->ply == ply && pos->stm == side && alpha < beta);
     PlyFrame* frame = pos->frames + ply;
     const int eval = frame->eval;
@@ -90,7 +90,7 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, N
     int a = std::max(alpha, eval);
     // Beyond the horizon the best recapture on the last square is credited, and no move is made.
     if (depth < CAPTURE_HORIZON && node_type != NODE_PV) {
-        const int target = ToSquare(pos->last_move);
+        const Square target = ToSquare(pos->last_move);
         if (eval + piece_value[TypeOf(pos->board[target])] <= a)
             return a;
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, target, Occupied(*pos)));

@@ -34,7 +34,9 @@ struct RootPass {
     Position* pos;
     SearchThread* thread;
     PlyFrame* frame;
-    int side, depth, first_index;
+    Side side;
+    Depth depth;
+    int first_index;
     int prev, delta;
     int n = 0;  // moves searched so far
     int best = NO_SCORE;
@@ -45,7 +47,7 @@ struct RootPass {
     PvLine local_pv{};
 };
 
-int SearchChild(RootPass* pass, int depth, int lo, int hi, NodeType type) {
+int SearchChild(RootPass* pass, Depth depth, int lo, int hi, NodeType type) {
     return -Search(pass->pos, pass->side ^ 1, 2, depth, -hi, -lo, type, pass->local_pv.data());
 }
 
@@ -185,7 +187,7 @@ bool NodesAreUsedUp(const SearchThread& thread) {
     return PBlock.nthreads == 1 || (thread.id == 1 && PBlock.depth > 1);
 }
 
-RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
+RootPass BeginPass(Position* pos, Side side, Depth depth, int first_index) {
     SearchThread* thread = ThreadOf(pos);
     PlyFrame* frame = pos->frames + 1;
     frame->node_type = NODE_PV;
@@ -214,7 +216,7 @@ RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
 
 }  // namespace
 
-int AspirationWidth(int score, int depth) { return std::max(4 * (16 - depth), 24) + std::abs(score) / 16; }
+int AspirationWidth(int score, Depth depth) { return std::max(4 * (16 - depth), 24) + std::abs(score) / 16; }
 
 uint8_t RootSortValue(int score) {
     if (score < -1000)
@@ -227,7 +229,7 @@ uint8_t RootSortValue(int score) {
     return static_cast<uint8_t>(score < 0 ? 120 - l : 120 + l);
 }
 
-void SearchRoot(Position* pos, int side, int depth, int first_index) {
+void SearchRoot(Position* pos, Side side, Depth depth, int first_index) {
     assert(pos->ply == 1 && pos->stm == side && depth >= 1 && depth < FRAMES);
     RootPass pass = BeginPass(pos, side, depth, first_index);
     SearchThread* thread = pass.thread;

@@ -29,16 +29,16 @@ using SharedLine = std::array<Relaxed<Move>, FRAMES>;
 void SearchIterations(int id);
 
 // One pass over the root list from place `first_index` on.
-void SearchRoot(Position* pos, int side, int depth, int first_index);
+void SearchRoot(Position* pos, Side side, Depth depth, int first_index);
 
 // A node below the root; the result lies in [alpha, beta] after the mate-distance clip.
-int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv);
+int Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv);
 
 // Move loop of a node that Search doesn't settle by itself; the result may lie outside the window.
-int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, NodeType node_type,
+int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, bool in_check, NodeType node_type,
               Move* pv);
 
 // Quiescence: settles a node at depth 0 or below that isn't in check. Evaluate has run for this ply.
-int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv);
+int Q_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv);
 
 }  // namespace vrel

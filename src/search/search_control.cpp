@@ -43,7 +43,7 @@ void ResetPublishedLine(const Position& game) {
 }
 
 // A mate at least as good as what stands, a deeper line unless a mate stands, or a better line of the same depth.
-bool Qualifies(int score, int depth) {
+bool Qualifies(int score, Depth depth) {
     return (score > MATE_BOUND + 1 && score >= PBlock.score) || (depth > PBlock.depth && PBlock.score <= MATE_BOUND) ||
            (depth == PBlock.depth && score > PBlock.score);
 }
@@ -67,7 +67,7 @@ void SetLimits(const SearchLimits& limits) {
     PBlock.moves_to_go = static_cast<int16_t>(limits.moves_to_go);
 }
 
-void LimitDepth(int depth) {
+void LimitDepth(Depth depth) {
     SearchLimits limits = LimitsInForce();
     limits.max_depth = depth;
     SetLimits(limits);
@@ -171,7 +171,7 @@ void SearchOnWorkers() {
 
 void SearchAtDepthZero() {
     PBlock.report = EvalReport{};
-    const int max_depth = PBlock.max_depth;
+    const Depth max_depth = PBlock.max_depth;
     LimitDepth(0);
     InitSearch(STATE_IDLE);
     SearchHere();
@@ -188,7 +188,7 @@ SearchResult PublishedResult() { return {PBlock.pv[1], PBlock.pv[2], PBlock.scor
 bool PublishLine(const SearchThread& master) {
     assert(master.id == 1);
     const int score = master.score;
-    const int depth = master.best_depth;
+    const Depth depth = master.best_depth;
     const SpinGuard guard(&spinlock1);
     if (!Qualifies(score, depth))
         return false;
@@ -209,7 +209,7 @@ void PublishMove(Move best) {
 
 void PublishScore(int score) { PBlock.score = static_cast<int16_t>(score); }
 
-void PublishFinishedDepth(int depth) {
+void PublishFinishedDepth(Depth depth) {
     if (PBlock.done_depth < depth)
         PBlock.done_depth = static_cast<int8_t>(depth);
 }

@@ -16,7 +16,7 @@ namespace vrel {
 
 // How far a search may go. PBlock holds the limits in force: what a command doesn't name stays for the next search.
 struct SearchLimits {
-    int max_depth;                // last iteration
+    Depth max_depth;              // last iteration
     int64_t max_nodes;            // of one worker, 0 for none
     int level_moves;              // 0 sudden death; 1 fixed time per move; above 1 a control of so many moves
     double level_time;            // seconds per move or per control
@@ -29,7 +29,7 @@ SearchLimits LimitsInForce();
 void SetLimits(const SearchLimits& limits);
 
 // The last iteration of the searches to come; the other limits stay.
-void LimitDepth(int depth);
+void LimitDepth(Depth depth);
 
 // What commands ask for
 // ------------------------------------------------------------------------------------------------
@@ -107,7 +107,7 @@ struct SearchResult {
     Move best;  // NO_MOVE if there is none
     Move ponder;
     int score;  // centipawns for the side to move at the root
-    int depth;
+    Depth depth;
 };
 SearchResult PublishedResult();
 
@@ -119,7 +119,7 @@ void PublishMove(Move best);
 void PublishScore(int score);
 
 // Worker 1 has finished an iteration, or found that the move is easy: 1 a single legal move, 2 one far ahead.
-void PublishFinishedDepth(int depth);
+void PublishFinishedDepth(Depth depth);
 void PublishEasy(int easy);
 
 }  // namespace vrel

@@ -77,7 +77,7 @@ LineText ConsoleLine(const Move* pv, int most) {
     return text;
 }
 
-void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
+void ShowUciLine(int id, char mark, int mpv, Depth depth, int score, const Move* pv) {
     const Rates rates = CurrentRates();
     const LineText line = UciLine(pv);
     if (uci_extra) {
@@ -92,7 +92,7 @@ void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* p
                   score, rates.nodes, rates.nps, line.c_str());
 }
 
-void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
+void ShowConsoleLine(int id, char mark, int mpv, Depth depth, int score, const Move* pv) {
     const LineText line = ConsoleLine(pv, mpv == -1 ? SHORT_LINE : LONG_LINE);
     ShowFormatted("%02d] %02d%c %5.1f %7.0fK %5d  %s", id, depth, mark, PBlock.elapsed.Get(),
                   CurrentRates().nodes / 1000, score, line.c_str());
@@ -114,7 +114,7 @@ void Collect() {
     }
 }
 
-void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply) {
+void UpdatePV(Move* pv, const Move* child_pv, Move move, Ply ply) {
     pv[ply] = move;
     for (int i = ply + 1; i < FRAMES; ++i) {
         pv[i] = child_pv[i];
@@ -135,14 +135,14 @@ void NewBestMove(SearchThread* thread) {
         return;
     if (!PublishLine(*thread))
         return;
-    const int depth = thread->best_depth;
+    const Depth depth = thread->best_depth;
     if (depth > 1 && PBlock.multipv == 1)
         DisplaySearchInfo(thread->id, -1, depth, thread->score, CopyPV(thread->pv).data());
 }
 
 bool SearchIsSilent() { return PBlock.noise == SILENT || PBlock.noise > PBlock.elapsed; }
 
-void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
+void DisplaySearchInfo(int id, int mpv, Depth depth, int score, const Move* pv) {
     // A search that has been stopped shows its result within the first seconds as well.
     const bool silent = PBlock.stop ? PBlock.noise == SILENT : SearchIsSilent();
     if (silent || depth == 0 || pv[1] == NO_MOVE)
@@ -193,7 +193,7 @@ void UCI_ShowCurrentMove(Move move, int number) {
 }
 
 double EffectiveBranchingFactor() {
-    const int depth = PBlock.done_depth;
+    const Depth depth = PBlock.done_depth;
     if (depth <= 5)
         return 2.0;
     const auto& iter_nodes = GetThread(1)->iter_nodes;

@@ -17,7 +17,7 @@ namespace {
 constexpr int MAX_REDUCTION_PAIR = 4;
 
 int MoveColumn(int searched) { return std::min(searched, 31); }
-int TableDepth(int depth) { return std::clamp(depth, 0, 69); }
+int TableDepth(Depth depth) { return std::clamp(depth, 0, 69); }
 
 // The move takes the opponent's last piece other than pawns.
 bool CaptureLastPiece(const Position& pos, const MoveEntry& entry) {
@@ -37,7 +37,7 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 }  // namespace
 
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
-    const int side = pos.stm;
+    const Side side = pos.stm;
     const int check = MoveGivesCheck(pos, side, *entry, checks);
     const bool push7 =
         static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == 6);
@@ -58,9 +58,9 @@ int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks)
     return 0;
 }
 
-bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched) {
+bool PruneMove(const Position& pos, const MoveEntry& entry, Depth depth, int searched) {
     const PlyFrame& frame = pos.frames[pos.ply];
-    const int side = pos.stm;
+    const Side side = pos.stm;
     if (entry.flags & ANY_FLAG)
         return false;
     if (EndgamePruneExclusion(pos, entry))
@@ -89,7 +89,7 @@ bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry) {
     return CaptureLastPiece(pos, entry) || pawns <= 1;
 }
 
-int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, NodeType node_type) {
+int Reduction(const Position& pos, const MoveEntry& entry, Depth depth, int searched, NodeType node_type) {
     if (depth < Personality.LMR_depth)
         return 0;
     const auto& table = node_type == NODE_PV ? Personality.LMR_table1 : Personality.LMR_table2;

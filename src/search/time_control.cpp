@@ -119,7 +119,7 @@ void GetElapsedTime(int flag) {
 }
 
 void SetTimeBudget(const Position& game) {
-    const int side = game.stm;
+    const Side side = game.stm;
     if (PBlock.level_moves == 1) {
         PBlock.trg_time = PBlock.level_time.Get();
         PBlock.clock[side] = PBlock.level_time.Get();

@@ -72,7 +72,7 @@ uint64_t CheckWord(const TTData& data, uint64_t key) {
 bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MASK) == 0; }
 
 // First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
-TTEntry* Bucket(uint64_t key, int stm) {
+TTEntry* Bucket(uint64_t key, Side stm) {
     const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
     return htable[stm] + slot;
 }
@@ -162,7 +162,7 @@ void ProbeTTable(Position* pos, TTData* result) {
         thread->tt_hits.Add(1);
 }
 
-void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move) {
+void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move) {
     if (!PBlock.use_hash || !slots)
         return;
     assert(score >= -10000 && score <= 10000);
@@ -194,12 +194,12 @@ void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type,
     target->check.store(CheckWord(data, key), std::memory_order_relaxed);
 }
 
-void PrefetchTTable(uint64_t key, int stm) {
+void PrefetchTTable(uint64_t key, Side stm) {
     if (slots)
         __builtin_prefetch(Bucket(key, stm));
 }
 
-int CompressScore(int score, int ply) {
+int CompressScore(int score, Ply ply) {
     if (score > MATE_BOUND)
         return score + ply;
     if (score < -MATE_BOUND - 1)
@@ -207,7 +207,7 @@ int CompressScore(int score, int ply) {
     return score;
 }
 
-int ExpandScore(int score, int ply) {
+int ExpandScore(int score, Ply ply) {
     if (score > MATE_BOUND)
         return score - ply;
     if (score < -MATE_BOUND - 1)

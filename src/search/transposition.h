@@ -44,13 +44,13 @@ void CheckTTable();
 void ProbeTTable(Position* pos, TTData* result);
 
 // `score` as the search sees it at `ply`.
-void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move);
+void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move);
 
 // Brings the bucket of a key into the cache ahead of its probe.
-void PrefetchTTable(uint64_t key, int stm);
+void PrefetchTTable(uint64_t key, Side stm);
 
 // Mates go into the table as a distance from this node, so that an entry holds at any ply.
-int CompressScore(int score, int ply);
-int ExpandScore(int score, int ply);
+int CompressScore(int score, Ply ply);
+int ExpandScore(int score, Ply ply);
 
 }  // namespace vrel
