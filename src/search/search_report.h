@@ -36,7 +36,10 @@ void NewBestMove(SearchThread* thread);
 // True while no lines are wanted: in the first seconds of a search, or at all.
 bool SearchIsSilent();
 
-// One info line. `mpv` is the MultiPV index, -1 for a report while the search runs.
+// In place of a MultiPV index: the report of a line while the iteration runs.
+inline constexpr int ITERATION_RUNS = -1;
+
+// One info line. `mpv` is the MultiPV index or ITERATION_RUNS.
 void DisplaySearchInfo(int id, int mpv, Depth depth, int score, const Move* pv);
 // The published line of PBlock.
 void DisplayPublishedLine();

@@ -12,15 +12,16 @@ enum BoundType : int { BOUND_UPPER = 1, BOUND_LOWER = 2, BOUND_EXACT = 3 };
 
 // First word of an entry.
 struct TTData {
-    uint16_t move;
+    Move move;
     int16_t score;  // mates as a distance from the node
-    uint8_t type;
-    int8_t depth;  // TT_EMPTY in an empty entry
+    uint8_t type;   // a BoundType
+    int8_t depth;   // TT_EMPTY in an empty entry
     uint16_t age;
 };
 
 inline constexpr int TT_EMPTY = -50;
-inline constexpr int TT_FOUND = -49;  // depth of a probe's result from here on: found
+inline constexpr int TT_FOUND = -49;                                 // depth of a probe's result from here on: found
+inline constexpr TTData TT_NOT_THERE{NO_MOVE, NO_SCORE, 0, -99, 0};  // result of a probe that finds nothing
 
 // Two words, each read and written whole.
 struct TTEntry {
