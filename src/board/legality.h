@@ -54,10 +54,10 @@ inline CheckKind MoveGivesCheck(const Position& pos, Side side, const MoveEntry&
     return MoveGivesCheck(pos, side, entry);
 }
 
-// What a result of MoveGivesCheck says about the position after the move: the moves whose checks it may miss stay open,
-// and so do promotions, whose pawn stays one if the row of the new piece is full.
-inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, int check) {
-    if (check != NO_CHECK)
+// What MoveGivesCheck says about the position after the move, `check` being whether it has seen one: the moves whose
+// checks it may miss stay open, and so do promotions, whose pawn stays one if the row of the new piece is full.
+inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, bool check) {
+    if (check)
         return CHECK_YES;
     const bool open = MoveIsCastle(entry) || ToSquare(entry.move) == pos.ep_square || (entry.move & PROMOTION_BITS);
     return open ? CHECK_UNKNOWN : CHECK_NO;

@@ -101,12 +101,12 @@ struct PlyFrame {
     uint8_t eval_draw;                     // 1: a draw by material
     int8_t ext;                            // 1 if this node earned the accumulated extension
     uint8_t reduction;                     // reduction of the move in work; the child reads its parent's
-    uint8_t node_type;
-    uint8_t iid;             // 1 during internal deepening at this node
-    GivesCheck gives_check;  // what is known of the move in work; the child reads it
+    uint8_t node_type;                     // a NodeType
+    uint8_t iid;                           // 1 during internal deepening at this node
+    GivesCheck gives_check;                // what is known of the move in work; the child reads it
     Move hash_move;
     Move null_killer, killer1, killer2, check_killer;
-    uint16_t stage;  // state of the staged picker
+    uint16_t stage;  // a PickerStage
 };
 
 // Rows of plist: at most this many squares, then the terminator. A four-bit count of the material signature holds the

@@ -15,22 +15,24 @@ namespace vrel {
 
 namespace {
 
-constexpr int STORE_DEPTH = -1;  // deeper check evasions of the quiescence aren't stored
+constexpr Depth STORE_DEPTH = -1;  // check evasions deeper in the quiescence aren't stored
 
 // The state of one call.
 struct MoveLoop {
     Position* pos;
     PlyFrame* frame;
     SearchThread* thread;
-    int side, ply, depth;
-    int alpha, beta;
+    Side side;
+    Ply ply;
+    Depth depth;
+    int alpha, beta;  // alpha rises with the moves; frame->alpha keeps what it was
     NodeType node_type;
     bool in_check;
-    bool lmp_ok;
-    Move* local_pv;  // the line that the children write
-    int best = NO_SCORE;
+    bool lmp_ok;          // moves may be dropped
+    Move* local_pv;       // the line that the children write
+    int best = NO_SCORE;  // may end below alpha: the loop is fail-soft
     Move best_move = NO_MOVE;
-    int searched = 0;
+    int searched = 0;  // moves made; dropped ones don't count
 };
 
 constexpr int DROPPED = -1;
@@ -40,17 +42,21 @@ constexpr int DROPPED = -1;
 int SelectReduction(const MoveLoop& loop, const MoveEntry& entry, int ext) {
     if (loop.best < loop.ply - 9999 || entry.sort_value > ORDER_SURE || ext == 1 || loop.in_check)
         return 0;
+    assert(loop.searched > 0);
     if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.depth, loop.searched))
         return DROPPED;
     return Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
 }
 
-int SearchChild(MoveLoop* loop, int depth, int alpha, int beta, NodeType type) {
+int SearchChild(MoveLoop* loop, Depth depth, int alpha, int beta, NodeType type) {
     return -Search(loop->pos, loop->side ^ 1, loop->ply + 1, depth, -beta, -alpha, type, loop->local_pv);
 }
 
-// The move has been made. Scouts that fail high are searched again at full depth, reduced or not.
-int SearchMove(MoveLoop* loop, const MoveEntry& entry, int new_depth, int reduction) {
+// The move has been made. The first is expected to be best and gets the whole window, the others a scout that asks
+// whether they are better. Scouts that fail high are searched again at full depth, reduced or not: a scout's child of
+// type NODE_CUT has its static cuts and null moves, and the repeat at a node off the principal variation confirms its
+// answer without them. At the frontier a scout would save nothing.
+int SearchMove(MoveLoop* loop, const MoveEntry& entry, Depth new_depth, int reduction) {
     if (loop->searched == 0 || new_depth <= 1)
         return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta, node_opp[loop->node_type]);
     loop->frame->reduction = static_cast<uint8_t>(reduction);
@@ -58,12 +64,14 @@ int SearchMove(MoveLoop* loop, const MoveEntry& entry, int new_depth, int reduct
     loop->frame->reduction = 0;
     if (v <= loop->alpha)
         return v;
+    // Beating alpha is worth a reward of its own, whatever the repeat says.
     if (!entry.captured && !loop->in_check)
         HistoryInc(loop->thread, entry);
     return SearchChild(loop, new_depth - 1, loop->alpha, loop->beta, loop->node_type == NODE_PV ? NODE_PV : NODE_ANY);
 }
 
-// Every searched quiet move is rewarded or punished, not only the one that cuts.
+// Every searched quiet move is rewarded or punished, not only the one that cuts. Evasions tell nothing about a move in
+// quieter times.
 void UpdateHistory(const MoveLoop& loop, const MoveEntry& entry, int v) {
     if (entry.captured || loop.in_check)
         return;
@@ -73,6 +81,8 @@ void UpdateHistory(const MoveLoop& loop, const MoveEntry& entry, int v) {
         HistoryDec(loop.thread, entry);
 }
 
+// Captures are ordered by victim and exchange and need no memory. A followup answers a pair of moves of this search, so
+// that the first plies have none.
 void RememberCut(const MoveLoop& loop, const MoveEntry& entry) {
     if (entry.captured)
         return;
@@ -89,6 +99,8 @@ void Store(const MoveLoop& loop, int score, BoundType type) {
         StoreInTTable(loop.pos, loop.ply, loop.depth, score, type, loop.best_move);
 }
 
+// All moves are done. Mate and stalemate aren't stored, since no move goes with them. A score is exact only where the
+// window was open: elsewhere the best of moves that all failed low is an upper bound.
 int FinishNode(const MoveLoop& loop) {
     if (loop.searched == 0)
         return loop.in_check ? loop.ply - 10000 : PBlock.draw_score[loop.side].Get();
@@ -99,9 +111,9 @@ int FinishNode(const MoveLoop& loop) {
 
 }  // namespace
 
-int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, bool in_check, NodeType node_type,
+int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, bool in_check, NodeType node_type,
               Move* pv) {
-    assert(pos->ply == ply && pos->stm == side);
+    assert(pos->ply == ply && pos->stm == side && alpha < beta);
     PlyFrame* frame = pos->frames + ply;
     PvLine local_pv;
     MoveLoop loop{.pos = pos,
@@ -116,13 +128,14 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
                   .in_check = in_check,
                   .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0,
                   .local_pv = local_pv.data()};
+    // The check that led here was extended where it was given; evasions earn nothing more.
     const bool no_flags = in_check || depth < 0;
     const LegalityContext legality = MakeLegalityContext(*pos, side, in_check);
     CheckContext checks;
     if (!no_flags)
         checks = MakeCheckContext(*pos, side);
     pv[ply] = NO_MOVE;
-    frame->stage = 0;
+    frame->stage = STAGE_HASH;
 
     while (MoveEntry* entry = GetNextMoveFW(pos, in_check)) {
         if (!MoveIsLegal(*pos, side, entry->move, legality))
@@ -134,11 +147,13 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
             continue;
 
         const Move move = entry->move;
-        frame->gives_check = no_flags ? CHECK_UNKNOWN : CheckAfter(*pos, *entry, entry->flags & FLAG_CHECK);
+        frame->gives_check = no_flags ? CHECK_UNKNOWN : CheckAfter(*pos, *entry, (entry->flags & FLAG_CHECK) != 0);
         MakeMove(pos, move);
         PrefetchTTable(GetFullHash(*pos), pos->stm);
+        // Both extensions may meet: a check then gains two plies.
         const int v = SearchMove(&loop, *entry, depth + ext + frame->ext, reduction);
         UnmakeMove(pos);
+        // What comes back from an abandoned tree is no score; nobody above looks at it.
         if (PBlock.stop)
             return 0;
 
@@ -146,6 +161,7 @@ int FW_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, 
         UpdateHistory(loop, *entry, v);
         if (v <= loop.best)
             continue;
+        // A node that fails low names a move too: it is the one to try first next time.
         loop.best_move = move;
         pv[ply] = move;
         pv[ply + 1] = NO_MOVE;

@@ -17,13 +17,15 @@ namespace vrel {
 
 namespace {
 
-constexpr int MULTIPV_DEPTH = 5;  // deeper iterations search several lines
-constexpr int POLICY_DEPTH = 7;   // deeper iterations are divided among the side workers
-constexpr int REDO_DEPTH = 7;
-constexpr int STAGGER = 5;  // milliseconds
+constexpr Depth MULTIPV_DEPTH = 5;  // deeper iterations search several lines
+constexpr Depth POLICY_DEPTH = 7;   // deeper iterations are divided among the side workers
+constexpr Depth REDO_DEPTH = 7;     // only a published line deeper than this is worth a repeat
+constexpr int REDO_MARGIN = 9;      // centipawns by which a side worker must be better
+constexpr int STAGGER = 5;          // milliseconds
 
-// With no depth to search the answer is a quiescence search of the root.
-void SearchQuiet(SearchThread* thread, int side, bool in_check) {
+// With no depth to search the answer is a quiescence search of the root, left in the record of worker 1 and not
+// published. In check there is none: quiescence knows no evasions.
+void SearchQuiet(SearchThread* thread, Side side, bool in_check) {
     if (thread->id != 1 || in_check)
         return;
     PvLine line{};
@@ -33,6 +35,7 @@ void SearchQuiet(SearchThread* thread, int side, bool in_check) {
     std::copy(line.begin(), line.end(), thread->pv.begin());
 }
 
+// The game is over: mated where it stands, one ply from the root, or stalemated.
 void ReportNoMove(SearchThread* thread, bool in_check) {
     thread->score = in_check ? -9999 : 0;
     thread->best_depth = 1;
@@ -42,6 +45,8 @@ void ReportNoMove(SearchThread* thread, bool in_check) {
     }
 }
 
+// The list stays for the whole search, and each iteration leaves it in a better order for the next. The first finds it
+// in generation order.
 void PrepareRootList(Position* pos) {
     GenerateAll(pos);
     MoveEntry* list = pos->frames[1].first;
@@ -65,13 +70,14 @@ int RootMoves(const Position& pos) {
     return n;
 }
 
-void BeginIteration(SearchThread* thread, int d) {
+void BeginIteration(SearchThread* thread, Depth d) {
     thread->iter_nodes[d] = 0;
     thread->iter_score[d] = NO_SCORE;
 }
 
-// The list ends with the best lines in order. Worker 1 publishes only the first.
-void SearchSeveralLines(SearchThread* thread, int side, int d) {
+// Each pass looks for the best among the moves that have no line yet and puts it in its place, so that the list ends
+// with the best lines in order. Worker 1 publishes only the first.
+void SearchSeveralLines(SearchThread* thread, Side side, Depth d) {
     BeginIteration(thread, d);
     const int moves = RootMoves(thread->pos);
     for (int i = 0; i < PBlock.multipv && i < moves; ++i) {
@@ -85,7 +91,8 @@ void SearchSeveralLines(SearchThread* thread, int side, int d) {
         ShowMessage("");
 }
 
-// A worker that joins others at a depth searches in a slightly different order.
+// A worker that joins others at a depth searches in a slightly different order. Side by side through the same tree they
+// would find nothing in the table that the other has left there.
 void PerturbRootOrder(SearchThread* thread) {
     for (MoveEntry* entry = thread->frames[1].first; entry->move != END_OF_LIST; ++entry) {
         thread->seed = thread->seed * 63 + 0x3ade68b1;
@@ -94,8 +101,10 @@ void PerturbRootOrder(SearchThread* thread) {
     }
 }
 
-// Side workers leave a depth that enough others are at. True to skip it.
-bool SkipDepth(SearchThread* thread, int d) {
+// Side workers leave a depth that enough others are at: two, or half of a crew of six and more. Those who go ahead fill
+// the table for the ones behind. True to skip the depth.
+bool SkipDepth(SearchThread* thread, Depth d) {
+    assert(thread->id > 1 && thread->depth < d);
     const int nthreads = PBlock.nthreads;
     int there = 0;
     for (int k = 1; k <= nthreads; ++k)
@@ -108,39 +117,45 @@ bool SkipDepth(SearchThread* thread, int d) {
 }
 
 // A side worker has a clearly better score for another move at this depth or beyond: worker 1 looks again, with the
-// table as the side worker has filled it.
-void RedoIteration(SearchThread* thread, int side, int d) {
+// table as the side worker has filled it. Only so does a find of a side worker come to be played. Its fields are read
+// while it changes them; that can cost a repeat in vain, or miss one, and nothing worse.
+void RedoIteration(SearchThread* thread, Side side, Depth d) {
     if (PBlock.depth <= REDO_DEPTH)
         return;
     for (int k = 2; k <= PBlock.nthreads; ++k) {
         const SearchThread& other = *GetThread(k);
-        if (other.score > PBlock.score + 9 && other.best_depth >= PBlock.depth && other.pv[1] != PBlock.pv[1]) {
+        if (other.score > PBlock.score + REDO_MARGIN && other.best_depth >= PBlock.depth &&
+            other.pv[1] != PBlock.pv[1]) {
             SearchRoot(&thread->pos, side, d, 0);
             return;
         }
     }
 }
 
-void SearchOneLine(SearchThread* thread, int side, int d) {
+void SearchOneLine(SearchThread* thread, Side side, Depth d) {
     BeginIteration(thread, d);
     SearchRoot(&thread->pos, side, d, 0);
     if (thread->id != 1)
         return;
     if (!PBlock.stop && PBlock.nthreads != 1)
         RedoIteration(thread, side, d);
+    // What the first iteration finds isn't shown move by move: its result is.
     if (d == 1 && !PBlock.stop)
         DisplaySearchInfo(1, 0, d, thread->score, CopyPV(thread->pv).data());
 }
 
-// A forced mate that is shorter than the depth searched needs no further iteration.
-bool MateIsCertain(const SearchThread& thread, int d) {
+// A forced mate that is shorter than the depth searched needs no further iteration. Extensions see mates beyond that
+// depth; a shorter one may still turn up.
+bool MateIsCertain(const SearchThread& thread, Depth d) {
     const int v = thread.iter_score[d];
     return v >= 9999 - d || v < d - 9999;
 }
 
-void Deepen(SearchThread* thread, int side) {
+// Iterations of growing depth, all workers on the same shared table. The last depth is left by nobody: beyond it there
+// is nothing to do.
+void Deepen(SearchThread* thread, Side side) {
     const int id = thread->id;
-    for (int d = 1; d <= PBlock.max_depth; ++d) {
+    for (Depth d = 1; d <= PBlock.max_depth; ++d) {
         const bool several = PBlock.multipv > 1 && d > MULTIPV_DEPTH;
         if (!several && id > 1 && d > POLICY_DEPTH && d < PBlock.max_depth && SkipDepth(thread, d))
             continue;
@@ -152,6 +167,7 @@ void Deepen(SearchThread* thread, int side) {
         thread->iter_nodes[d] = thread->nodes;
         if (PBlock.stop)
             return;
+        // What has been given up has no score that could be a mate.
         if (thread->root_state == ROOT_GAVE_UP)
             continue;
         if (id == 1)
@@ -167,8 +183,9 @@ void SearchIterations(int id) {
     assert(id >= 1 && id <= PBlock.nthreads);
     SearchThread* thread = GetThread(id);
     Position* pos = &thread->pos;
-    const int side = pos->stm;
+    const Side side = pos->stm;
 
+    // History and killers start cold with each search: the table alone carries knowledge over.
     thread->depth = 0;
     thread->root_state = ROOT_AT_WORK;
     pos->ply = 1;
@@ -177,6 +194,7 @@ void SearchIterations(int id) {
     InitMoveOrderingTables(thread);
 
     const bool in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
+    // Until there is a line the static evaluation stands for its score.
     const auto eval = static_cast<int16_t>(Evaluate(thread, side, 1, in_check));
     thread->root_eval = eval;
     thread->score = eval;
@@ -186,13 +204,14 @@ void SearchIterations(int id) {
         SearchQuiet(thread, side, in_check);
         return;
     }
-    if (IsMate(pos, in_check)) {
+    if (IsMate(pos, in_check) != MAY_MOVE) {
         ReportNoMove(thread, in_check);
         return;
     }
     PrepareRootList(pos);
     StaggerStart(id);
     Deepen(thread, side);
+    // Worker 1 being through ends the search; a side worker that is goes idle and stops nobody.
     if (id == 1 && !PBlock.stop)
         StopSearch(STOP_TIME);
 }

@@ -5,12 +5,13 @@
 
 namespace vrel {
 
-int IsMate(Position* pos, bool in_check) {
-    pos->frames[pos->ply].stage = 0;
+// Quiet moves are generated only if no capture answers the question.
+MateResult IsMate(Position* pos, bool in_check) {
+    pos->frames[pos->ply].stage = STAGE_HASH;
     while (const MoveEntry* entry = GetNextMoveFW(pos, in_check))
         if (MoveIsLegal(*pos, pos->stm, entry->move))
-            return 0;
-    return in_check ? 1 : 2;
+            return MAY_MOVE;
+    return in_check ? CHECKMATED : STALEMATED;
 }
 
 }  // namespace vrel

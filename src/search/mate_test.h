@@ -4,7 +4,9 @@
 
 namespace vrel {
 
-// 0: the side to move has a legal move; 1: it is checkmated; 2: stalemated.
-int IsMate(Position* pos, bool in_check);
+enum MateResult : int { MAY_MOVE = 0, CHECKMATED = 1, STALEMATED = 2 };
+
+// Whether the side to move has a legal move, and what it is if there is none. Overwrites the list of the ply.
+MateResult IsMate(Position* pos, bool in_check);
 
 }  // namespace vrel

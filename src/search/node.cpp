@@ -17,18 +17,20 @@ namespace vrel {
 
 namespace {
 
-constexpr int DRAWISH_DEPTH = 3;      // a draw by material isn't searched deeper than this
-constexpr int NULL_MOVE_MARGIN = 11;  // both prunings of a node expected to fail high ask for this much above beta
-constexpr int MAX_FREE_PAWN_RANK = 4;
-constexpr int EVAL_DROP = 124;
-constexpr int ACCUMULATED = 7;       // points of the path counter before it gives an extension ...
-constexpr int AFTER_EXTENSION = -8;  // ... and what it restarts with
+constexpr Depth DRAWISH_DEPTH = 3;     // a draw by material isn't searched deeper than this
+constexpr int NULL_MOVE_MARGIN = 11;   // both prunings of a node expected to fail high ask for this much above beta
+constexpr int MAX_FREE_PAWN_RANK = 4;  // a free passed pawn beyond it forbids static judgement: it may promote at once
+constexpr int EVAL_DROP = 124;         // centipawns since the side's last turn that make its evaluation a falling one
+constexpr int ACCUMULATED = 7;         // points of the path counter before it gives an extension ...
+constexpr int AFTER_EXTENSION = -8;    // ... and what it restarts with
 
-// The node's state between the steps of Search.
+// The node's state between the steps of Search. `depth` may become less than the frame's, which keeps what was given.
 struct Node {
     Position* pos;
     PlyFrame* frame;
-    int side, ply, depth;
+    Side side;
+    Ply ply;
+    Depth depth;
     int a, b;  // the window after the mate-distance clip
     NodeType node_type;
     int eval;
@@ -41,6 +43,7 @@ int FailHard(int value, int a, int b) { return value <= a ? a : std::min(value, 
 
 void ResetFrame(const Node& node, Move* pv) {
     PlyFrame* frame = node.frame;
+    assert(node.ply >= 2 && node.ply + 2 < FRAMES);
     frame->depth = Narrow(node.depth);
     frame->alpha = Narrow(node.a);
     frame->node_type = static_cast<uint8_t>(node.node_type);
@@ -55,27 +58,30 @@ void ResetFrame(const Node& node, Move* pv) {
     pv[node.ply + 1] = NO_MOVE;
 }
 
-bool IsInCheck(const Position& pos, int side, int gives_check) {
+// The parent has mostly found out whether its move gives check.
+bool IsInCheck(const Position& pos, Side side, GivesCheck gives_check) {
     if (gives_check != CHECK_UNKNOWN)
         return gives_check == CHECK_YES;
     return SqAtakd(pos, KingSquare(pos, side), side ^ 1);
 }
 
-// A position that occurred once before counts as a draw only some way into the tree.
-bool IsDraw(Position* pos, int ply, bool in_check) {
+// A position that occurred once before counts as a draw only some way into the tree: near the root the game may really
+// come there, where one repetition is no draw yet. Whoever is mated by the move that completes the fifty has lost.
+bool IsDraw(Position* pos, Ply ply, bool in_check) {
     if (ply > 2 && pos->fifty > 100)
-        return IsMate(pos, in_check) == 0;
+        return IsMate(pos, in_check) == MAY_MOVE;
     const int repetitions = CountRepetitions(*pos);
     return repetitions >= 2 || (repetitions == 1 && ply > 4);
 }
 
+// The lists of a line lie one behind the other; the reserve takes the list of this node, whatever stands on the board.
 bool MoveStackIsFull(const Position& pos, const PlyFrame& frame) {
     const auto& stack = ThreadOf(pos)->move_stack;
     return frame.first > stack.data() + (MOVE_STACK - MOVE_STACK_RESERVE);
 }
 
 void ProbeTable(Node* node) {
-    node->tt = TTData{0, NO_SCORE, 0, -99, 0};
+    node->tt = TT_NOT_THERE;
     if (PBlock.use_hash)
         ProbeTTable(node->pos, &node->tt);
     if (node->tt.depth < TT_FOUND)
@@ -87,7 +93,8 @@ void ProbeTable(Node* node) {
     node->tt_high = score >= node->b && node->tt.type != BOUND_UPPER;
 }
 
-// PV nodes are never cut by the table. Mate scores count as deep enough at any depth.
+// PV nodes are never cut by the table, which has no line to show, and take only the move from it. Mate scores count as
+// deep enough at any depth.
 bool CutByTable(const Node& node, int* result) {
     if (node.tt.depth < TT_FOUND || node.node_type == NODE_PV)
         return false;
@@ -113,18 +120,19 @@ bool Razor(const Node& node, Move* pv) {
     if (node.node_type != NODE_ALL || node.in_check || node.depth > Personality.RP_depth)
         return false;
     const int margin = Personality.RP_margin[MarginDepth(node.depth)];
-    const int side = node.side;
+    const Side side = node.side;
     if (node.a - margin <= node.eval || node.tt_high || node.frame->free_pawn_rank[side] > MAX_FREE_PAWN_RANK ||
         node.pos->npv[side ^ 1] <= 0 || !WindowIsInner(node))
         return false;
     const int floor = node.depth == 1 ? node.a : node.a - margin / 2;
+    assert(node.depth > 0);
     return Q_Search(node.pos, node.side, node.ply, 0, floor, node.b, NODE_ALL, pv) <= floor;
 }
 
 // What static null pruning and the null move have in common: the node stands well above beta and nothing speaks
 // against it.
 bool MayPassTurn(const Node& node) {
-    const int side = node.side;
+    const Side side = node.side;
     return node.node_type == NODE_CUT && !node.in_check && node.eval > node.b + NULL_MOVE_MARGIN && !node.tt_low &&
            node.frame->free_pawn_rank[side ^ 1] <= MAX_FREE_PAWN_RANK && node.pos->npv[side] > 0 && WindowIsInner(node);
 }
@@ -147,8 +155,9 @@ bool MayTryNullMove(const Node& node) {
 int NullMoveSearch(const Node& node, Move* pv) {
     Position* pos = node.pos;
     const int reduction = node.depth > 6 && node.eval > node.b + 99 ? 4 : 3;
-    const int depth = node.depth - reduction <= 0 ? 0 : node.depth - reduction - 1;
+    const Depth depth = node.depth - reduction <= 0 ? 0 : node.depth - reduction - 1;
     // The child looks at its parent's move in work like at that of any move.
+    // It is of no expected type, and so doesn't pass the turn back.
     MoveEntry* list = node.frame->first;
     list[0] = {};
     list[1].move = END_OF_LIST;
@@ -161,9 +170,10 @@ int NullMoveSearch(const Node& node, Move* pv) {
     return v;
 }
 
-// Internal deepening: a move to begin with where the table has none, or only a shallow one.
+// Internal deepening: a move to begin with where the table has none, or only a shallow one. A good first move saves
+// more than the shallow search costs, at PV nodes sooner than elsewhere. The list of that search is forgotten.
 void DeepenInternally(const Node& node, Move* pv) {
-    int depth = 0;
+    Depth depth = 0;
     if (node.node_type == NODE_PV)
         depth = node.depth >= 4 ? node.depth - 3 : 0;
     else if (node.depth > 4)
@@ -191,7 +201,7 @@ void CountPath(const Node& node, SearchThread* thread) {
 
 }  // namespace
 
-int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
+int Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv) {
     assert(pos->ply == ply && pos->stm == side);
     SearchThread* thread = ThreadOf(pos);
     thread->nodes.Add(1);
@@ -205,6 +215,7 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, Nod
     Node node{pos, pos->frames + ply, side, ply, depth, a, b, node_type, 0, false, {}, false, false};
     PlyFrame* frame = node.frame;
     ResetFrame(node, pv);
+    // The first node of a line that has no depth left is the root of a quiescence tree.
     if (depth <= 0 && frame[-1].depth > 0)
         thread->quiet_limit = thread->nodes + QUIET_TREE_LIMIT;
     node.in_check = IsInCheck(*pos, side, frame[-1].gives_check);
@@ -243,6 +254,7 @@ int Search(Position* pos, int side, int ply, int depth, int alpha, int beta, Nod
 
     DeepenInternally(node, pv);
 
+    // The counter is that of the path: siblings start from what it was here.
     const int8_t saved = thread->ext_count;
     CountPath(node, thread);
     const int v = FW_Search(pos, side, ply, node.depth, a, b, node.in_check, node_type, pv);

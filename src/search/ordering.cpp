@@ -13,35 +13,31 @@ namespace vrel {
 
 namespace {
 
-// Values of frame.stage: what the next call does.
-enum PickerStage : uint16_t {
-    STAGE_HASH = 0,
-    STAGE_GENERATE = 1,
-    STAGE_ACTIVE = 2,
-    STAGE_REST = 4,      // what remains, best first
-    STAGE_IN_ORDER = 5,  // what remains, in generation order
-};
+constexpr int16_t HISTORY_START = 2048;  // a quarter of the ceiling: a new move stands between good and bad ones
 
-constexpr int16_t HISTORY_START = 2048;
+// Where a recapture goes to, NO_SQUARE at the start of a game and behind a null move.
+Square LastTo(const Position& pos) { return pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE; }
 
-int LastTo(const Position& pos) { return pos.last_move ? ToSquare(pos.last_move) : NO_SQUARE; }
-
+// A number drawn for each square spreads the pairs of moves over the table.
 uint32_t MoveHash(Move move) { return static_cast<uint32_t>(rtable[ToSquare(move)] ^ rtable[FromSquare(move)]); }
 
 size_t FollowupHash(const Position& pos) {
     const PlyFrame* frame = pos.frames + pos.ply;
+    // Both sides' last moves; the halves of the table belong to the side that answers.
     const uint32_t both = MoveHash(frame[-1].current->move) ^ MoveHash(frame[-2].current->move);
     return (both & 0x7ff) + (pos.stm == BLACK ? 0x800 : 0);
 }
 
+// The last move by where it went and what it put there: where it came from makes little difference to the answer.
 int RefutationIndex(const Position& pos) {
-    const int to = ToSquare(pos.last_move);
+    const Square to = ToSquare(pos.last_move);
     return (to << 4) + pos.board[to];
 }
 
+// Most valuable victim first, least valuable attacker among equals. The hash move has been searched and is made void.
 void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
     const Move hash_move = pos->frames[pos->ply].hash_move;
-    const int last_to = LastTo(*pos);
+    const Square last_to = LastTo(*pos);
     uint8_t* order = OrderOf(ThreadOf(pos), list);
     for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
         if (entry->move == hash_move) {
@@ -52,6 +48,7 @@ void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
         int value = ORDER_OTHER_ACTIVE;
         if (entry->captured)
             value = capture_value[TypeOf(entry->captured)] - TypeOf(entry->piece);
+        // An under-promotion stays low, and so does an en passant capture, whose victim isn't on the to-square.
         else if (entry->move & PROMOTE_QUEEN)
             value = ORDER_QUEEN_PROMOTION;
         if (ToSquare(entry->move) == last_to)
@@ -63,6 +60,7 @@ void PrescoreActive(Position* pos, MoveEntry* list, const MoveEntry* end) {
 // To-square of a remembered move as a set, empty for none.
 uint64_t MarkOf(Move move) { return move ? Bit(ToSquare(move)) : 0; }
 
+// Remembered moves first, each in its own range, within which history decides; then the others by history alone.
 void PrescoreQuiet(Position* pos, MoveEntry* list, const MoveEntry* end) {
     SearchThread* thread = ThreadOf(pos);
     const PlyFrame& frame = pos->frames[pos->ply];
@@ -109,9 +107,11 @@ void PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end) {
     }
 }
 
+// A list of the hash move alone: if it cuts, nothing is ever generated.
 MoveEntry* HashMoveEntry(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->first;
     const Move move = frame->hash_move;
+    // The table may have it from another position: the node asks whether it is legal like any other move.
     *entry = {move, pos->board[FromSquare(move)], pos->board[ToSquare(move)], ORDER_HASH_MOVE, 0};
     CloseList(pos, entry + 1);
     return entry;
@@ -119,7 +119,7 @@ MoveEntry* HashMoveEntry(Position* pos, PlyFrame* frame) {
 
 // The list starts behind the hash move, whose terminator is overwritten.
 void GenerateActive(Position* pos, MoveEntry* list) {
-    const int side = pos->stm;
+    const Side side = pos->stm;
     MoveEntry* end = GeneratePawnCaptures(*pos, side, list);
     end = GeneratePieceCaptures(*pos, side, end);
     end = GeneratePromotions(*pos, side, true, end);
@@ -139,12 +139,14 @@ MoveEntry* PickActive(Position* pos, PlyFrame* frame) {
             return nullptr;
         if (MoveIsSafe(*pos, *entry))
             return entry;
+        // What has been lowered isn't picked here again.
+        static_assert(ORDER_LOSING_CAPTURE + int{KING} <= ORDER_GOOD_CAPTURE);
         *OrderOf(thread, entry) = static_cast<uint8_t>(ORDER_LOSING_CAPTURE + TypeOf(entry->captured));
     }
     return nullptr;
 }
 
-// Appends the quiet moves to what is left of the list.
+// Appends the quiet moves to what is left of the list, where the losing captures have come to lie.
 void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check) {
     MoveEntry* list = EndOfList(frame);
     MoveEntry* end = GenerateNonCaptures(*pos, pos->stm, list);
@@ -155,6 +157,7 @@ void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check) {
         PrescoreQuiet(pos, list, end);
 }
 
+// Remembered and promising moves are worth the search for the best; the tail is taken as it comes, which is cheaper.
 MoveEntry* PickRest(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->current;
     const MoveEntry* end = EndOfList(frame);
@@ -166,6 +169,7 @@ MoveEntry* PickRest(Position* pos, PlyFrame* frame) {
     return entry;
 }
 
+// The scores stay beside the list until a move is drawn.
 MoveEntry* NextInOrder(Position* pos, PlyFrame* frame) {
     MoveEntry* entry = frame->current;
     if (entry == EndOfList(frame))
@@ -184,6 +188,7 @@ ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
             HigherBytes(CommonBits(first, FirstPlaces(count)), CommonBits(second, FirstPlaces(count - 16))));
         return FirstPlace(EqualBytes(first, highest), EqualBytes(second, highest));
     }
+    // More than 32 moves: the highest of all first, its place by a second look.
     Vector highest = HigherBytes(first, second);
     ptrdiff_t i = 32;
     for (; i + 16 < count; i += 16)
@@ -199,6 +204,7 @@ ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
 }  // namespace
 
 void InitMoveOrderingTables(SearchThread* thread) {
+    // A search repeated is the same search: nothing is carried over but the table.
     thread->history.fill(HISTORY_START);
     thread->refutation.fill(NO_MOVE);
     thread->followup.fill(NO_MOVE);
@@ -210,6 +216,7 @@ void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end) {
     assert(head < end);
     uint8_t* order = OrderOf(thread, head);
     const ptrdiff_t best = FirstHighest(order, end - head);
+    // An exchange, not a rotation: what stood at the head goes to the place of the best.
     const uint8_t value = order[best];
     order[best] = *order;
     *order = value;
@@ -219,6 +226,7 @@ void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end) {
 
 MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
     PlyFrame* frame = pos->frames + pos->ply;
+    // An internal deepening starts anew at the same frame: the list of whoever used it before is overwritten.
     if (frame->stage == STAGE_HASH) {
         frame->stage = STAGE_GENERATE;
         frame->current = frame->first;
@@ -232,6 +240,7 @@ MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
             GenerateActive(pos, frame->current);
             frame->stage = STAGE_ACTIVE;
             [[fallthrough]];
+        // Stages without a move are passed through, so that each call comes back with one as long as there is any.
         case STAGE_ACTIVE:
             if (MoveEntry* entry = PickActive(pos, frame))
                 return entry;
@@ -256,12 +265,15 @@ void SetRefutation(Position* pos, Move move) {
 
 Move GetFollowup(const Position& pos) { return pos.ply > 2 ? ThreadOf(pos)->followup[FollowupHash(pos)] : NO_MOVE; }
 
+// The two moves before this one are looked up in the frames, of which the first plies have too few.
 void SetFollowup(Position* pos, Move move) {
     assert(pos->ply > 2);
     ThreadOf(pos)->followup[FollowupHash(*pos)] = move;
 }
 
-void UpdateKillers(Position* pos, int ply, Move move, bool in_check) {
+// What answers a check or a passed turn is seldom good elsewhere and has a place of its own. The newest two killers are
+// kept; a killer that cuts again changes nothing.
+void UpdateKillers(Position* pos, Ply ply, Move move, bool in_check) {
     PlyFrame& frame = pos->frames[ply];
     if (in_check) {
         frame.check_killer = move;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <array>
+#include <cassert>
+#include <cstdint>
+
 #include "board/position.h"
 #include "board/search_thread.h"
 
@@ -25,6 +29,16 @@ enum OrderValue : int {
     ORDER_NO_MERIT = 3,        // from here on down the order no longer matters
 };
 
+// Values of frame.stage: what the next call of a picker does.
+enum PickerStage : uint16_t {
+    STAGE_HASH = 0,  // where a node starts
+    STAGE_GENERATE = 1,
+    STAGE_ACTIVE = 2,    // captures and promotions
+    STAGE_CHECKS = 3,    // of the quiescence: quiet moves that give check, in generation order
+    STAGE_REST = 4,      // what remains, best first
+    STAGE_IN_ORDER = 5,  // what remains, in generation order
+};
+
 // Values of captured pieces by type, less the mover's type; 20 stands for no piece.
 inline constexpr std::array<uint8_t, 8> capture_value = {20, 210, 220, 220, 230, 240, 250, 0};
 
@@ -34,6 +48,7 @@ void InitMoveOrderingTables(SearchThread* thread);
 // Place of an entry's ordering score. The pickers keep the scores of a list side by side, where the highest is found
 // sixteen at a time; an entry's sort_value is set when it is picked.
 inline uint8_t* OrderOf(SearchThread* thread, const MoveEntry* entry) {
+    assert(entry >= thread->move_stack.data() && entry < thread->move_stack.data() + MOVE_STACK);
     return thread->order.data() + (entry - thread->move_stack.data());
 }
 
@@ -57,7 +72,7 @@ Move GetFollowup(const Position& pos);
 void SetFollowup(Position* pos, Move move);
 
 // For a quiet move that caused a cut.
-void UpdateKillers(Position* pos, int ply, Move move, bool in_check);
+void UpdateKillers(Position* pos, Ply ply, Move move, bool in_check);
 
 // Gravity: a step towards the ceiling or towards 0, smaller the nearer it is.
 inline int16_t& HistoryOf(SearchThread* thread, const MoveEntry& entry) {

@@ -16,14 +16,12 @@ namespace vrel {
 
 namespace {
 
-constexpr int CAPTURE_HORIZON = -4;  // below it only PV nodes go on making moves
-constexpr int DELTA_MARGIN = 150;
+constexpr Depth CAPTURE_HORIZON = -4;  // below it only PV nodes go on making moves
+constexpr int DELTA_MARGIN = 150;      // centipawns that position may gain beside a capture
 
-// Values of frame.stage.
-enum QuietStage : uint16_t { STAGE_ACTIVE = 2, STAGE_CHECKS = 4 };
-
+// There is no hash move to take out: the quiescence has no part in the table.
 void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
-    const int last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
+    const Square last_to = pos->last_move ? ToSquare(pos->last_move) : NO_SQUARE;
     uint8_t* order = OrderOf(ThreadOf(pos), list);
     for (const MoveEntry* entry = list; entry != end; ++entry, ++order) {
         int value = (entry->move & PROMOTE_QUEEN) ? ORDER_QUEEN_PROMOTION : 1;
@@ -35,7 +33,8 @@ void PrescoreQU(Position* pos, const MoveEntry* list, const MoveEntry* end) {
     }
 }
 
-void GenerateActive(Position* pos, PlyFrame* frame, int side) {
+// Captures, and promotions to a queen alone: another piece is better too seldom to be looked for here.
+void GenerateActiveQU(Position* pos, PlyFrame* frame, Side side) {
     MoveEntry* end = GeneratePawnCaptures(*pos, side, frame->first);
     end = GeneratePieceCaptures(*pos, side, end);
     end = GeneratePromotions(*pos, side, false, end);
@@ -45,7 +44,8 @@ void GenerateActive(Position* pos, PlyFrame* frame, int side) {
     frame->current = frame->first;
 }
 
-void GenerateQuietChecks(Position* pos, PlyFrame* frame, int side) {
+// The list takes the place of that of the captures, which are through.
+void GenerateQuietChecks(Position* pos, PlyFrame* frame, Side side) {
     CloseList(pos, GenerateChecks(*pos, side, frame->first));
     frame->stage = STAGE_CHECKS;
     frame->current = frame->first;
@@ -63,47 +63,49 @@ MoveEntry* GetNextMoveQU(Position* pos, PlyFrame* frame) {
 }
 
 // Even with the victim and a margin the move doesn't reach alpha. Pawns about to promote are left alone.
-bool TooLittleToGain(const MoveEntry& entry, int side, int eval, int a) {
-    if (TypeOf(entry.piece) == PAWN && RelativeRank(side, ToSquare(entry.move)) >= 6)
+bool TooLittleToGain(const MoveEntry& entry, Side side, int eval, int a) {
+    if (TypeOf(entry.piece) == PAWN && RelativeRank(side, ToSquare(entry.move)) >= SEVENTH_RANK)
         return false;
     return eval <= a - (piece_value[TypeOf(entry.captured)] + DELTA_MARGIN);
 }
 
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
 // anything else must promise enough besides.
-bool WorthTrying(const Position& pos, const MoveEntry& entry, int check, int side, int eval, int a) {
-    if (check == 2 || EndgamePruneExclusion(pos, entry))
+bool WorthTrying(const Position& pos, const MoveEntry& entry, CheckKind check, Side side, int eval, int a) {
+    if (check == DISCOVERED_CHECK || EndgamePruneExclusion(pos, entry))
         return true;
-    if (check == 0 && TooLittleToGain(entry, side, eval, a))
+    if (check == NO_CHECK && TooLittleToGain(entry, side, eval, a))
         return false;
     return MoveIsSafe(pos, entry);
 }
 
 }  // namespace
 
-int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, NodeType node_type, Move* pv) {
-    assert(pos->ply == ply && pos->stm == side && alpha < beta);
+int Q_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, NodeType node_type, Move* pv) {
+    assert(pos->ply == ply && pos->stm == side && alpha < beta && depth <= 0);
     PlyFrame* frame = pos->frames + ply;
+    // Standing pat: a side that needn't capture is worth at least what it has.
     const int eval = frame->eval;
     if (eval >= beta)
         return eval;
     int a = std::max(alpha, eval);
     // Beyond the horizon the best recapture on the last square is credited, and no move is made.
     if (depth < CAPTURE_HORIZON && node_type != NODE_PV) {
-        const int target = ToSquare(pos->last_move);
+        const Square target = ToSquare(pos->last_move);
         if (eval + piece_value[TypeOf(pos->board[target])] <= a)
             return a;
         return std::max(a, eval + swapoff1(*pos, side, NO_SQUARE, target, Occupied(*pos)));
     }
 
     SearchThread* thread = ThreadOf(pos);
+    // Every child has the whole window, there being no scouts here, and is of the type of a first child.
     const NodeType child_type = node_opp[node_type];
     // Nothing about legality and checks is found out for a node without moves.
     LegalityContext legality{};
     CheckContext checks;
     bool prepared = false;
     PvLine local_pv;
-    GenerateActive(pos, frame, side);
+    GenerateActiveQU(pos, frame, side);
     while (true) {
         if (!prepared && frame->current != EndOfList(frame)) {
             legality = MakeLegalityContext(*pos, side, false);
@@ -112,12 +114,13 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, N
         }
         while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
-            const int check = MoveGivesCheck(*pos, side, *entry, checks);
+            const CheckKind check = MoveGivesCheck(*pos, side, *entry, checks);
             if (MoveIsLegal(*pos, side, move, legality) && WorthTrying(*pos, *entry, check, side, eval, a)) {
-                frame->gives_check = CheckAfter(*pos, *entry, check);
+                frame->gives_check = CheckAfter(*pos, *entry, check != NO_CHECK);
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
                 UnmakeMove(pos);
+                // Cut short, the tree has proved no more than what it has found so far.
                 if (PBlock.stop || thread->nodes > thread->quiet_limit)
                     return a;
                 if (v > a) {
@@ -131,6 +134,7 @@ int Q_Search(Position* pos, int side, int ply, int depth, int alpha, int beta, N
             }
             ++frame->current;
         }
+        // Only the first ply below the full-width search tries quiet checks, or the tree would find no end.
         if (depth < 0 || frame->stage == STAGE_CHECKS)
             return a;
         GenerateQuietChecks(pos, frame, side);

@@ -20,23 +20,31 @@ namespace vrel {
 
 namespace {
 
+// The window never opens further: no score of a root is lower than mated at once or higher than mate in one.
 constexpr int LOWEST_BOUND = -9999;
 constexpr int HIGHEST_BOUND = 9998;
-constexpr int NO_IMPROVEMENT = -11000;
-constexpr int GIVE_UP_DEPTH = 5;   // deeper iterations are given up by a worker that has been overtaken
-constexpr int LMR_FROM_DEPTH = 7;  // deeper iterations reduce quiet late moves ...
-constexpr int LMR_FROM_MOVE = 5;   // ... behind this many
-constexpr int EASY_FROM_DEPTH = 6;
-constexpr double QUIET_SECONDS = 3.5;  // progress lines start after this time
+constexpr int NO_IMPROVEMENT = -11000;  // what a move is sorted by that was none; below every score
+constexpr Depth GIVE_UP_DEPTH = 5;      // deeper iterations are given up by a worker that has been overtaken
+constexpr Depth LMR_FROM_DEPTH = 7;     // deeper iterations reduce quiet late moves ...
+constexpr int LMR_FROM_MOVE = 5;        // ... behind this many
+constexpr Depth EASY_FROM_DEPTH = 6;    // deeper iterations look whether the move is easy
+constexpr Depth FAR_FROM_DEPTH = 11;    // and deeper than this, whether it is far ahead of all others ...
+constexpr Depth SETTLED_DEPTH = 3;      // ... having been the best ever since
+constexpr int FAR_GAIN = 225;           // centipawns above the static evaluation
+constexpr int FAR_WIN = 89;             // centipawns by exchange that must be exceeded
+constexpr int FAR_LEAD = 200;           // centipawns by which all others are behind
+constexpr double QUIET_SECONDS = 3.5;   // progress lines start after this time
 
 // The state of one pass over the root list.
 struct RootPass {
     Position* pos;
     SearchThread* thread;
     PlyFrame* frame;
-    int side, depth, first_index;
-    int prev, delta;
-    int n = 0;  // moves searched so far
+    Side side;
+    Depth depth;
+    int first_index;
+    int prev, delta;  // last score, and half the width of the window around it
+    int n = 0;        // moves searched so far
     int best = NO_SCORE;
     bool in_check;
     bool show_fail;  // worker 1 alone tells of failed windows
@@ -45,7 +53,7 @@ struct RootPass {
     PvLine local_pv{};
 };
 
-int SearchChild(RootPass* pass, int depth, int lo, int hi, NodeType type) {
+int SearchChild(RootPass* pass, Depth depth, int lo, int hi, NodeType type) {
     return -Search(pass->pos, pass->side ^ 1, 2, depth, -hi, -lo, type, pass->local_pv.data());
 }
 
@@ -56,7 +64,7 @@ void NoteFailure(RootPass* pass, Move move, int v, bool show) {
     thread->pv[2] = NO_MOVE;
     thread->score = static_cast<int16_t>(v);
     if (show && pass->show_fail)
-        DisplaySearchInfo(thread->id, -1, pass->depth, v, CopyPV(thread->pv).data());
+        DisplaySearchInfo(thread->id, ITERATION_RUNS, pass->depth, v, CopyPV(thread->pv).data());
 }
 
 // First move: a window around the last score that widens on the side where it fails. A result that has reached a
@@ -107,7 +115,7 @@ int RootReduction(const RootPass& pass, const MoveEntry& entry) {
         pass.in_check || pos.npv[pass.side] <= 0)
         return 0;
     const bool en_passant = TypeOf(entry.piece) == PAWN && ToSquare(entry.move) == pos.ep_square;
-    if (MoveIsCapture(entry) || en_passant || MoveGivesCheck(pos, pass.side, entry) != 0 ||
+    if (MoveIsCapture(entry) || en_passant || MoveGivesCheck(pos, pass.side, entry) != NO_CHECK ||
         MoveIsPawnPush(pos, pass.side, entry) || MoveIsThreat(pos, entry))
         return 0;
     return 1;
@@ -133,6 +141,7 @@ void ShowProgress(const RootPass& pass, Move move) {
         UCI_ShowCurrentMove(move, pass.n + 1);
 }
 
+// A new best move: the worker's line and score, and at once, with the pass still under way, the published one.
 void AcceptMove(RootPass* pass, MoveEntry* head, MoveEntry* entry, int w) {
     SearchThread* thread = pass->thread;
     const Move move = entry->move;
@@ -156,16 +165,17 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
     Position* pos = pass->pos;
     const int b = pass->best;
     if (pass->n == 1) {
-        PublishEasy(1);
+        PublishEasy(ONLY_MOVE);
         return;
     }
-    if (b <= pass->frame->eval + 225 || pass->depth <= 11 || PBlock.change_depth > 3)
+    if (b <= pass->frame->eval + FAR_GAIN || pass->depth <= FAR_FROM_DEPTH || PBlock.change_depth > SETTLED_DEPTH)
         return;
-    if (swapoff1(*pos, pass->side, FromSquare(list->move), ToSquare(list->move), Occupied(*pos)) <= 89)
+    if (swapoff1(*pos, pass->side, FromSquare(list->move), ToSquare(list->move), Occupied(*pos)) <= FAR_WIN)
         return;
     assert(list->move != END_OF_LIST);
-    const int bound = b - 200;
+    const int bound = b - FAR_LEAD;
     for (MoveEntry* entry = list + 1; entry->move != END_OF_LIST; ++entry) {
+        // The likeliest to come near is asked first; a quiescence search is answer enough.
         PickNextMove(entry);
         pass->frame->current = entry;
         MakeMove(pos, entry->move);
@@ -174,7 +184,7 @@ void EasyMove(RootPass* pass, MoveEntry* list) {
         if (v > bound || PBlock.stop)
             return;
     }
-    PublishEasy(2);
+    PublishEasy(FAR_AHEAD);
 }
 
 // The node limit is each worker's own, but of several only worker 1 ends the search, and not before it has a line of
@@ -185,7 +195,8 @@ bool NodesAreUsedUp(const SearchThread& thread) {
     return PBlock.nthreads == 1 || (thread.id == 1 && PBlock.depth > 1);
 }
 
-RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
+// The frame of the root as its children look at it: they find a PV node that has reduced and extended nothing.
+RootPass BeginPass(Position* pos, Side side, Depth depth, int first_index) {
     SearchThread* thread = ThreadOf(pos);
     PlyFrame* frame = pos->frames + 1;
     frame->node_type = NODE_PV;
@@ -214,7 +225,7 @@ RootPass BeginPass(Position* pos, int side, int depth, int first_index) {
 
 }  // namespace
 
-int AspirationWidth(int score, int depth) { return std::max(4 * (16 - depth), 24) + std::abs(score) / 16; }
+int AspirationWidth(int score, Depth depth) { return std::max(4 * (16 - depth), 24) + std::abs(score) / 16; }
 
 uint8_t RootSortValue(int score) {
     if (score < -1000)
@@ -227,7 +238,7 @@ uint8_t RootSortValue(int score) {
     return static_cast<uint8_t>(score < 0 ? 120 - l : 120 + l);
 }
 
-void SearchRoot(Position* pos, int side, int depth, int first_index) {
+void SearchRoot(Position* pos, Side side, Depth depth, int first_index) {
     assert(pos->ply == 1 && pos->stm == side && depth >= 1 && depth < FRAMES);
     RootPass pass = BeginPass(pos, side, depth, first_index);
     SearchThread* thread = pass.thread;
@@ -240,6 +251,7 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
             return;
         }
         PickNextMove(entry);
+        // A failed window shows itself in score and line; both are put back before the move is judged.
         const SharedLine saved_pv = thread->pv;
         const int16_t saved_score = thread->score;
         thread->root_state = ROOT_AT_WORK;
@@ -258,6 +270,7 @@ void SearchRoot(Position* pos, int side, int depth, int first_index) {
         if (PBlock.stop)
             return;
 
+        // A scout's fail low is a bound and no score to sort by.
         const int w = v > pass.best || IsSortingPass(pass) ? v : NO_IMPROVEMENT - pass.n;
         ++pass.n;
         entry->sort_value = RootSortValue(w);

@@ -17,22 +17,24 @@ void (*poll_input)() = [] {};
 
 namespace {
 
-constexpr int FIFTY_LIMIT = 100;
+constexpr int FIFTY_LIMIT = 100;  // plies; with more behind it the game is drawn
 
 bool workers_have_run = false;  // the search to be reported is the workers'
 
-// A position that can't arise in chess is answered without a search.
+// A position that can't arise in chess is answered without a search: each side must have its king, and the one that has
+// just moved must not have left it to be taken.
 bool CanBeSearched(const Position& pos) {
     return CountBits(pos.bb[WHITE][KING]) == 1 && CountBits(pos.bb[BLACK][KING]) == 1 &&
            !SqAtakd(pos, KingSquare(pos, pos.stm ^ 1), pos.stm);
 }
 
+// Contempt makes a draw worth less to the side that the engine plays, and as much more to the other.
 void ResetPublishedLine(const Position& game) {
     PBlock.score = NO_SCORE;
     PBlock.depth = 0;
     PBlock.done_depth = 0;
     PBlock.change_depth = 0;
-    PBlock.easy = 0;
+    PBlock.easy = NOT_EASY;
     PBlock.pv[1] = NO_MOVE;
     PBlock.draw_score[game.stm] = Personality.contempt;
     PBlock.draw_score[game.stm ^ 1] = static_cast<int16_t>(-Personality.contempt);
@@ -43,7 +45,7 @@ void ResetPublishedLine(const Position& game) {
 }
 
 // A mate at least as good as what stands, a deeper line unless a mate stands, or a better line of the same depth.
-bool Qualifies(int score, int depth) {
+bool Qualifies(int score, Depth depth) {
     return (score > MATE_BOUND + 1 && score >= PBlock.score) || (depth > PBlock.depth && PBlock.score <= MATE_BOUND) ||
            (depth == PBlock.depth && score > PBlock.score);
 }
@@ -56,7 +58,9 @@ SearchLimits LimitsInForce() {
             PBlock.moves_to_go};
 }
 
+// Written one by one, since a search that is under way may read them.
 void SetLimits(const SearchLimits& limits) {
+    assert(limits.max_depth <= MAX_DEPTH);
     PBlock.max_depth = static_cast<int8_t>(limits.max_depth);
     PBlock.max_nodes = limits.max_nodes;
     PBlock.level_moves = static_cast<int8_t>(limits.level_moves);
@@ -67,7 +71,7 @@ void SetLimits(const SearchLimits& limits) {
     PBlock.moves_to_go = static_cast<int16_t>(limits.moves_to_go);
 }
 
-void LimitDepth(int depth) {
+void LimitDepth(Depth depth) {
     SearchLimits limits = LimitsInForce();
     limits.max_depth = depth;
     SetLimits(limits);
@@ -84,6 +88,7 @@ bool SearchIsRequested() { return PBlock.request != STATE_IDLE; }
 
 void StopSearch(StopReason reason) { PBlock.stop = reason; }
 
+// The wait is short: every node of the full-width search looks at `stop`.
 void StopSearchAndWait() {
     StopSearch(STOP_COMMAND);
     while (!WorkersIdle())
@@ -93,11 +98,14 @@ void StopSearchAndWait() {
 void EndRunningSearch() {
     if (PBlock.state == STATE_IDLE)
         return;
+    // A reason that stands is kept: of mate and stalemate the report knows by it.
     if (!PBlock.stop)
         StopSearch(STOP_COMMAND);
+    // While it ponders nothing would be reported.
     PonderHit();
 }
 
+// Nothing is left of pondering or analysing: the report may not wait for the opponent's move.
 void StopAndReport() {
     StopSearch(STOP_TIME);
     PBlock.state = STATE_THINKING;
@@ -112,6 +120,7 @@ bool EngineIsFree() { return PBlock.state == STATE_IDLE && !SearchIsRequested() 
 
 bool SearchIsOver() { return PBlock.state != STATE_IDLE && PBlock.state != STATE_PONDERING && WorkersIdle(); }
 
+// The clock starts first, so that the time taken to prepare counts.
 void PrepareRequestedSearch() {
     assert(WorkersIdle());
     GetElapsedTime(0);
@@ -119,6 +128,7 @@ void PrepareRequestedSearch() {
     PBlock.request = STATE_IDLE;
 }
 
+// What isn't given to the workers is over at once, with whatever is published.
 void StartRequestedSearch() {
     const Position& game = *GamePosition();
     workers_have_run = game.fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && CanBeSearched(game);
@@ -129,12 +139,14 @@ void StartRequestedSearch() {
 void CompleteResult() {
     if (PBlock.pv[1] != NO_MOVE || PBlock.max_depth <= 0 || PBlock.stop == STOP_NO_MOVE || !workers_have_run)
         return;
+    // The head of the root list is the best move known, or the first one generated.
     const SearchThread& master = *GetThread(1);
     const Move move = master.frames[1].first->move;
     if (move != END_OF_LIST && MoveIsLegal(master.pos, master.pos.stm, move))
         PublishMove(move);
 }
 
+// A result that is asked for from here on isn't completed: the root list may be that of another position by then.
 void CloseSearch() {
     workers_have_run = false;
     PBlock.state = STATE_IDLE;
@@ -145,7 +157,9 @@ void InitSearch(SearchState state) {
     const Position& game = *GamePosition();
     StopSearch(STOP_NONE);
     ResetPublishedLine(game);
+    // Entries of earlier moves of the game are older by as many plies and give way.
     PBlock.tt_age = static_cast<uint16_t>(game.game_ply);
+    // A table without room is none.
     if (PBlock.hash_mb == 0)
         PBlock.use_hash = 0;
     PBlock.state = state;
@@ -169,9 +183,10 @@ void SearchOnWorkers() {
     PollSearch();  // a question that waits for idle workers is answered
 }
 
+// The state stays idle: nothing of this search is reported or answered.
 void SearchAtDepthZero() {
     PBlock.report = EvalReport{};
-    const int max_depth = PBlock.max_depth;
+    const Depth max_depth = PBlock.max_depth;
     LimitDepth(0);
     InitSearch(STATE_IDLE);
     SearchHere();
@@ -188,12 +203,13 @@ SearchResult PublishedResult() { return {PBlock.pv[1], PBlock.pv[2], PBlock.scor
 bool PublishLine(const SearchThread& master) {
     assert(master.id == 1);
     const int score = master.score;
-    const int depth = master.best_depth;
+    const Depth depth = master.best_depth;
+    assert(depth >= 1 && depth < FRAMES);
     const SpinGuard guard(&spinlock1);
     if (!Qualifies(score, depth))
         return false;
     if (master.pv[1] != PBlock.pv[1])
-        PBlock.change_depth = static_cast<int8_t>(depth);
+        PBlock.change_depth = static_cast<int8_t>(depth);  // the clock gives a new move time to prove itself
     PBlock.score = static_cast<int16_t>(score);
     PBlock.depth = static_cast<int8_t>(depth);
     PBlock.pv = master.pv;
@@ -202,6 +218,7 @@ bool PublishLine(const SearchThread& master) {
     return true;
 }
 
+// A line of one move, with nothing to ponder on.
 void PublishMove(Move best) {
     PBlock.pv[1] = best;
     PBlock.pv[2] = NO_MOVE;
@@ -209,11 +226,11 @@ void PublishMove(Move best) {
 
 void PublishScore(int score) { PBlock.score = static_cast<int16_t>(score); }
 
-void PublishFinishedDepth(int depth) {
+void PublishFinishedDepth(Depth depth) {
     if (PBlock.done_depth < depth)
         PBlock.done_depth = static_cast<int8_t>(depth);
 }
 
-void PublishEasy(int easy) { PBlock.easy = static_cast<int8_t>(easy); }
+void PublishEasy(EasyKind easy) { PBlock.easy = easy; }
 
 }  // namespace vrel

@@ -14,11 +14,15 @@
 // CompleteResult; CloseSearch. A tool, which searches for itself, does the same without asking.
 namespace vrel {
 
+// Values of level_moves that are no number of moves.
+inline constexpr int SUDDEN_DEATH = 0;  // the clock is for the rest of the game
+inline constexpr int FIXED_TIME = 1;    // the same time for every move
+
 // How far a search may go. PBlock holds the limits in force: what a command doesn't name stays for the next search.
 struct SearchLimits {
-    int max_depth;                // last iteration
+    Depth max_depth;              // last iteration
     int64_t max_nodes;            // of one worker, 0 for none
-    int level_moves;              // 0 sudden death; 1 fixed time per move; above 1 a control of so many moves
+    int level_moves;              // SUDDEN_DEATH, FIXED_TIME, or a control of so many moves
     double level_time;            // seconds per move or per control
     double inc;                   // seconds, of the side to move
     std::array<double, 2> clock;  // seconds left, by side
@@ -29,7 +33,7 @@ SearchLimits LimitsInForce();
 void SetLimits(const SearchLimits& limits);
 
 // The last iteration of the searches to come; the other limits stay.
-void LimitDepth(int depth);
+void LimitDepth(Depth depth);
 
 // What commands ask for
 // ------------------------------------------------------------------------------------------------
@@ -103,11 +107,14 @@ extern void (*poll_input)();
 // The published line
 // ------------------------------------------------------------------------------------------------------
 
+// Why a move is easy.
+enum EasyKind : int8_t { NOT_EASY = 0, ONLY_MOVE = 1, FAR_AHEAD = 2 };
+
 struct SearchResult {
     Move best;  // NO_MOVE if there is none
     Move ponder;
     int score;  // centipawns for the side to move at the root
-    int depth;
+    Depth depth;
 };
 SearchResult PublishedResult();
 
@@ -118,8 +125,8 @@ bool PublishLine(const SearchThread& master);
 void PublishMove(Move best);
 void PublishScore(int score);
 
-// Worker 1 has finished an iteration, or found that the move is easy: 1 a single legal move, 2 one far ahead.
-void PublishFinishedDepth(int depth);
-void PublishEasy(int easy);
+// Worker 1 has finished an iteration, or found that the move needs little of the time.
+void PublishFinishedDepth(Depth depth);
+void PublishEasy(EasyKind easy);
 
 }  // namespace vrel

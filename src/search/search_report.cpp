@@ -1,5 +1,6 @@
 #include "search/search_report.h"
 
+#include <cassert>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -19,34 +20,35 @@ std::array<uint64_t, STATS> sstats;
 
 namespace {
 
-constexpr int SHOWN_MOVES = 66;
+constexpr int SHOWN_MOVES = 66;  // a whole line
 constexpr int MOVES_A_LINE = 8;
 constexpr int SHORT_LINE = 8;  // moves of a console line while the search runs
 constexpr int LONG_LINE = 32;  // and at the end of an iteration
 
 struct Rates {
-    double milliseconds;
+    double milliseconds;  // since the search began
     double nodes;
-    double nps;
+    double nps;  // nodes a second
 };
 
+// Of all threads, as Collect has summed them. In the first millisecond a rate would be noise.
 Rates CurrentRates() {
     const double elapsed = PBlock.elapsed;
     const auto nodes = static_cast<double>(sstats[STAT_NODES]);
     return {elapsed * 1000, nodes, elapsed > 0.001 ? nodes / elapsed : 0.0};
 }
 
-// Text of a line of moves. Nothing is allocated while a search runs.
+// Text of a line of moves, cut where it doesn't fit. Nothing is allocated while a search runs.
 class LineText {
 public:
-    void Append(const char* text) {
+    void Add(const char* text) {
         while (*text != '\0' && length_ + 1 < text_.size())
             text_[length_++] = *text++;
         text_[length_] = '\0';
     }
-    void Append(Move move) {
+    void Add(Move move) {
         MoveText text;
-        Append(MoveToStr(move, text.data()));
+        Add(MoveToStr(move, text.data()));
     }
     const char* c_str() const { return text_.data(); }
 
@@ -59,25 +61,28 @@ LineText UciLine(const Move* pv) {
     LineText text;
     for (int i = 1; i <= SHOWN_MOVES && pv[i]; ++i) {
         if (i > 1)
-            text.Append(" ");
-        text.Append(pv[i]);
+            text.Add(" ");
+        text.Add(pv[i]);
     }
     return text;
 }
 
-// The line cut to what a person reads; long ones continue under the first move.
+// The line cut to what a person reads; long ones continue under the first move. What is only passing stays on one line.
 LineText ConsoleLine(const Move* pv, int most) {
+    // As far in as the columns of a console line go.
     constexpr const char* new_line = "\n                              ";
     LineText text;
     for (int i = 1; i <= most && pv[i]; ++i) {
         if (i > 1)
-            text.Append((i - 1) % MOVES_A_LINE == 0 ? new_line : " ");
-        text.Append(pv[i]);
+            text.Add((i - 1) % MOVES_A_LINE == 0 ? new_line : " ");
+        text.Add(pv[i]);
     }
     return text;
 }
 
-void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
+// The longer form tells the worker, and lines that an iteration has ended with from those it has come across. Mates are
+// told in centipawns like any score.
+void ShowUciLine(int id, char mark, int mpv, Depth depth, int score, const Move* pv) {
     const Rates rates = CurrentRates();
     const LineText line = UciLine(pv);
     if (uci_extra) {
@@ -92,8 +97,8 @@ void ShowUciLine(int id, char mark, int mpv, int depth, int score, const Move* p
                   score, rates.nodes, rates.nps, line.c_str());
 }
 
-void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Move* pv) {
-    const LineText line = ConsoleLine(pv, mpv == -1 ? SHORT_LINE : LONG_LINE);
+void ShowConsoleLine(int id, char mark, int mpv, Depth depth, int score, const Move* pv) {
+    const LineText line = ConsoleLine(pv, mpv == ITERATION_RUNS ? SHORT_LINE : LONG_LINE);
     ShowFormatted("%02d] %02d%c %5.1f %7.0fK %5d  %s", id, depth, mark, PBlock.elapsed.Get(),
                   CurrentRates().nodes / 1000, score, line.c_str());
 }
@@ -101,6 +106,7 @@ void ShowConsoleLine(int id, char mark, int mpv, int depth, int score, const Mov
 }  // namespace
 
 void Collect() {
+    // Slot 0, the game's own, counts what is evaluated outside of a search.
     sstats = {};
     for (int i = 0; i <= PBlock.nthreads; ++i) {
         const SearchThread& thread = *GetThread(i);
@@ -114,7 +120,8 @@ void Collect() {
     }
 }
 
-void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply) {
+void UpdatePV(Move* pv, const Move* child_pv, Move move, Ply ply) {
+    assert(ply >= 1 && ply < FRAMES);
     pv[ply] = move;
     for (int i = ply + 1; i < FRAMES; ++i) {
         pv[i] = child_pv[i];
@@ -131,23 +138,27 @@ PvLine CopyPV(const SharedLine& line) {
 }
 
 void NewBestMove(SearchThread* thread) {
+    // A side worker is heard through the table, and when worker 1 repeats an iteration for its sake.
     if (thread->id > 1)
         return;
     if (!PublishLine(*thread))
         return;
-    const int depth = thread->best_depth;
+    // Depth 1 is shown when it is through, and several lines are shown together with theirs.
+    const Depth depth = thread->best_depth;
     if (depth > 1 && PBlock.multipv == 1)
-        DisplaySearchInfo(thread->id, -1, depth, thread->score, CopyPV(thread->pv).data());
+        DisplaySearchInfo(thread->id, ITERATION_RUNS, depth, thread->score, CopyPV(thread->pv).data());
 }
 
 bool SearchIsSilent() { return PBlock.noise == SILENT || PBlock.noise > PBlock.elapsed; }
 
-void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv) {
+void DisplaySearchInfo(int id, int mpv, Depth depth, int score, const Move* pv) {
     // A search that has been stopped shows its result within the first seconds as well.
     const bool silent = PBlock.stop ? PBlock.noise == SILENT : SearchIsSilent();
+    // Depth 0 is a move that nobody has searched.
     if (silent || depth == 0 || pv[1] == NO_MOVE)
         return;
     const char mark = mpv >= 0 ? '.' : ' ';
+    // The sums are one thread's from here to the end of the report: workers and the main thread both show lines.
     const SpinGuard guard(&spinlock2);
     Collect();
     if (PBlock.mode == MODE_UCI)
@@ -161,6 +172,7 @@ void ShowSearchStart(const Position& game) {
         return;
     std::array<char, EPD_TEXT> fen;
     MakeEPD(game, fen.data());
+    // The log of a game shows what was searched and how long it should take; in UCI mode nobody else asks.
     const auto text = [](const char* format, auto... values) {
         std::array<char, 256> line;
         std::snprintf(line.data(), line.size(), format, values...);
@@ -183,6 +195,7 @@ void ShowInfo() {
     Collect();
     CheckTTable();
     const Rates rates = CurrentRates();
+    // The fill is told in thousandths.
     ShowFormatted("info depth %d time %.0f nodes %.0f nps %.0f hashfull %.0f", GetThread(1)->depth.Get(),
                   rates.milliseconds, rates.nodes, rates.nps, PBlock.hash_fill * 1000);
 }
@@ -193,7 +206,8 @@ void UCI_ShowCurrentMove(Move move, int number) {
 }
 
 double EffectiveBranchingFactor() {
-    const int depth = PBlock.done_depth;
+    // Four plies even out that odd and even iterations grow differently. Early ones are over too soon to tell anything.
+    const Depth depth = PBlock.done_depth;
     if (depth <= 5)
         return 2.0;
     const auto& iter_nodes = GetThread(1)->iter_nodes;
@@ -201,7 +215,7 @@ double EffectiveBranchingFactor() {
     const auto earlier = static_cast<double>(iter_nodes[depth - 4]);
     if (last == 0.0 || earlier == 0.0)
         return 2.0;
-    return std::sqrt(std::sqrt(last / earlier));
+    return std::sqrt(std::sqrt(last / earlier));  // the fourth root
 }
 
 }  // namespace vrel

@@ -25,7 +25,7 @@ extern std::array<uint64_t, STATS> sstats;
 void Collect();
 
 // pv[ply] = move, then the child's line.
-void UpdatePV(Move* pv, const Move* child_pv, Move move, int ply);
+void UpdatePV(Move* pv, const Move* child_pv, Move move, Ply ply);
 
 // A private copy of a line that others may be looking at.
 PvLine CopyPV(const SharedLine& line);
@@ -36,8 +36,11 @@ void NewBestMove(SearchThread* thread);
 // True while no lines are wanted: in the first seconds of a search, or at all.
 bool SearchIsSilent();
 
-// One info line. `mpv` is the MultiPV index, -1 for a report while the search runs.
-void DisplaySearchInfo(int id, int mpv, int depth, int score, const Move* pv);
+// In place of a MultiPV index: the report of a line while the iteration runs.
+inline constexpr int ITERATION_RUNS = -1;
+
+// One info line. `mpv` is the MultiPV index or ITERATION_RUNS.
+void DisplaySearchInfo(int id, int mpv, Depth depth, int score, const Move* pv);
 // The published line of PBlock.
 void DisplayPublishedLine();
 

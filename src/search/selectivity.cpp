@@ -1,6 +1,7 @@
 #include "search/selectivity.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 
 #include "board/legality.h"
@@ -14,12 +15,14 @@ namespace vrel {
 
 namespace {
 
-constexpr int MAX_REDUCTION_PAIR = 4;
+constexpr int MAX_REDUCTION_PAIR = 4;  // plies that two moves in a row may lose together
 
+// Places in the tables of Personality: later moves are as the last column, deeper nodes as the last row.
 int MoveColumn(int searched) { return std::min(searched, 31); }
-int TableDepth(int depth) { return std::clamp(depth, 0, 69); }
+int TableDepth(Depth depth) { return std::clamp(depth, 0, 69); }
 
-// The move takes the opponent's last piece other than pawns.
+// The move takes the opponent's last piece other than pawns. A pawn ending follows, which is won or lost by things that
+// a shortened search doesn't see.
 bool CaptureLastPiece(const Position& pos, const MoveEntry& entry) {
     const int type = TypeOf(entry.captured);
     return type > PAWN && pos.npv[pos.stm ^ 1] == npv_unit[type];
@@ -37,12 +40,12 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 }  // namespace
 
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
-    const int side = pos.stm;
-    const int check = MoveGivesCheck(pos, side, *entry, checks);
+    const Side side = pos.stm;
+    const CheckKind check = MoveGivesCheck(pos, side, *entry, checks);
     const bool push7 =
-        static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == 6);
+        static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == SEVENTH_RANK);
     int flags = 0;
-    if (check)
+    if (check != NO_CHECK)
         flags |= FLAG_CHECK;
     if (push7)
         flags |= FLAG_PUSH7;
@@ -51,24 +54,27 @@ int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks)
     if (entry->move & PROMOTE_QUEEN)
         flags |= FLAG_QUEEN;
     entry->flags = static_cast<uint8_t>(flags);
-    if (check == 2)
+    // A discovered check leaves the mover free to do harm wherever it lands, be it lost there or not.
+    if (check == DISCOVERED_CHECK)
         return 1;
-    if (check == 1 || push7 || CaptureLastPiece(pos, *entry))
+    if (check == DIRECT_CHECK || push7 || CaptureLastPiece(pos, *entry))
         return MoveIsSafe(pos, *entry);
     return 0;
 }
 
-bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched) {
+bool PruneMove(const Position& pos, const MoveEntry& entry, Depth depth, int searched) {
     const PlyFrame& frame = pos.frames[pos.ply];
-    const int side = pos.stm;
+    const Side side = pos.stm;
     if (entry.flags & ANY_FLAG)
         return false;
+    assert((entry.captured == 0) && searched > 0);
     if (EndgamePruneExclusion(pos, entry))
         return false;
-    // Futility, whatever the move's place in the order.
+    // Futility, whatever the move's place in the order: a quiet move won't make up for what is missing.
     if (frame.eval <= frame.alpha - Personality.FP_margin[MarginDepth(depth)])
         return true;
-    if (std::min(searched, 31) <= Personality.LMP_count[MarginDepth(depth)])
+    // The first few moves stay; a late one stays if something speaks for it and it doesn't lose material.
+    if (MoveColumn(searched) <= Personality.LMP_count[MarginDepth(depth)])
         return false;
     if (MoveIsCastle(entry) || MoveIsPawnPush(pos, side, entry))
         return false;
@@ -80,6 +86,7 @@ bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searc
 bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry) {
     if (pos.npv[WHITE] == 0 || pos.npv[BLACK] == 0)
         return true;
+    // The fewer pawns are left, the more the next one decides.
     const int victim = TypeOf(entry.captured);
     if (victim == NO_PIECE)
         return false;
@@ -89,19 +96,22 @@ bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry) {
     return CaptureLastPiece(pos, entry) || pawns <= 1;
 }
 
-int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, NodeType node_type) {
+int Reduction(const Position& pos, const MoveEntry& entry, Depth depth, int searched, NodeType node_type) {
     if (depth < Personality.LMR_depth)
         return 0;
+    // Off the principal variation a mistake costs less, and moves are shortened sooner and by more.
     const auto& table = node_type == NODE_PV ? Personality.LMR_table1 : Personality.LMR_table2;
     int r = table[TableDepth(depth)][MoveColumn(searched)];
     if (r == 0 || CaptureLastPiece(pos, entry))
         return 0;
+    // Active moves that nothing better is known of: a losing capture, an unsafe check.
     if (entry.flags & ANY_FLAG)
         return 1;
+    // Moves that promise something keep their depth as long as they lose no material.
     if ((entry.sort_value > ORDER_REMEMBERED || MoveIsPawnPush(pos, pos.stm, entry)) && MoveIsSafe(pos, entry))
         return 0;
-    // Two consecutive reductions take no more than this together.
     r = std::min(r, MAX_REDUCTION_PAIR - pos.frames[pos.ply - 1].reduction);
+    // Internal deepening looks for one good move, with little depth to lose.
     return r > 1 && pos.frames[pos.ply].iid ? 1 : r;
 }
 

@@ -12,19 +12,19 @@ namespace vrel {
 enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8, ANY_FLAG = 15 };
 
 // Place of a depth in the margins of Personality.
-constexpr int MarginDepth(int depth) { return std::clamp(depth, 0, 7); }
+constexpr int MarginDepth(Depth depth) { return std::clamp(depth, 0, 7); }
 
 // Fills entry->flags and gives the extension, 0 or 1.
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks);
 
 // True to drop the move.
-bool PruneMove(const Position& pos, const MoveEntry& entry, int depth, int searched);
+bool PruneMove(const Position& pos, const MoveEntry& entry, Depth depth, int searched);
 
 // True if the move mustn't be pruned because it decides the kind of ending.
 bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry);
 
 // Reduction in plies, 0 to 3.
-int Reduction(const Position& pos, const MoveEntry& entry, int depth, int searched, NodeType node_type);
+int Reduction(const Position& pos, const MoveEntry& entry, Depth depth, int searched, NodeType node_type);
 
 // Prints the two reduction tables on standard output.
 void DisplayLMR();

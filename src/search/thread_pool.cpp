@@ -17,11 +17,12 @@ SpinLock spinlock1, spinlock2;
 
 namespace {
 
-std::array<int, MAX_THREADS + 1> thread_id;
+std::array<int, MAX_THREADS + 1> thread_id;  // arguments of the thread functions, which outlive their start
 
-// The body of a worker: waits for work until it is told to end.
+// The body of a worker: makes its record, then waits for work until it is told to end.
 void* SearchThreadFunc(void* arg) {
     const int id = *static_cast<int*>(arg);
+    // Without memory for a worker there is no engine, and nobody here to tell.
     if (InitNewThread(id) != 0)
         std::_Exit(0);
     SearchThread* self = GetThread(id);
@@ -41,6 +42,7 @@ void* SearchThreadFunc(void* arg) {
 void WakeWorker(int id, WorkFlag flag) {
     SearchThread* worker = GetThread(id);
     assert(worker->work_flag.load(std::memory_order_relaxed) == WORK_IDLE);
+    // The position and the limits that were written before go with the flag.
     worker->work_flag.store(flag, std::memory_order_release);
     WakeWaiter(&worker->work_flag);
 }
@@ -73,6 +75,7 @@ void HandOverPosition(const SearchThread& game, SearchThread* worker) {
     worker->pos.undo = worker->undo.data();
     worker->pos.frames = worker->frames.data();
     worker->pos.thread_index = static_cast<uint8_t>(worker->id);
+    // The record behind those in use holds the move ahead, if one has been taken back.
     const int records = game.pos.game_ply + 1;
     std::copy_n(game.undo.begin(), std::min(records, UNDO_RECORDS), worker->undo.begin());
     if (records < UNDO_RECORDS)
@@ -92,12 +95,14 @@ int CreateThreadPool(int n) {
         if (error != 0)
             return error;
     }
+    // A record appears when it is complete.
     for (int i = 1; i <= n; ++i)
         while (GetThread(i) == nullptr)
             SleepMilliseconds(1);
     return 0;
 }
 
+// The records stay for whoever reads the figures of the last search.
 void KillThreadPool(int n) {
     StopSearch(STOP_POOL);
     WaitUntilIdle();
@@ -106,6 +111,7 @@ void KillThreadPool(int n) {
     WaitUntilIdle();
 }
 
+// Acquires what the workers have written before they went idle.
 bool WorkersIdle() {
     for (int i = 1; i <= PBlock.nthreads; ++i)
         if (GetThread(i)->work_flag.load(std::memory_order_acquire) != WORK_IDLE)
@@ -113,6 +119,7 @@ bool WorkersIdle() {
     return true;
 }
 
+// Worker 1 goes first: its line is the one that is waited for.
 void StartWorkers() {
     for (int i = 1; i <= PBlock.nthreads; ++i)
         WakeWorker(i, WORK_SEARCH);
@@ -129,6 +136,7 @@ void DestroyLocks() {
 }
 
 void PrepareThreads() {
+    // What is copied here is a worker's own until it goes idle again.
     assert(WorkersIdle());
     const SearchThread& game = *GetThread(0);
     for (int i = 1; i <= PBlock.nthreads; ++i)

@@ -26,22 +26,26 @@ constexpr double PATIENCE_SHARE = 0.25;
 
 constexpr int CLEARLY = 20;  // centipawns that make one worker's score differ from the published one
 
-int MovesToGo(int ply) {
+// Moves that the clock has to last for. In sudden death that is a guess, which the opening makes larger. The console
+// counts the moves of a control itself; a UCI front end tells what is left of them.
+int MovesToGo(int game_ply) {
     const int level_moves = PBlock.level_moves;
-    if (level_moves == 0)
-        return ply > 25 ? 24 : 36 - ply / 2;
-    if (level_moves > 1 && PBlock.mode == MODE_CONSOLE)
-        return level_moves - (ply / 2) % level_moves;
+    if (level_moves == SUDDEN_DEATH)
+        return game_ply > 25 ? 24 : 36 - game_ply / 2;
+    if (level_moves > FIXED_TIME && PBlock.mode == MODE_CONSOLE)
+        return level_moves - (game_ply / 2) % level_moves;
     return PBlock.moves_to_go;
 }
 
 // Target of a search under a clock of `left` seconds.
 double TargetTime(double left, int moves) {
     const double base = left / (moves + 1);
+    // Who ponders wins back time on the opponent's clock.
     double target = PBlock.ponder && moves > 2 ? base * 1.1 : base * 0.9;
     // The bonus tends to the increment with a large clock and fades with a small one.
     if (left > 4 * PBlock.overhead)
         target += PBlock.inc * left / (2 * PBlock.inc + left);
+    // Never so much that what remains can't be played with.
     target = std::min(target, left * 0.65 - 4 * PBlock.overhead);
     return std::max(target, SHORTEST_TARGET);
 }
@@ -90,7 +94,8 @@ bool TimeIsOver() {
         extension = std::max(DisagreementExtension(), TrendExtension());
     const double left = TimeLeft();
     const double limit = PBlock.trg_time + extension * 0.01 * left;
-    if (PBlock.level_moves == 1)
+    // A fixed time is used up; from a clock the overhead of the move's way to the other side is kept.
+    if (PBlock.level_moves == FIXED_TIME)
         return elapsed >= limit;
     return elapsed >= limit - PBlock.overhead || 5 * PBlock.overhead > left;
 }
@@ -100,7 +105,7 @@ bool MayStillWait() {
     if (PBlock.depth > 1)
         return false;
     double patience = LONGEST_PATIENCE;
-    if (PBlock.depth == 1 && PBlock.level_moves == 1)
+    if (PBlock.depth == 1 && PBlock.level_moves == FIXED_TIME)
         patience = SHORTEST_PATIENCE;
     else if (PBlock.depth == 1)
         patience = std::clamp(PATIENCE_SHARE * TimeLeft(), SHORTEST_PATIENCE, LONGEST_PATIENCE);
@@ -119,8 +124,8 @@ void GetElapsedTime(int flag) {
 }
 
 void SetTimeBudget(const Position& game) {
-    const int side = game.stm;
-    if (PBlock.level_moves == 1) {
+    const Side side = game.stm;
+    if (PBlock.level_moves == FIXED_TIME) {
         PBlock.trg_time = PBlock.level_time.Get();
         PBlock.clock[side] = PBlock.level_time.Get();
         return;
@@ -142,7 +147,7 @@ void SearchTimeout() {
             StopSearch(STOP_COMMAND);
         return;
     }
-    if (PBlock.easy == 1 || (PBlock.easy == 2 && PBlock.elapsed >= 0.5 * PBlock.trg_time))
+    if (PBlock.easy == ONLY_MOVE || (PBlock.easy == FAR_AHEAD && PBlock.elapsed >= 0.5 * PBlock.trg_time))
         StopSearch(STOP_TIME);
 }
 

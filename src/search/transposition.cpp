@@ -26,10 +26,9 @@ constexpr uint64_t SPARE_ENTRIES = 16;
 constexpr uint64_t LOCK_MASK = 0xffffffff00000000ULL;
 constexpr uint64_t DEFAULT_SLOTS = 0x200000;
 
-// Results of a probe that finds nothing, in `depth`.
-constexpr int8_t NOT_THERE = -99;
-constexpr int8_t TORN = -98;
-constexpr int8_t WRONG_MOVE = -97;
+// Results of a probe that finds an entry which can't be used, in `depth`.
+constexpr int8_t TORN = -98;        // its words are those of two writers
+constexpr int8_t WRONG_MOVE = -97;  // another position's, with the same key
 
 // A deeper result of this search is not given up for one that is more than this many plies shallower ...
 constexpr int PROTECTED_MARGIN = 2;
@@ -72,7 +71,9 @@ uint64_t CheckWord(const TTData& data, uint64_t key) {
 bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MASK) == 0; }
 
 // First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
-TTEntry* Bucket(uint64_t key, int stm) {
+// The usual size is spared the division.
+TTEntry* Bucket(uint64_t key, Side stm) {
+    assert(slots != 0);
     const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
     return htable[stm] + slot;
 }
@@ -100,6 +101,7 @@ void ForgetFill() {
 void Find(const Position& pos, TTData* result) {
     const uint64_t key = GetFullHash(pos);
     TTEntry* entry = Bucket(key, pos.stm);
+    // The first entry with this key is the only one: a store overwrites it in place.
     for (int i = 0; i < BUCKET; ++i, ++entry) {
         const uint64_t check = LoadCheck(*entry);
         if (!LockMatches(check, key))
@@ -124,14 +126,17 @@ int InitTTable() {
     hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
     if (hashtable == nullptr)
         return -1;
+    // Behind each half lies a bucket's rest, for keys of the last slots.
     slots = entries / 2;
     htable[WHITE] = hashtable;
     htable[BLACK] = hashtable + slots + BUCKET;
+    static_assert(2 * BUCKET <= SPARE_ENTRIES);
     ForgetFill();
     FillKeyTables();
     return 0;
 }
 
+// Zeroed words are empty entries, as Pack has it.
 void ClearTTable() {
     if (hashtable != nullptr)
         std::memset(static_cast<void*>(hashtable), 0, block_bytes);
@@ -153,7 +158,7 @@ void CheckTTable() {
 }
 
 void ProbeTTable(Position* pos, TTData* result) {
-    *result = TTData{0, NO_SCORE, 0, NOT_THERE, 0};
+    *result = TT_NOT_THERE;
     if (PBlock.use_hash && slots)
         Find(*pos, result);
     SearchThread* thread = ThreadOf(pos);
@@ -162,13 +167,14 @@ void ProbeTTable(Position* pos, TTData* result) {
         thread->tt_hits.Add(1);
 }
 
-void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move) {
+void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move) {
     if (!PBlock.use_hash || !slots)
         return;
     assert(score >= -10000 && score <= 10000);
     const uint64_t key = GetFullHash(*pos);
     const uint16_t age = PBlock.tt_age;
     TTEntry* entry = Bucket(key, pos->stm);
+    // The entry of this position, else the oldest and shallowest of the bucket.
     TTEntry* target = entry;
     TTData old = Load(*entry);
     for (int i = 0; i < BUCKET; ++i, ++entry) {
@@ -186,20 +192,23 @@ void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type,
     }
     if (old.depth > depth + PROTECTED_MARGIN && old.depth >= PBlock.depth - PROTECTED_BELOW_ITERATION && old.age == age)
         return;
+    // The fill is counted as it grows; nobody goes through the table for it.
     if (old.depth == TT_EMPTY)
         ttcnt[pos->thread_index].count.Add(1);
     const TTData data{move, static_cast<int16_t>(CompressScore(score, ply)), static_cast<uint8_t>(type),
                       static_cast<int8_t>(std::min(depth, 127)), age};
+    // Two plain stores: whoever reads between them finds words that don't go together and passes them over.
     target->data.store(Pack(data), std::memory_order_relaxed);
     target->check.store(CheckWord(data, key), std::memory_order_relaxed);
 }
 
-void PrefetchTTable(uint64_t key, int stm) {
+void PrefetchTTable(uint64_t key, Side stm) {
     if (slots)
         __builtin_prefetch(Bucket(key, stm));
 }
 
-int CompressScore(int score, int ply) {
+// Other scores than mates are the same at every ply.
+int CompressScore(int score, Ply ply) {
     if (score > MATE_BOUND)
         return score + ply;
     if (score < -MATE_BOUND - 1)
@@ -207,7 +216,7 @@ int CompressScore(int score, int ply) {
     return score;
 }
 
-int ExpandScore(int score, int ply) {
+int ExpandScore(int score, Ply ply) {
     if (score > MATE_BOUND)
         return score - ply;
     if (score < -MATE_BOUND - 1)

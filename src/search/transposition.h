@@ -12,15 +12,16 @@ enum BoundType : int { BOUND_UPPER = 1, BOUND_LOWER = 2, BOUND_EXACT = 3 };
 
 // First word of an entry.
 struct TTData {
-    uint16_t move;
+    Move move;
     int16_t score;  // mates as a distance from the node
-    uint8_t type;
-    int8_t depth;  // TT_EMPTY in an empty entry
+    uint8_t type;   // a BoundType
+    int8_t depth;   // TT_EMPTY in an empty entry
     uint16_t age;
 };
 
 inline constexpr int TT_EMPTY = -50;
-inline constexpr int TT_FOUND = -49;  // depth of a probe's result from here on: found
+inline constexpr int TT_FOUND = -49;                                 // depth of a probe's result from here on: found
+inline constexpr TTData TT_NOT_THERE{NO_MOVE, NO_SCORE, 0, -99, 0};  // result of a probe that finds nothing
 
 // Two words, each read and written whole.
 struct TTEntry {
@@ -44,13 +45,13 @@ void CheckTTable();
 void ProbeTTable(Position* pos, TTData* result);
 
 // `score` as the search sees it at `ply`.
-void StoreInTTable(Position* pos, int ply, int depth, int score, BoundType type, Move move);
+void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move);
 
 // Brings the bucket of a key into the cache ahead of its probe.
-void PrefetchTTable(uint64_t key, int stm);
+void PrefetchTTable(uint64_t key, Side stm);
 
 // Mates go into the table as a distance from this node, so that an entry holds at any ply.
-int CompressScore(int score, int ply);
-int ExpandScore(int score, int ply);
+int CompressScore(int score, Ply ply);
+int ExpandScore(int score, Ply ply);
 
 }  // namespace vrel
