@@ -6,6 +6,7 @@
 
 #include "board/keys.h"
 #include "board/letters.h"
+#include "board/placement.h"
 #include "platform/narrow.h"
 
 namespace vrel {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
+#include <cstring>
 
 #include "board/keys.h"
+#include "board/placement.h"
 #include "platform/narrow.h"
 
 namespace vrel {
@@ -37,38 +40,38 @@ constexpr RookStep RookOfCastling(Square king_from, Square king_to) {
     return king_to > king_from ? RookStep{king_from + 3, king_from + 1} : RookStep{king_from - 4, king_from - 1};
 }
 
+// Side to move, rights, en passant square and counter, which lie side by side.
+void* StateOf(Position* pos) { return reinterpret_cast<char*>(pos) + offsetof(Position, stm); }
+static_assert(offsetof(Position, fifty) == offsetof(Position, stm) + sizeof(UndoRecord::state) - 1);
+
 // Everything that a move changes and that can't be worked out backwards, but for the pawn key.
-void PushRecord(Position* pos, Move move, int captured) {
+[[gnu::always_inline]] inline UndoRecord& PushRecord(Position* pos, Move move, int captured) {
     assert(pos->game_ply >= 0 && pos->game_ply < UNDO_RECORDS && pos->ply + 1 < FRAMES);
     UndoRecord& record = pos->undo[pos->game_ply];
     record.move = move;
     record.captured = Narrow(captured);
-    record.ep_square = pos->ep_square;
-    record.fifty = pos->fifty;
-    record.castling = pos->castling;
     record.special = UNDO_PLAIN;
+    std::memcpy(&record.state, StateOf(pos), sizeof record.state);
     record.hash = pos->hash;
     ++pos->game_ply;
     ++pos->ply;
+    return record;
 }
 
 // What both kinds of move have in common on the way back. The record stays readable until the next move is made.
-const UndoRecord& PopRecord(Position* pos) {
+[[gnu::always_inline]] inline const UndoRecord& PopRecord(Position* pos) {
     assert(pos->game_ply > 0 && pos->ply > 0);
     --pos->game_ply;
     --pos->ply;
     const UndoRecord& record = pos->undo[pos->game_ply];
     pos->last_move = pos->game_ply > 0 ? pos->undo[pos->game_ply - 1].move : NO_MOVE;
-    pos->ep_square = record.ep_square;
-    pos->castling = record.castling;
-    pos->fifty = record.fifty;
-    pos->stm ^= 1;
+    std::memcpy(StateOf(pos), &record.state, sizeof record.state);
     return record;
 }
 
 // The victim stands beside the pawn's old square. On a set-up board there may be none: then it is a plain move.
 template <int Side>
-void TakeEnPassant(Position* pos, Square to, UndoRecord* record) {
+[[gnu::cold, gnu::noinline]] void TakeEnPassant(Position* pos, Square to, UndoRecord* record) {
     const Square victim = EnPassantVictim(*pos, Side, to);
     if (victim == NO_SQUARE)
         return;
@@ -79,7 +82,7 @@ void TakeEnPassant(Position* pos, Square to, UndoRecord* record) {
 
 // With a full row of the new type the pawn stays a pawn.
 template <int Side>
-void Promote(Position* pos, Move move, Square to) {
+[[gnu::cold, gnu::noinline]] void Promote(Position* pos, Move move, Square to) {
     const int type = PromotedType(move);
     if (CountOf(*pos, Side, type) == MAX_ROW)
         return;
@@ -89,21 +92,9 @@ void Promote(Position* pos, Move move, Square to) {
     UpdateHash(pos, Side, type, to);
 }
 
-// The square passed over is kept after every double step, whether an enemy pawn could capture there or not.
-template <int Side>
-void MovePawn(Position* pos, Move move, Square from, Square to, UndoRecord* record) {
-    pos->fifty = 0;
-    if (from + 2 * pawn_dir[Side] == to)
-        pos->ep_square = Narrow(from + pawn_dir[Side]);
-    else if (to == record->ep_square)
-        TakeEnPassant<Side>(pos, to, record);
-    else if (move & PROMOTION_BITS)
-        Promote<Side>(pos, move, to);
-}
-
 // The rights imply a rook in the corner; on a set-up board it may be missing, and then the king moves alone.
 template <int Side>
-void CastleRook(Position* pos, Square from, Square to, UndoRecord* record) {
+[[gnu::cold, gnu::noinline]] void CastleRook(Position* pos, Square from, Square to, UndoRecord* record) {
     const RookStep rook = RookOfCastling(from, to);
     if (pos->board[rook.from] != PieceCode(Side, ROOK) || pos->board[rook.to] != 0)
         return;
@@ -112,24 +103,45 @@ void CastleRook(Position* pos, Square from, Square to, UndoRecord* record) {
     record->special = UNDO_CASTLED;
 }
 
+// What castling changes besides the king. It resets the counter, which the rules of chess would not require.
+template <int Side>
+void MoveKingTwice(Position* pos, Square from, Square to, UndoRecord* record) {
+    pos->fifty = 0;
+    if (from == init_king_sq[Side])
+        CastleRook<Side>(pos, from, to, record);
+}
+
+// What a pawn's move changes besides its square. The square passed over is kept after every double step, whether an
+// enemy pawn could capture there or not.
+template <int Side>
+void MovePawn(Position* pos, Move move, Square from, Square to, Square ep_square, UndoRecord* record) {
+    pos->fifty = 0;
+    if (from + 2 * pawn_dir[Side] == to)
+        pos->ep_square = Narrow(from + pawn_dir[Side]);
+    else if (to == ep_square)
+        TakeEnPassant<Side>(pos, to, record);
+    else if (move & PROMOTION_BITS)
+        Promote<Side>(pos, move, to);
+}
+
 // The record is written first, from the position as it was; the board follows piece by piece, its keys with it. Side to
 // move, rights and en passant square are in no key: GetFullHash folds them in.
 template <int Side>
 void Make(Position* pos, Move move) {
     const Square to = ToSquare(move);
     const Square from = FromSquare(move);
+    const Square ep_square = pos->ep_square;
     const int captured = pos->board[to];
-    PushRecord(pos, move, TypeOf(captured));
-    UndoRecord& record = pos->undo[pos->game_ply - 1];
+    UndoRecord& record = PushRecord(pos, move, TypeOf(captured));
     record.pawn_hash = pos->pawn_hash;
 
     pos->last_move = move;
-    pos->ep_square = NO_SQUARE;
+    pos->stm = Side ^ 1;
     pos->castling = Narrow(pos->castling & ~(csbits[from] | csbits[to]));
+    pos->ep_square = NO_SQUARE;
     // Long past the limit the counter stays, so that a game of shuffling never looks young again.
     if (pos->fifty < UINT8_MAX)
         ++pos->fifty;
-    pos->stm = Side ^ 1;
 
     // What is taken goes before the mover comes, so that no square ever holds two.
     if (captured) {
@@ -141,13 +153,24 @@ void Make(Position* pos, Move move) {
     MoveInHash(pos, Side, type, from, to);
     MovePiece(pos, Side, from, to);
 
-    if (type == PAWN) {
-        MovePawn<Side>(pos, move, from, to, &record);
-    } else if (type == KING && (to == from + 2 || to == from - 2)) {
-        // Castling resets the counter, which the rules of chess would not require.
-        pos->fifty = 0;
-        if (from == init_king_sq[Side])
-            CastleRook<Side>(pos, from, to, &record);
+    if (type == PAWN)
+        MovePawn<Side>(pos, move, from, to, ep_square, &record);
+    else if (type == KING && (to == from + 2 || to == from - 2)) [[unlikely]]
+        MoveKingTwice<Side>(pos, from, to, &record);
+}
+
+// Takes back what a move did besides moving one piece and taking another.
+template <int Side>
+[[gnu::cold, gnu::noinline]] void UnmakeSpecial(Position* pos, const UndoRecord& record, Square from, Square to) {
+    if (record.special == UNDO_EN_PASSANT) {
+        AddPiece(pos, Side ^ 1, PAWN, to - pawn_dir[Side]);
+    } else if (record.special == UNDO_CASTLED) {
+        const RookStep rook = RookOfCastling(from, to);
+        MovePiece(pos, Side, rook.to, rook.from);
+    }
+    if (record.move & PROMOTION_BITS) {
+        RemovePiece(pos, from);
+        AddPiece(pos, Side, PAWN, from);
     }
 }
 
@@ -161,16 +184,8 @@ void Unmake(Position* pos) {
     MovePiece(pos, Side, to, from);
     if (record.captured)
         AddPiece(pos, Side ^ 1, record.captured, to);
-    if (record.special == UNDO_EN_PASSANT) {
-        AddPiece(pos, Side ^ 1, PAWN, to - pawn_dir[Side]);
-    } else if (record.special == UNDO_CASTLED) {
-        const RookStep rook = RookOfCastling(from, to);
-        MovePiece(pos, Side, rook.to, rook.from);
-    }
-    if (record.move & PROMOTION_BITS) {
-        RemovePiece(pos, from);
-        AddPiece(pos, Side, PAWN, from);
-    }
+    if (record.special != UNDO_PLAIN || (record.move & PROMOTION_BITS)) [[unlikely]]
+        UnmakeSpecial<Side>(pos, record, from, to);
     // The keys come back by copying.
     pos->hash = record.hash;
     pos->pawn_hash = record.pawn_hash;

@@ -73,12 +73,10 @@ constexpr int TypeAfterMove(const MoveEntry& entry) {
 
 // What MakeMove saves and UnmakeMove restores.
 struct UndoRecord {
-    Move move;          // 0 for a null move
-    uint8_t captured;   // type taken from the to-square; 0 for en passant
-    uint8_t ep_square;  // before the move, as are the fields below
-    uint8_t fifty;
-    uint8_t castling;
+    Move move;            // 0 for a null move
+    uint8_t captured;     // type taken from the to-square; 0 for en passant
     UndoSpecial special;  // what else the move did
+    uint32_t state;       // before the move, as are the keys: see StateOf
     uint64_t hash;
     uint64_t pawn_hash;  // not written for a null move
 };
@@ -126,8 +124,8 @@ struct Position {
     std::array<int16_t, 2> npv;    // non-pawn material: knight and bishop 3, rook 5, queen 10
     uint64_t hash;                 // placement only; see GetFullHash
     uint64_t pawn_hash;
-    uint8_t stm;
-    uint8_t castling;
+    uint8_t stm;        // these four fields are saved and brought back as one word
+    uint8_t castling;   // rights
     uint8_t ep_square;  // passed over by the last move's double step, else NO_SQUARE
     uint8_t fifty;      // plies since the last reset
     Move last_move;     // 0 if none or after a null move
@@ -181,12 +179,6 @@ inline int CountOf(const Position& pos, Side side, int type) {
 
 // Empties the board: white's and black's rights all set, no en passant square, no past. Side to move and keys stay.
 void ClearBoard(Position* pos);
-
-// Low-level edits; none touches the keys. AddPiece puts a piece on an empty square, unless its row is full: then it
-// does nothing. RemovePiece takes away the piece that is there, MovePiece carries one of `side` to an empty square.
-void AddPiece(Position* pos, Side side, int piece, Square sq);
-void RemovePiece(Position* pos, Square sq);
-void MovePiece(Position* pos, Side side, Square from, Square to);
 
 // True if the three forms of the board and the sums agree; the keys aren't looked at, as they may stand for key
 // tables that have been drawn anew since. For debug builds and tests.

@@ -24,6 +24,7 @@ inline Vector LoadVector(const uint8_t* bytes) { return _mm_loadu_si128(reinterp
 inline void StoreVector(uint8_t* bytes, Vector a) { _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), a); }
 inline Vector FillVector(int byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
 inline Vector CommonBits(Vector a, Vector b) { return _mm_and_si128(a, b); }
+inline Vector DifferingBits(Vector a, Vector b) { return _mm_xor_si128(a, b); }
 inline Vector HigherBytes(Vector a, Vector b) { return _mm_max_epu8(a, b); }
 inline Vector EqualBytes(Vector a, Vector b) { return _mm_cmpeq_epi8(a, b); }
 inline Vector DropFirst(Vector a) { return _mm_srli_si128(a, 1); }
@@ -52,6 +53,7 @@ inline Vector LoadVector(const uint8_t* bytes) { return vld1q_u8(bytes); }
 inline void StoreVector(uint8_t* bytes, Vector a) { vst1q_u8(bytes, a); }
 inline Vector FillVector(int byte) { return vdupq_n_u8(static_cast<uint8_t>(byte)); }
 inline Vector CommonBits(Vector a, Vector b) { return vandq_u8(a, b); }
+inline Vector DifferingBits(Vector a, Vector b) { return veorq_u8(a, b); }
 inline Vector HigherBytes(Vector a, Vector b) { return vmaxq_u8(a, b); }
 inline Vector EqualBytes(Vector a, Vector b) { return vceqq_u8(a, b); }
 inline Vector DropFirst(Vector a) { return vextq_u8(a, vdupq_n_u8(0), 1); }
@@ -92,6 +94,9 @@ inline Vector FillVector(int byte) {
 }
 inline Vector CommonBits(const Vector& a, const Vector& b) {
     return InEachPlace([&](size_t i) { return a[i] & b[i]; });
+}
+inline Vector DifferingBits(const Vector& a, const Vector& b) {
+    return InEachPlace([&](size_t i) { return a[i] ^ b[i]; });
 }
 inline Vector HigherBytes(const Vector& a, const Vector& b) {
     return InEachPlace([&](size_t i) { return a[i] > b[i] ? a[i] : b[i]; });

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "board/placement.h"
 #include "support/engine.h"
 
 namespace vrel {

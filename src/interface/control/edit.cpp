@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "board/fen.h"
+#include "board/placement.h"
 #include "board/search_thread.h"
 #include "interface/control/input.h"
 #include "interface/messages.h"
