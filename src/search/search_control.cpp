@@ -175,6 +175,7 @@ void SearchOnWorkers() {
     StartWorkers();
     while (!WorkersIdle()) {
         PollSearch();
+        // The end of the program is asked for while a tool is at work; its search has to end first.
         if (PBlock.quit)
             StopSearch(STOP_COMMAND);
         if (PBlock.depth > 1 && PBlock.done_depth > 0)

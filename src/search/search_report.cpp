@@ -90,6 +90,7 @@ void ShowUciLine(int id, char mark, int mpv, Depth depth, int score, const Move*
                       rates.milliseconds, score, rates.nodes, rates.nps, line.c_str());
         return;
     }
+    // Of several lines the first has number 1.
     std::array<char, 32> head{"info"};
     if (PBlock.multipv > 1)
         std::snprintf(head.data(), head.size(), "info multipv %d", mpv + 1);
@@ -188,6 +189,7 @@ void ShowSearchStart(const Position& game) {
     }
 }
 
+// It has worker 0: once published a line is nobody's.
 void DisplayPublishedLine() { DisplaySearchInfo(0, 0, PBlock.depth, PBlock.score, CopyPV(PBlock.pv).data()); }
 
 void ShowInfo() {
@@ -200,6 +202,7 @@ void ShowInfo() {
                   rates.milliseconds, rates.nodes, rates.nps, PBlock.hash_fill * 1000);
 }
 
+// The squares alone: what a pawn becomes is not told here.
 void UCI_ShowCurrentMove(Move move, int number) {
     const SpinGuard guard(&spinlock2);
     ShowFormatted("info currmove %s%s currmovenumber %d", algbr(FromSquare(move)), algbr(ToSquare(move)), number);

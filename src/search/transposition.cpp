@@ -146,6 +146,7 @@ void ClearTTable() {
 void KillTTable() {
     FreePages(hashtable, block_bytes);
     hashtable = nullptr;
+    // Without slots nothing is looked up or stored.
     entries = 0;
     slots = 0;
 }
