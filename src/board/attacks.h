@@ -65,7 +65,8 @@ inline uint64_t LoneBlockers(uint64_t sliders, Square sq, uint64_t occ) {
 // True if a piece of `side` attacks `sq`, seen over `occ` or over the board as it is. What stands on `sq` itself plays
 // no part.
 inline bool SqAtakdOver(const Position& pos, Square sq, Side side, uint64_t occ) {
-    return SteppersAt(pos, side, sq) || AnySees(SlidersTowards(pos, side, sq), sq, occ);
+    return (SteppersAt(pos, side, sq) | (GenAttacksB(sq, occ) & BishopsAndQueens(pos, side)) |
+            (GenAttacksR(sq, occ) & RooksAndQueens(pos, side))) != 0;
 }
 inline bool SqAtakd(const Position& pos, Square sq, Side side) { return SqAtakdOver(pos, sq, side, Occupied(pos)); }
 

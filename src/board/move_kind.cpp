@@ -14,28 +14,24 @@ namespace {
 constexpr std::array<int8_t, 8> rough_value = {0, 1, 3, 3, 5, 10, 0, 0};
 constexpr int SAFE_LOSS = -89;  // centipawns: less than a pawn
 
-// A piece of `prey` newly in line with the mover, which sees it from `to`.
-bool SeesNewPrey(uint64_t prey, const SquareTable& rays, Square from, Square to, uint64_t occ) {
-    return AnySees(prey & rays[to] & ~rays[from], to, occ);
-}
-
 // True if another piece of the side than the slider on `mover` attacks `sq`, lines seen through the slider's square.
 bool AttackedByOthers(const Position& pos, Square sq, Side side, Square mover) {
     const uint64_t others = ~Bit(mover);
-    return SteppersAt(pos, side, sq) || AnySees(SlidersTowards(pos, side, sq) & others, sq, Occupied(pos) & others);
+    const uint64_t occ = Occupied(pos) & others;
+    return SteppersAt(pos, side, sq) || (GenAttacksB(sq, occ) & BishopsAndQueens(pos, side) & others) ||
+           (GenAttacksR(sq, occ) & RooksAndQueens(pos, side) & others);
 }
 
 // The squares of `area` that a slider reaches from `to` and didn't reach from `from`, along one kind of line; friends
 // of the same kind are seen through. True if one of them is attacked otherwise as well.
 bool AddsAttack(const Position& pos, Side side, Square from, Square to, uint64_t area, const SquareTable& rays,
-                uint64_t friends) {
-    const uint64_t blockers = Occupied(pos) & ~friends;
+                const std::array<SliderTable, SQUARES>& tables, uint64_t friends) {
     uint64_t targets = area & rays[to] & ~(rays[from] | Bit(from));
-    while (targets) {
-        const Square target = PopLSB(&targets);
-        if ((BB_Between(to, target) & blockers) == 0 && AttackedByOthers(pos, target, side, from))
+    if (targets)
+        targets &= SliderAttacks(tables[to], Occupied(pos) & ~friends);
+    while (targets)
+        if (AttackedByOthers(pos, PopLSB(&targets), side, from))
             return true;
-    }
     return false;
 }
 
@@ -65,10 +61,10 @@ bool MoveIsThreat(const Position& pos, const MoveEntry& entry) {
             return (BB_KnightRays[to] & (area | RooksAndQueens(pos, side ^ 1))) != 0;
         // A slider threatens what it didn't see before, or helps another piece against the king.
         case BISHOP:
-            return SeesNewPrey(RooksAndQueens(pos, side ^ 1), BB_BishopRays, from, to, Occupied(pos)) ||
+            return (GenAttacksB(to, Occupied(pos)) & RooksAndQueens(pos, side ^ 1) & ~BB_BishopRays[from]) ||
                    MoveAttacksKingArea(pos, BISHOP, from, to, area);
         case ROOK:
-            return SeesNewPrey(enemy[QUEEN], BB_RookRays, from, to, Occupied(pos)) ||
+            return (GenAttacksR(to, Occupied(pos)) & enemy[QUEEN] & ~BB_RookRays[from]) ||
                    MoveAttacksKingArea(pos, ROOK, from, to, area);
         case QUEEN:
             return MoveAttacksKingArea(pos, QUEEN, from, to, area);
@@ -81,8 +77,10 @@ bool MoveAttacksKingArea(const Position& pos, int type, Square from, Square to, 
     assert(type >= BISHOP && type <= QUEEN);
     const Side side = pos.stm;
     // A queen is asked along both kinds of line.
-    return (type != BISHOP && AddsAttack(pos, side, from, to, area, BB_RookRays, RooksAndQueens(pos, side))) ||
-           (type != ROOK && AddsAttack(pos, side, from, to, area, BB_BishopRays, BishopsAndQueens(pos, side)));
+    return (type != BISHOP &&
+            AddsAttack(pos, side, from, to, area, BB_RookRays, rook_tables, RooksAndQueens(pos, side))) ||
+           (type != ROOK &&
+            AddsAttack(pos, side, from, to, area, BB_BishopRays, bishop_tables, BishopsAndQueens(pos, side)));
 }
 
 bool MoveIsSafe(const Position& pos, const MoveEntry& entry) {

@@ -28,7 +28,8 @@ struct MoveLoop {
     int alpha, beta;  // alpha rises with the moves; frame->alpha keeps what it was
     NodeType node_type;
     bool in_check;
-    bool lmp_ok;          // moves may be dropped
+    bool lmp_ok;          // moves may be dropped ...
+    DropLimits drop;      // ... within these limits
     Move* local_pv;       // the line that the children write
     int best = NO_SCORE;  // may end below alpha: the loop is fail-soft
     Move best_move = NO_MOVE;
@@ -43,7 +44,7 @@ int SelectReduction(const MoveLoop& loop, const MoveEntry& entry, int ext) {
     if (loop.best < loop.ply - 9999 || entry.sort_value > ORDER_SURE || ext == 1 || loop.in_check)
         return 0;
     assert(loop.searched > 0);
-    if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.depth, loop.searched))
+    if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.drop, loop.searched))
         return DROPPED;
     return Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
 }
@@ -126,28 +127,40 @@ int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int bet
                   .beta = beta,
                   .node_type = node_type,
                   .in_check = in_check,
-                  .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0,
+                  .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0 &&
+                            pos->npv[WHITE] != 0 && pos->npv[BLACK] != 0,
+                  .drop = DropLimitsOf(*frame, depth),
                   .local_pv = local_pv.data()};
     // The check that led here was extended where it was given; evasions earn nothing more.
     const bool no_flags = in_check || depth < 0;
     const LegalityContext legality = MakeLegalityContext(*pos, side, in_check);
     CheckContext checks;
-    if (!no_flags)
+    // A quiet move from one of these squares is neither a pawn's nor the king's, leaves no pin and opens no line.
+    uint64_t plain_from = 0;
+    if (!no_flags) {
         checks = MakeCheckContext(*pos, side);
+        plain_from = ~(legality.tested | checks.discoverers | pos->bb[side][PAWN]);
+    }
     pv[ply] = NO_MOVE;
     frame->stage = STAGE_HASH;
 
-    while (MoveEntry* entry = GetNextMoveFW(pos, in_check)) {
-        if (!MoveIsLegal(*pos, side, entry->move, legality))
+    while (MoveEntry* entry = GetNextMoveFW(pos, in_check, legality)) {
+        // Most moves are plain: legal without a question, no check, nothing that could extend them.
+        const bool plain = (plain_from >> FromSquare(entry->move) & 1) && entry->captured == 0 &&
+                           (checks.check_squares[TypeOf(entry->piece)] >> ToSquare(entry->move) & 1) == 0 &&
+                           entry->move != NO_MOVE;
+        if (!plain && !MoveIsLegal(*pos, side, entry->move, legality))
             continue;
         entry->flags = 0;
-        const int ext = no_flags ? 0 : Extension(*pos, entry, checks);
+        const int ext = no_flags || plain ? 0 : Extension(*pos, entry, checks);
         const int reduction = SelectReduction(loop, *entry, ext);
         if (reduction == DROPPED)
             continue;
 
         const Move move = entry->move;
-        frame->gives_check = no_flags ? CHECK_UNKNOWN : CheckAfter(*pos, *entry, (entry->flags & FLAG_CHECK) != 0);
+        frame->gives_check = no_flags ? CHECK_UNKNOWN
+                             : plain  ? CHECK_NO
+                                      : CheckAfter(*pos, *entry, (entry->flags & FLAG_CHECK) != 0);
         MakeMove(pos, move);
         PrefetchTTable(GetFullHash(*pos), pos->stm);
         // Both extensions may meet: a check then gains two plies.

@@ -90,21 +90,33 @@ void PrescoreQuiet(Position* pos, MoveEntry* list, const MoveEntry* end) {
     }
 }
 
-// A flat scale without history: what isn't remembered stays in generation order.
-void PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end) {
+// A flat scale without history: what isn't remembered stays in generation order. Gives the new end of the list, since
+// what neither blocks nor steps aside is dropped at once. Drawing a remembered move exchanges it with the head of the
+// list, so these and the first two moves keep their places: the order of the others doesn't change.
+MoveEntry* PrescoreInCheck(Position* pos, MoveEntry* list, const MoveEntry* end, const LegalityContext& legality) {
     const PlyFrame& frame = pos->frames[pos->ply];
     const Move refutation = GetRefutation(*pos);
     uint8_t* order = OrderOf(ThreadOf(pos), list);
-    for (MoveEntry* entry = list; entry != end; ++entry, ++order) {
-        if (entry->move == frame.hash_move) {
-            entry->move = NO_MOVE;
-            *order = 0;
-        } else {
-            *order = entry->move == frame.check_killer ? ORDER_CHECK_KILLER
-                     : entry->move == refutation       ? ORDER_CHECK_REFUTATION
-                                                       : 1;
-        }
+    MoveEntry* kept = list;
+    for (const MoveEntry* entry = list; entry != end; ++entry) {
+        const Move move = entry->move;
+        const bool answers = (legality.tested >> FromSquare(move) | legality.targets >> ToSquare(move)) & 1;
+        int value = 1;
+        if (move == frame.hash_move)
+            value = 0;
+        else if (move == frame.check_killer)
+            value = ORDER_CHECK_KILLER;
+        else if (move == refutation)
+            value = ORDER_CHECK_REFUTATION;
+        else if (!answers && entry >= list + 2)
+            continue;
+        *kept = *entry;
+        if (value == 0)
+            kept->move = NO_MOVE;
+        ++kept;
+        *order++ = static_cast<uint8_t>(value);
     }
+    return kept;
 }
 
 // A list of the hash move alone: if it cuts, nothing is ever generated.
@@ -147,43 +159,24 @@ MoveEntry* PickActive(Position* pos, PlyFrame* frame) {
 }
 
 // Appends the quiet moves to what is left of the list, where the losing captures have come to lie.
-void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check) {
+void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check, const LegalityContext& legality) {
     MoveEntry* list = EndOfList(frame);
     MoveEntry* end = GenerateNonCaptures(*pos, pos->stm, list);
-    CloseList(pos, end);
     if (in_check)
-        PrescoreInCheck(pos, list, end);
+        end = PrescoreInCheck(pos, list, end, legality);
     else
         PrescoreQuiet(pos, list, end);
-}
-
-// Remembered and promising moves are worth the search for the best; the tail is taken as it comes, which is cheaper.
-MoveEntry* PickRest(Position* pos, PlyFrame* frame) {
-    MoveEntry* entry = frame->current;
-    const MoveEntry* end = EndOfList(frame);
-    if (entry == end)
-        return nullptr;
-    PickHighest(ThreadOf(pos), entry, end);
-    if (entry->sort_value <= ORDER_NO_MERIT)
-        frame->stage = STAGE_IN_ORDER;
-    return entry;
-}
-
-// The scores stay beside the list until a move is drawn.
-MoveEntry* NextInOrder(Position* pos, PlyFrame* frame) {
-    MoveEntry* entry = frame->current;
-    if (entry == EndOfList(frame))
-        return nullptr;
-    entry->sort_value = *OrderOf(ThreadOf(pos), entry);
-    return entry;
+    CloseList(pos, end);
 }
 
 // Place of the first highest of `count` bytes, at least one. Up to 31 bytes behind them are read and ignored: the first
 // equal byte lies within the list.
 ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
     const Vector first = LoadVector(bytes);
+    if (count <= 16)
+        return FirstPlace(EqualBytes(first, HighestByte(CommonBits(first, FirstPlaces(count)))));
     const Vector second = LoadVector(bytes + 16);
-    if (count <= 32) [[likely]] {
+    if (count <= 32) {
         const Vector highest = HighestByte(
             HigherBytes(CommonBits(first, FirstPlaces(count)), CommonBits(second, FirstPlaces(count - 16))));
         return FirstPlace(EqualBytes(first, highest), EqualBytes(second, highest));
@@ -224,7 +217,7 @@ void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end) {
     head->sort_value = value;
 }
 
-MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
+MoveEntry* GetEarlyMoveFW(Position* pos, bool in_check, const LegalityContext& legality) {
     PlyFrame* frame = pos->frames + pos->ply;
     // An internal deepening starts anew at the same frame: the list of whoever used it before is overwritten.
     if (frame->stage == STAGE_HASH) {
@@ -235,23 +228,21 @@ MoveEntry* GetNextMoveFW(Position* pos, bool in_check) {
     } else {
         ++frame->current;
     }
-    switch (frame->stage) {
-        case STAGE_GENERATE:
-            GenerateActive(pos, frame->current);
-            frame->stage = STAGE_ACTIVE;
-            [[fallthrough]];
-        // Stages without a move are passed through, so that each call comes back with one as long as there is any.
-        case STAGE_ACTIVE:
-            if (MoveEntry* entry = PickActive(pos, frame))
-                return entry;
-            GenerateQuiet(pos, frame, in_check);
-            frame->stage = STAGE_REST;
-            return PickRest(pos, frame);
-        case STAGE_REST:
-            return PickRest(pos, frame);
-        default:
-            return NextInOrder(pos, frame);
+    if (frame->stage == STAGE_GENERATE) {
+        GenerateActive(pos, frame->current);
+        frame->stage = STAGE_ACTIVE;
     }
+    // Stages without a move are passed through, so that each call comes back with one as long as there is any.
+    assert(frame->stage == STAGE_ACTIVE);
+    if (MoveEntry* entry = PickActive(pos, frame))
+        return entry;
+    GenerateQuiet(pos, frame, in_check, legality);
+    frame->stage = STAGE_REST;
+    MoveEntry* entry = frame->current;
+    if (entry == EndOfList(frame))
+        return nullptr;
+    PickRest(ThreadOf(pos), frame, entry);
+    return entry;
 }
 
 Move GetRefutation(const Position& pos) {

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cstdint>
 
+#include "board/legality.h"
 #include "board/position.h"
 #include "board/search_thread.h"
 
@@ -59,9 +60,35 @@ void PickHighest(SearchThread* thread, MoveEntry* head, const MoveEntry* end);
 // Terminator of the list of the ply that is being picked from.
 inline MoveEntry* EndOfList(const PlyFrame* frame) { return frame[1].first - 1; }
 
+// Brings the best of what remains to `entry`. Remembered and promising moves are worth the search for the best; the
+// tail is taken as it comes, which is cheaper.
+inline void PickRest(SearchThread* thread, PlyFrame* frame, MoveEntry* entry) {
+    PickHighest(thread, entry, EndOfList(frame));
+    if (entry->sort_value <= ORDER_NO_MERIT)
+        frame->stage = STAGE_IN_ORDER;
+}
+
+// Ends the stages in which something is generated: the first call of GetNextMoveFW for a node and those that follow, up
+// to the first move of what remains.
+MoveEntry* GetEarlyMoveFW(Position* pos, bool in_check, const LegalityContext& legality);
+
 // Next entry of frames[pos->ply], or null at the end; `current` is left on it. An entry with move 0 is void: the
-// caller passes over it. Generation is lazy, stage by stage.
-MoveEntry* GetNextMoveFW(Position* pos, bool in_check);
+// caller passes over it. Generation is lazy, stage by stage; what can't answer a check is left out.
+inline MoveEntry* GetNextMoveFW(Position* pos, bool in_check, const LegalityContext& legality) {
+    PlyFrame* frame = pos->frames + pos->ply;
+    if (frame->stage < STAGE_REST)
+        return GetEarlyMoveFW(pos, in_check, legality);
+    MoveEntry* entry = ++frame->current;
+    if (entry == EndOfList(frame))
+        return nullptr;
+    SearchThread* thread = ThreadOf(pos);
+    // The scores stay beside the list until a move is drawn.
+    if (frame->stage == STAGE_IN_ORDER)
+        entry->sort_value = *OrderOf(thread, entry);
+    else
+        PickRest(thread, frame, entry);
+    return entry;
+}
 
 Move GetRefutation(const Position& pos);
 // For the move that led here.

@@ -69,14 +69,45 @@ bool TooLittleToGain(const MoveEntry& entry, Side side, int eval, int a) {
     return eval <= a - (piece_value[TypeOf(entry.captured)] + DELTA_MARGIN);
 }
 
+// What a node finds out about its moves, each thing when it is first asked for: many nodes have no move worth trying.
+struct QuietKnowledge {
+    bool has_checks = false, has_legality = false;
+    CheckContext checks;
+    LegalityContext legality;
+};
+
+CheckKind CheckBy(const Position& pos, Side side, const MoveEntry& entry, QuietKnowledge* known) {
+    if (!known->has_checks) {
+        known->checks = MakeCheckContext(pos, side);
+        known->has_checks = true;
+    }
+    return MoveGivesCheck(pos, side, entry, known->checks);
+}
+
+bool IsLegal(const Position& pos, Side side, const MoveEntry& entry, QuietKnowledge* known) {
+    if (!known->has_legality) {
+        known->legality = MakeLegalityContext(pos, side, false);
+        known->has_legality = true;
+    }
+    return MoveIsLegal(pos, side, entry.move, known->legality);
+}
+
 // A discovered check is always tried, and so is what decides the kind of ending; a direct check must be safe, and
-// anything else must promise enough besides.
-bool WorthTrying(const Position& pos, const MoveEntry& entry, CheckKind check, Side side, int eval, int a) {
-    if (check == DISCOVERED_CHECK || EndgamePruneExclusion(pos, entry))
+// anything else must promise enough besides. The cheap questions come first.
+bool WorthTrying(const Position& pos, const MoveEntry& entry, Side side, int eval, int a, QuietKnowledge* known) {
+    if (EndgamePruneExclusion(pos, entry))
         return true;
-    if (check == NO_CHECK && TooLittleToGain(entry, side, eval, a))
-        return false;
-    return MoveIsSafe(pos, entry);
+    const bool enough = !TooLittleToGain(entry, side, eval, a);
+    if (enough && MoveIsSafe(pos, entry))
+        return true;
+    switch (CheckBy(pos, side, entry, known)) {
+        case NO_CHECK:
+            return false;
+        case DIRECT_CHECK:
+            return !enough && MoveIsSafe(pos, entry);
+        default:
+            return true;
+    }
 }
 
 }  // namespace
@@ -100,23 +131,14 @@ int Q_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta
     SearchThread* thread = ThreadOf(pos);
     // Every child has the whole window, there being no scouts here, and is of the type of a first child.
     const NodeType child_type = node_opp[node_type];
-    // Nothing about legality and checks is found out for a node without moves.
-    LegalityContext legality{};
-    CheckContext checks;
-    bool prepared = false;
+    QuietKnowledge known;
     PvLine local_pv;
     GenerateActiveQU(pos, frame, side);
     while (true) {
-        if (!prepared && frame->current != EndOfList(frame)) {
-            legality = MakeLegalityContext(*pos, side, false);
-            checks = MakeCheckContext(*pos, side);
-            prepared = true;
-        }
         while (MoveEntry* entry = GetNextMoveQU(pos, frame)) {
             const Move move = entry->move;
-            const CheckKind check = MoveGivesCheck(*pos, side, *entry, checks);
-            if (MoveIsLegal(*pos, side, move, legality) && WorthTrying(*pos, *entry, check, side, eval, a)) {
-                frame->gives_check = CheckAfter(*pos, *entry, check != NO_CHECK);
+            if (WorthTrying(*pos, *entry, side, eval, a, &known) && IsLegal(*pos, side, *entry, &known)) {
+                frame->gives_check = CheckAfter(*pos, *entry, CheckBy(*pos, side, *entry, &known) != NO_CHECK);
                 MakeMove(pos, move);
                 const int v = -Search(pos, side ^ 1, ply + 1, depth - 1, -beta, -a, child_type, local_pv.data());
                 UnmakeMove(pos);

@@ -62,19 +62,21 @@ int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks)
     return 0;
 }
 
-bool PruneMove(const Position& pos, const MoveEntry& entry, Depth depth, int searched) {
-    const PlyFrame& frame = pos.frames[pos.ply];
+DropLimits DropLimitsOf(const PlyFrame& frame, Depth depth) {
+    return {frame.eval <= frame.alpha - Personality.FP_margin[MarginDepth(depth)],
+            Personality.LMP_count[MarginDepth(depth)]};
+}
+
+bool PruneMove(const Position& pos, const MoveEntry& entry, const DropLimits& limits, int searched) {
     const Side side = pos.stm;
     if (entry.flags & ANY_FLAG)
         return false;
-    assert((entry.captured == 0) && searched > 0);
-    if (EndgamePruneExclusion(pos, entry))
-        return false;
-    // Futility, whatever the move's place in the order: a quiet move won't make up for what is missing.
-    if (frame.eval <= frame.alpha - Personality.FP_margin[MarginDepth(depth)])
+    assert((entry.captured == 0) && searched > 0 && !EndgamePruneExclusion(pos, entry));
+    // Futility, whatever the move's place in the order.
+    if (limits.futile)
         return true;
     // The first few moves stay; a late one stays if something speaks for it and it doesn't lose material.
-    if (MoveColumn(searched) <= Personality.LMP_count[MarginDepth(depth)])
+    if (MoveColumn(searched) <= limits.late)
         return false;
     if (MoveIsCastle(entry) || MoveIsPawnPush(pos, side, entry))
         return false;

@@ -17,8 +17,15 @@ constexpr int MarginDepth(Depth depth) { return std::clamp(depth, 0, 7); }
 // Fills entry->flags and gives the extension, 0 or 1.
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks);
 
-// True to drop the move.
-bool PruneMove(const Position& pos, const MoveEntry& entry, Depth depth, int searched);
+// What speaks for dropping quiet moves of a node, whichever they are.
+struct DropLimits {
+    bool futile;  // the evaluation is so far below alpha that a quiet move won't make up for it
+    int late;     // with more moves searched than this, a move is late
+};
+DropLimits DropLimitsOf(const PlyFrame& frame, Depth depth);
+
+// True to drop the move. Not asked where a side has pawns alone.
+bool PruneMove(const Position& pos, const MoveEntry& entry, const DropLimits& limits, int searched);
 
 // True if the move mustn't be pruned because it decides the kind of ending.
 bool EndgamePruneExclusion(const Position& pos, const MoveEntry& entry);

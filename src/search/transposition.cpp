@@ -98,22 +98,40 @@ void ForgetFill() {
     PBlock.tt_age = 0;
 }
 
+// The entry of a position, null if it has none. It is the only one: a store overwrites it in place.
+TTEntry* FindInBucket(TTEntry* bucket, uint64_t key) {
+    for (TTEntry* entry = bucket; entry != bucket + BUCKET; ++entry)
+        if (LockMatches(LoadCheck(*entry), key))
+            return entry;
+    return nullptr;
+}
+
+// The oldest and shallowest entry, of equals the first.
+TTEntry* LeastOfBucket(TTEntry* bucket) {
+    TTEntry* least = bucket;
+    int value = ValueOf(Load(*bucket));
+    for (TTEntry* entry = bucket + 1; entry != bucket + BUCKET; ++entry) {
+        const int other = ValueOf(Load(*entry));
+        if (other < value) {
+            least = entry;
+            value = other;
+        }
+    }
+    return least;
+}
+
 void Find(const Position& pos, TTData* result) {
     const uint64_t key = GetFullHash(pos);
-    TTEntry* entry = Bucket(key, pos.stm);
-    // The first entry with this key is the only one: a store overwrites it in place.
-    for (int i = 0; i < BUCKET; ++i, ++entry) {
-        const uint64_t check = LoadCheck(*entry);
-        if (!LockMatches(check, key))
-            continue;
-        *result = Load(*entry);
-        Refresh(entry, result, PBlock.tt_age);
-        if (CheckWord(*result, key) != check)
-            result->depth = TORN;
-        else if (result->move && !MoveCanBeMade(pos, result->move))
-            result->depth = WRONG_MOVE;
+    TTEntry* entry = FindInBucket(Bucket(key, pos.stm), key);
+    if (entry == nullptr)
         return;
-    }
+    const uint64_t check = LoadCheck(*entry);
+    *result = Load(*entry);
+    Refresh(entry, result, PBlock.tt_age);
+    if (CheckWord(*result, key) != check)
+        result->depth = TORN;
+    else if (result->move && !MoveCanBeMade(pos, result->move))
+        result->depth = WRONG_MOVE;
 }
 
 }  // namespace
@@ -174,23 +192,15 @@ void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType typ
     assert(score >= -10000 && score <= 10000);
     const uint64_t key = GetFullHash(*pos);
     const uint16_t age = PBlock.tt_age;
-    TTEntry* entry = Bucket(key, pos->stm);
-    // The entry of this position, else the oldest and shallowest of the bucket.
-    TTEntry* target = entry;
-    TTData old = Load(*entry);
-    for (int i = 0; i < BUCKET; ++i, ++entry) {
-        TTData data = Load(*entry);
-        if (LockMatches(LoadCheck(*entry), key)) {
-            Refresh(entry, &data, age);
-            target = entry;
-            old = data;
-            break;
-        }
-        if (ValueOf(data) < ValueOf(old)) {
-            target = entry;
-            old = data;
-        }
-    }
+    TTEntry* bucket = Bucket(key, pos->stm);
+    // The key first: values are compared only where the position has no entry yet.
+    TTEntry* target = FindInBucket(bucket, key);
+    const bool known = target != nullptr;
+    if (!known)
+        target = LeastOfBucket(bucket);
+    TTData old = Load(*target);
+    if (known)
+        Refresh(target, &old, age);
     if (old.depth > depth + PROTECTED_MARGIN && old.depth >= PBlock.depth - PROTECTED_BELOW_ITERATION && old.age == age)
         return;
     // The fill is counted as it grows; nobody goes through the table for it.
