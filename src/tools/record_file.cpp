@@ -45,7 +45,8 @@ bool RecordFile::Flush() {
         written_ += record.count;
     }
     size_ += static_cast<int64_t>(whole);
-    if (whole < done)
+    // Not every system counts all bytes that a write has left behind before it failed.
+    if (failed_)
         file_.CutTo(size_);
     text_.clear();
     records_.clear();

@@ -12,6 +12,8 @@ VREL = os.environ.get("VREL") or os.path.join(ROOT, "build/release/vrel")
 # A fault that a sanitizer finds must not pass for a run that has failed in order.
 for sanitizer in ("ASAN_OPTIONS", "UBSAN_OPTIONS"):
     os.environ[sanitizer] = os.environ.get(sanitizer, "") + ":exitcode=99"
+# Under Wine there are neither terminals nor named pipes of this system, and some of its signals reach Wine itself.
+ON_WINDOWS = "WINEPREFIX" in os.environ
 HANG = float(os.environ.get("HANG", 60))  # seconds: longer than anything that is still to come
 
 

@@ -5,7 +5,7 @@ import shutil
 import tempfile
 import unittest
 
-from program import ROOT, Program, run
+from program import ON_WINDOWS, ROOT, Program, run
 
 LIMIT = 65536  # characters of a line
 MATE_IN_FEW = "fen 7k/8/5K2/8/8/8/8/R7 w - -\ndepth 5\nself\n"
@@ -164,6 +164,7 @@ class Chance(unittest.TestCase):
             self.assertGreater(len(shown), 1)
 
 
+@unittest.skipIf(ON_WINDOWS, "the terminal would be Wine's")
 class Terminal(unittest.TestCase):
     def setUp(self):
         self.program = Program("-c", "-nolog", "-hash", "1", terminal=True)

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <fcntl.h>
 #include <io.h>
 
 #include <cerrno>
@@ -17,6 +18,21 @@ namespace vrel {
 namespace {
 
 constexpr DWORD SHARE_ALL = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// What a mode of fopen asks of the system: it begins with r, w or a.
+struct Mode {
+    DWORD access;
+    DWORD disposition;
+    int flags;
+};
+
+Mode ReadMode(const char* mode) {
+    if (mode[0] == 'r')
+        return {GENERIC_READ, OPEN_EXISTING, _O_RDONLY};
+    if (mode[0] == 'w')
+        return {GENERIC_WRITE, CREATE_ALWAYS, _O_WRONLY};
+    return {GENERIC_WRITE, OPEN_ALWAYS, _O_WRONLY | _O_APPEND};
+}
 
 HANDLE Open(const char* name, DWORD access, DWORD disposition) {
     return CreateFileW(WideText(name).c_str(), access, SHARE_ALL, nullptr, disposition, 0, nullptr);
@@ -49,12 +65,19 @@ uint64_t Join(DWORD high, DWORD low) { return uint64_t{high} << 32 | low; }
 
 }  // namespace
 
-// Without the "b" line ends would change on their way, and a control character would end the file.
+// The C library would open a file so that nobody could rename or delete it meanwhile.
 File::File(const char* name, const char* mode) {
-    std::wstring wide_mode = WideText(mode);
-    if (wide_mode.find(L'b') == std::wstring::npos)
-        wide_mode += L'b';
-    stream_ = _wfopen(WideText(name).c_str(), wide_mode.c_str());
+    const Mode how = ReadMode(mode);
+    const HANDLE file = Open(name, how.access, how.disposition);
+    if (file == INVALID_HANDLE_VALUE) {
+        errno = LastError();
+        return;
+    }
+    const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY | how.flags);
+    if (descriptor < 0)
+        CloseHandle(file);
+    else if ((stream_ = _wfdopen(descriptor, (WideText(mode) + L'b').c_str())) == nullptr)
+        _close(descriptor);
 }
 
 bool File::CutTo(int64_t size) { return stream_ != nullptr && _chsize_s(_fileno(stream_), size) == 0; }
@@ -79,7 +102,18 @@ bool ReadFileStamp(const char* name, FileStamp* stamp) {
     return true;
 }
 
-bool DeleteFile(const char* name) { return DeleteFileW(WideText(name).c_str()) != 0; }
+// A file that somebody has open keeps its name until it is closed, so it is given another one first.
+bool DeleteFile(const char* name) {
+    FileStamp stamp;
+    const std::wstring wide = WideText(name);
+    const std::wstring aside = wide + L".deleted";
+    if (!ReadFileStamp(name, &stamp) || MoveFileExW(wide.c_str(), aside.c_str(), 0) == 0)
+        return DeleteFileW(wide.c_str()) != 0;
+    if (DeleteFileW(aside.c_str()) != 0)
+        return true;
+    MoveFileExW(aside.c_str(), wide.c_str(), 0);
+    return false;
+}
 
 bool RenameFile(const char* from, const char* to) {
     return MoveFileExW(WideText(from).c_str(), WideText(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
