@@ -112,7 +112,7 @@ void OpenLog() {
     else if (claimed == FileLock::IN_USE)
         Print("log file in use\n\n");
     else
-        Complain("%s: %s", logfile, FileTrouble(logfile));
+        Complain("%s: %s", logfile, FileTrouble());
 }
 
 void CloseLog() {

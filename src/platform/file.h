@@ -69,7 +69,7 @@ private:
 File OpenOwnFile(const char* name, const char* mode);
 
 // Why a file could not be opened, read or written just now, in the system's words.
-const char* FileTrouble(const char* name);
+const char* FileTrouble();
 
 bool FileExists(const char* name);
 

@@ -45,8 +45,8 @@ double ReadTarget(const char* line);
 // its operand isn't exactly one legal move.
 Move ReadBestMove(const char* line);
 
-// Creates a file for writing. `input`, open already and read meanwhile, may be a file of the same name: it then keeps
-// its contents for its reader. The result is false if the file can't be created.
+// Creates a file of a fixed name for writing. `input`, open already and read meanwhile, may be a file of the same name:
+// it then keeps its contents for its reader. The result is false if the file can't be created.
 File CreateOutput(const char* name, const char* input);
 
 }  // namespace vrel

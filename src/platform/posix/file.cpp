@@ -31,8 +31,10 @@ bool IsNamed(int descriptor, const char* name) {
 }  // namespace
 
 File::File(const char* name, const char* mode) : stream_(std::fopen(name, mode)) {
-    if (stream_ != nullptr && IsDirectory(stream_))
+    if (stream_ != nullptr && IsDirectory(stream_)) {
         Close();
+        errno = EISDIR;
+    }
 }
 
 bool File::CutTo(int64_t size) { return stream_ != nullptr && ftruncate(fileno(stream_), size) == 0; }
