@@ -48,7 +48,8 @@ bool IsSilent() { return PBlock.noise == SILENT; }
 // Where the positions come from: the kept set, or the file line by line.
 class Source {
 public:
-    explicit Source(const char* name) : file_(name) {
+    // A tuning reads the file again and again, which only a regular one allows.
+    Source(const char* name, bool tuning) : file_(tuning ? OpenOwnFile(name, "r") : File(name, "r")) {
         if (file_ && PBlock.max_depth <= 0 && IsSilent())
             set_ = GetTrainingSet(name);
     }
@@ -177,7 +178,7 @@ double Analyze_EPD_File(bool show) {
 double Analyze_EPD_File(bool show, bool* complete) {
     const char* name = PBlock.epd_file.data();
     *complete = false;
-    Source source(name);
+    Source source(name, !show);
     if (!source) {
         Complain("%s: %s", name, FileTrouble());
         return 1.0;

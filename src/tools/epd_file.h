@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "board/position.h"
 #include "platform/file.h"
@@ -16,7 +17,7 @@ inline constexpr int EPD_LINE = 254;
 // short ones are passed over.
 class EpdFile {
 public:
-    explicit EpdFile(const char* name) : file_(name, "r") {}
+    explicit EpdFile(File file) : file_(std::move(file)) {}
 
     // True if the file couldn't be read to its end.
     bool Failed() const { return file_.Failed(); }

@@ -39,7 +39,7 @@ bool TellsSide(const char* line) {
 }
 
 std::shared_ptr<const TrainingSet> ReadSet(const char* name) {
-    EpdFile file(name);
+    EpdFile file(OpenOwnFile(name, "r"));
     if (!file)
         return nullptr;
     // What a set takes must leave some memory for others.
