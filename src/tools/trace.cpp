@@ -62,6 +62,10 @@ void TraceMove(const Position& pos, Move move) {
     out.Print("(%2d)%s ", pos.frames[ply].depth, MoveToStr(move, text.data()));
     last_ply = ply;
     last_depth = depth;
+    if (out.Failed()) {
+        Complain("%s: %s", kTraceName, FileTrouble());
+        PBlock.trace = 0;
+    }
 }
 
 }  // namespace vrel
