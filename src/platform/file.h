@@ -106,9 +106,6 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // Puts the mark on an existing file. False if another running program has it, or files can't be marked here.
-    bool Hold(const char* name);
-
     // Makes an empty file of that name, in the place of any that nobody has marked, and marks it; of several programs
     // that do so in the same moment one succeeds.
     enum Claimed { CLAIMED, IN_USE, NOT_TO_BE_HAD };

@@ -58,17 +58,6 @@ bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
 
-bool FileLock::Hold(const char* name) {
-    Release();
-    const int descriptor = OpenToMark(name);
-    if (descriptor < 0)
-        return false;
-    file_ = descriptor;
-    if (!Mark(descriptor))
-        Release();
-    return file_ != NO_FILE;
-}
-
 FileLock::Claimed FileLock::Claim(const char* name) {
     // The old file is marked while it makes way, so that nobody takes it for his own meanwhile.
     FileLock old;
