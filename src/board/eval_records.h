@@ -21,7 +21,7 @@ constexpr int EndingOf(ScorePair pair) { return static_cast<int16_t>(pair); }
 
 // Four entries share a cache line.
 struct EvalHashEntry {
-    uint64_t key;   // full position key
+    uint64_t key;   // full position key, for the weights in use
     int16_t score;  // from the view of `side`
     std::array<int16_t, 2> hung_value;
     uint8_t free_pawn_ranks;  // white's in the lower four bits, black's in the upper
@@ -32,7 +32,7 @@ static_assert(sizeof(EvalHashEntry) == 16);
 // Everything that follows from the pawns alone, in one cache line. The zeroed entry is right for a board without
 // pawns: it shuts no ground.
 struct alignas(64) PawnHashEntry {
-    uint64_t key;                         // pawn_hash
+    uint64_t key;                         // pawn_hash, for the weights in use
     std::array<uint64_t, 2> attack_span;  // squares that the side's pawns attack now or could by advancing
     uint64_t passed;                      // passed pawns of both sides
     std::array<uint64_t, 2> shut_ground;  // squares that no open line towards the side's king leads over

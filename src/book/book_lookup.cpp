@@ -75,7 +75,10 @@ void IndexBook() {
     bktable.fill(NOT_IN_BOOK);
     if (PBlock.book_file[0] == 0)
         return;
-    File file = OpenOwnFile(PBlock.book_file.data(), "rb");
+    const char* name = PBlock.book_file.data();
+    File file = OpenOwnFile(name, "rb");
+    if (!file && FileExists(name))
+        Complain("%s: %s", name, FileTrouble());
     size_t count;
     do {
         count = file.Read(bkbuffr.data(), sizeof bkbuffr) / sizeof(BookRecord);

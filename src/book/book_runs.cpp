@@ -4,6 +4,8 @@
 #include <cstdint>
 
 #include "interface/messages.h"
+#include "interface/pblock.h"
+#include "search/search_control.h"
 
 namespace vrel {
 
@@ -42,34 +44,31 @@ void Merge(RecordSource* a, RecordSource* b, RecordSink* out) {
     }
 }
 
-// Merges into the output file. False, and no output file, if not everything could be read and written.
+// A word about what has just failed.
+bool Fail(const char* name) {
+    Complain("%s: %s", name, FileTrouble());
+    return false;
+}
+
 bool MergeToDisk(RecordSource* a, RecordSource* b) {
     RecordSink out(kMergeName);
-    if (!out.sound())
+    if (!out.sound() || !a->sound() || !b->sound())
         return false;
     Merge(a, b, &out);
-    if (out.Close() && a->sound() && b->sound())
-        return true;
-    DeleteFile(kMergeName);
-    return false;
+    return out.Close() && a->sound() && b->sound();
 }
 
 // Gives a finished file its name. It takes the place of the old file at once, so that there is always a whole one.
-bool Replace(const char* finished, const char* name) {
-    if (RenameFile(finished, name))
-        return true;
-    DeleteFile(finished);
-    return false;
-}
+bool Replace(const char* finished, const char* name) { return RenameFile(finished, name) || Fail(name); }
 
 }  // namespace
 
-RecordSource::RecordSource(const char* name) : file_(name, "rb") {
+RecordSource::RecordSource(const char* name) : name_(name), file_(OpenOwnFile(name, "rb")) {
     const int64_t size = file_.Size();
     if (size >= 0)
         left_ = static_cast<size_t>(size) / sizeof(BookRecord);
     else
-        sound_ = !FileExists(name);
+        sound_ = !FileExists(name) || Fail(name);
 }
 
 bool RecordSource::Refill() {
@@ -81,62 +80,75 @@ bool RecordSource::Refill() {
     }
     const size_t count = file_.Read(chunk_.data(), wanted * sizeof(BookRecord)) / sizeof(BookRecord);
     sound_ = count == wanted;
+    if (!sound_)
+        Complain("%s: %s", name_, file_.Failed() ? FileTrouble() : "has become shorter");
     left_ = sound_ ? left_ - count : 0;
     at_ = chunk_.data();
     end_ = at_ + count;
     return count != 0;
 }
 
+RecordSink::RecordSink(const char* name) : name_(name), file_(OpenOwnFile(name, "wb")), sound_(file_ || Fail(name)) {}
+
 bool RecordSink::Close() {
-    Flush();
-    const bool closed = file_.Close();
-    return closed && sound_;
+    Write();
+    sound_ = sound_ && (file_.Close() || Fail(name_));
+    return sound_;
 }
 
-void RecordSink::Flush() {
+void RecordSink::WriteChunk() {
+    poll_input();
+    sound_ = sound_ && !PBlock.quit;
+    Write();
+}
+
+void RecordSink::Write() {
     // After a failure the rest isn't tried any more.
-    sound_ = sound_ && file_.Write(chunk_.data(), count_ * sizeof(BookRecord));
+    sound_ = sound_ && (file_.Write(chunk_.data(), count_ * sizeof(BookRecord)) || Fail(name_));
     count_ = 0;
 }
 
-void WriteBook(const BookRecord* records, size_t count) {
+bool WriteBook(const BookRecord* records, size_t count) {
     RecordSource run(kRunName);
     RecordSource buffer(records, count);
-    if (run.sound() && MergeToDisk(&run, &buffer) && Replace(kMergeName, kRunName))
-        Print(".");
+    if (!MergeToDisk(&run, &buffer) || !Replace(kMergeName, kRunName))
+        return false;
+    Print(".");
+    return true;
 }
 
-void MergeBook() {
+bool MergeBook() {
     ShowMessage("\nmerging...");
-    if (!FileExists(kRunName))
-        return;
-    RecordSource book(kBookName);
+    RecordSource grown(kGrowingName);
     RecordSource run(kRunName);
-    if (!book.sound() || !run.sound())
-        return;
-    if (MergeToDisk(&book, &run) && Replace(kMergeName, kBookName))
-        DeleteFile(kRunName);
+    if (!MergeToDisk(&grown, &run) || !Replace(kMergeName, kGrowingName))
+        return false;
+    DeleteFile(kRunName);
     Print("\n");
+    return true;
 }
 
-void PruneBook() {
-    RecordSource book(kBookName);
-    if (!FileExists(kBookName) || !book.sound())
-        return;
-    RecordSink out(kRunName);
-    if (!out.sound())
-        return;
+bool PruneBook() {
+    RecordSource grown(kGrowingName);
+    RecordSink out(kMergeName);
+    if (!grown.sound() || !out.sound())
+        return false;
     ShowMessage("pruning...");
-    while (const BookRecord* record = book.Current()) {
+    while (const BookRecord* record = grown.Current()) {
         if (2 * record->wins + record->draws > PRUNE_POINTS)
             out.Put(*record);
-        book.Advance();
+        grown.Advance();
     }
-    if (out.Close() && book.sound())
-        Replace(kRunName, kBookName);
-    else
-        DeleteFile(kRunName);
+    if (!out.Close() || !grown.sound() || !Replace(kMergeName, kBookName))
+        return false;
+    DeleteFile(kGrowingName);
     Print("\n");
+    return true;
+}
+
+void GiveUpBook() {
+    for (const char* name : {kGrowingName, kRunName, kMergeName})
+        DeleteFile(name);
 }
 
 }  // namespace vrel

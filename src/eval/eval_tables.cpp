@@ -25,6 +25,7 @@ std::array<int16_t, 32> KingDanger;
 std::array<std::array<ScorePair, 16>, 6> MaterialPairs;
 std::array<std::array<std::array<ScorePair, 64>, 7>, 2> SquarePairs;
 std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
+uint64_t weights_signature = 0;
 
 namespace {
 
@@ -165,6 +166,19 @@ void InitFileMasks() {
     }
 }
 
+uint64_t Mix(uint64_t sum, int value) {
+    sum = (sum ^ static_cast<uint16_t>(value)) * 0x9e3779b97f4a7c15;
+    return sum ^ sum >> 32;
+}
+
+uint64_t SumOfWeights(const PersonalityRecord& p) {
+    uint64_t sum = 0;
+#define VREL_MIX(name, value, use) sum = Mix(sum, p.name);
+    VREL_WEIGHTS(VREL_MIX)
+#undef VREL_MIX
+    return sum;
+}
+
 }  // namespace
 
 void InitEval() {
@@ -175,6 +189,7 @@ void InitEval() {
     InitMobility();
     InitKingDanger();
     InitFileMasks();
+    weights_signature = SumOfWeights(Personality) ^ SumOfWeights(DefaultPersonality);
 }
 
 }  // namespace vrel

@@ -30,7 +30,11 @@ extern std::array<std::array<ScorePair, 16>, 6> MaterialPairs;
 extern std::array<std::array<std::array<ScorePair, 64>, 7>, 2> SquarePairs;
 extern std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
 
-// Rebuilds every table above, and leftbit and rightbit, from Personality. Clears no cache.
+// Tells one set of weights from another, 0 for the defaults. It goes into the keys of both evaluation caches, so that
+// an evaluation is found again only by the weights that it was computed with.
+extern uint64_t weights_signature;
+
+// Rebuilds every table above, leftbit and rightbit, and the signature from Personality. Clears no cache.
 void InitEval();
 
 }  // namespace vrel

@@ -25,6 +25,10 @@ namespace {
 constexpr std::array<int8_t, 25> tempo_bonus = {9, 9, 9, 8, 8, 8, 7, 7, 7, 6, 6, 6, 6,
                                                 5, 5, 5, 5, 4, 4, 4, 4, 3, 3, 3, 3};
 
+// The keys of the two caches: an entry that other weights have left is never found.
+uint64_t EvalKey(const Position& pos) { return GetFullHash(pos) ^ weights_signature; }
+uint64_t PawnKey(const Position& pos) { return pos.pawn_hash ^ weights_signature; }
+
 // The report is worker 1's alone: at the root all others write theirs into the void.
 EvalReport* ReportOf(const SearchThread* thread, EvalReport* spare) {
     return thread->pos.thread_index == 1 ? &PBlock.report : spare;
@@ -67,14 +71,18 @@ template <int Side>
 template <bool Root>
 [[gnu::always_inline]] inline const PawnHashEntry* ProbePawns(SearchThread* thread, int stage, EvalReport* report) {
     const Position& pos = thread->pos;
-    PawnHashEntry* entry = &thread->pawn_cache[pos.pawn_hash % PAWN_CACHE_SIZE];
+    const uint64_t key = PawnKey(pos);
+    PawnHashEntry* entry = &thread->pawn_cache[key % PAWN_CACHE_SIZE];
     thread->pawn_probes.Add(1);
+    if (!Root && entry->key == key) [[likely]] {
+        thread->pawn_hits.Add(1);
+        return entry;
+    }
     if constexpr (Root)
         UpdatePawnHashAtRoot(pos, entry, stage, report);
-    else if (entry->key == pos.pawn_hash) [[likely]]
-        thread->pawn_hits.Add(1);
     else
         UpdatePawnHash(pos, entry);
+    entry->key = key;
     return entry;
 }
 
@@ -233,7 +241,7 @@ int Evaluate(SearchThread* thread, Side side, Ply ply, bool in_check) {
     }
     thread->evals.Add(1);
     // If it comes to the pawns, their entry has been on its way for a while.
-    __builtin_prefetch(&thread->pawn_cache[pos.pawn_hash % PAWN_CACHE_SIZE]);
+    __builtin_prefetch(&thread->pawn_cache[PawnKey(pos) % PAWN_CACHE_SIZE]);
 
     // Some material says it all, and such endings have scores of their own. They don't enter the cache.
     const Ending ending = ClassifyEnding(pos.msig[WHITE], pos.msig[BLACK]);
@@ -243,7 +251,7 @@ int Evaluate(SearchThread* thread, Side side, Ply ply, bool in_check) {
         return score;
     }
 
-    const uint64_t key = GetFullHash(pos);
+    const uint64_t key = EvalKey(pos);
     EvalHashEntry* entry = &thread->eval_cache[key % EVAL_CACHE_SIZE];
     // At the root the report has to be complete, however often the position has been there.
     if (root)

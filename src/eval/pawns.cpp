@@ -112,7 +112,6 @@ void ComputeEntry(const Position& pos, PawnHashEntry* entry, int stage, EvalRepo
     // Nothing before it, nothing that could attack its way. A neighbour on the same rank doesn't stop it.
     sets.passed = {wp & ~(bf | sets.attack_span[BLACK]), bp & ~(wf | sets.attack_span[WHITE])};
 
-    entry->key = pos.pawn_hash;
     entry->attack_span = sets.attack_span;
     entry->passed = sets.passed[WHITE] | sets.passed[BLACK];
     // A line towards a king ends at the first pawn, and own pawns guard the squares that they attack.

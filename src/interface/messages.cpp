@@ -35,13 +35,14 @@ void WriteOut(const char* text, size_t size, const char* end) {
     PBlock.quit = 1;
 }
 
-// With `output` held. A log that can't be written is no reason to end.
+// With `output` held. A log that can't be written is no reason to end: a word about it, and no more of it.
 void WriteLog(const char* text, size_t size) {
     if (!PBlock.log || !fdlog)
         return;
-    fdlog.Write(text, size);
-    fdlog.WriteText("\n");
-    fdlog.Flush();
+    if (fdlog.Write(text, size) && fdlog.WriteText("\n") && fdlog.Flush())
+        return;
+    std::fprintf(stderr, "%s: %s\n", logfile, FileTrouble());
+    fdlog.Close();
 }
 
 void ShowLine(const char* text, size_t size) {
@@ -112,7 +113,7 @@ void OpenLog() {
     else if (claimed == FileLock::IN_USE)
         Print("log file in use\n\n");
     else
-        Complain("%s: %s", logfile, FileTrouble(logfile));
+        Complain("%s: %s", logfile, FileTrouble());
 }
 
 void CloseLog() {

@@ -31,7 +31,8 @@ inline constexpr double SILENT = 9999.0;  // value of `noise` for no lines at al
 
 struct ControlBlock {
     Relaxed<int8_t> nthreads{1};
-    Relaxed<uint8_t> quit{0};  // ends the game loop and the offline tools
+    Relaxed<uint8_t> quit{0};    // ends the game loop and the offline tools
+    Relaxed<uint8_t> failed{0};  // a command has given up its work: the exit status tells
 
     // The published line: written by worker 1 under spinlock1, reset by InitSearch.
     Relaxed<int8_t> depth{0};

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "interface/messages.h"
+
 namespace vrel {
 
 namespace {
@@ -20,6 +22,8 @@ void PgnLines::Refill() {
     const size_t count = file_->Read(block_.data() + filled_, room);
     filled_ += count;
     ended_ = count < room;
+    if (file_->Failed() && name_ != nullptr)
+        Complain("%s: %s", name_, FileTrouble());
     if (!started_)
         LookAtStart();
 }
@@ -31,8 +35,11 @@ void PgnLines::LookAtStart() {
         at_ = 3;
     // UTF-16 begins with a mark of its own or, as text in Latin letters, has one zero byte in two.
     const auto zero_at = [start](size_t place) { return start[place] == '\0'; };
-    utf16_ = start.starts_with("\xff\xfe") || start.starts_with("\xfe\xff") ||
-             (start.size() >= 4 && zero_at(0) != zero_at(1) && zero_at(0) == zero_at(2) && zero_at(1) == zero_at(3));
+    const bool utf16 =
+        start.starts_with("\xff\xfe") || start.starts_with("\xfe\xff") ||
+        (start.size() >= 4 && zero_at(0) != zero_at(1) && zero_at(0) == zero_at(2) && zero_at(1) == zero_at(3));
+    if (utf16 && name_ != nullptr)
+        Complain("%s: text in UTF-16 can't be read, only in UTF-8 or ASCII", name_);
 }
 
 // The LF of the line at hand; null if its length or the end of the block comes first.

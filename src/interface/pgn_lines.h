@@ -16,8 +16,9 @@ inline constexpr size_t LONGEST_PGN_LINE = 65535;
 
 class PgnLines {
 public:
-    // Reads from the place where the file stands, which is its start.
-    explicit PgnLines(File* file) : file_(file), block_(2 * (LONGEST_PGN_LINE + 1)) {}
+    // Reads from the place where the file stands, which is its start. If it can't be read to its end, or isn't text
+    // that a reader of PGN understands, a word on standard error names it; null for no such word.
+    PgnLines(File* file, const char* name) : file_(file), name_(name), block_(2 * (LONGEST_PGN_LINE + 1)) {}
 
     // Goes to the next line. False at the end of the file.
     bool Next();
@@ -26,9 +27,6 @@ public:
     std::string_view text() const { return text_; }
     std::string_view as_it_stands() const { return changed_ ? original_ : text_; }
 
-    // True if the file, of which a line has been read, looks like UTF-16: such text can't be read.
-    bool utf16() const { return utf16_; }
-
 private:
     void Refill();
     void LookAtStart();
@@ -36,12 +34,12 @@ private:
     void TakeLine(size_t length);
 
     File* file_;
+    const char* name_;
     std::vector<char> block_;  // places at_ to filled_ haven't been read yet
     size_t at_ = 0;
     size_t filled_ = 0;
     bool started_ = false;
     bool ended_ = false;  // nothing comes behind the block
-    bool utf16_ = false;
     std::string_view text_;
     std::string original_;
     bool changed_ = false;  // the original differs from the text

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "board/fen.h"
-#include "interface/messages.h"
 
 namespace vrel {
 
@@ -159,9 +158,6 @@ void PgnReader::ReadLine() {
         stage_ = AFTER_LAST;
         return;
     }
-    if (name_ != nullptr && lines_.utf16())
-        Complain("%s: text in UTF-16 can't be read, only in UTF-8 or ASCII", name_);
-    name_ = nullptr;
     line_ = lines_.text();
     stage_ = IsTagLine() ? TAG_LINE : TEXT_LINE;
     at_ = line_.data();

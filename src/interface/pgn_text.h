@@ -39,10 +39,8 @@ enum PgnDialect { PGN_PLAIN, PGN_FOR_BOOK };
 
 class PgnReader {
 public:
-    // Reads a file from its start. If it can't be text that this reader understands, a word on standard error names it;
-    // null for no such word.
-    PgnReader(File* file, const char* name, PgnDialect dialect = PGN_PLAIN)
-        : lines_(file), name_(name), dialect_(dialect) {}
+    // Reads a file from its start; `name` as PgnLines has it.
+    PgnReader(File* file, const char* name, PgnDialect dialect = PGN_PLAIN) : lines_(file, name), dialect_(dialect) {}
 
     PgnItem Next();
 
@@ -77,7 +75,6 @@ private:
     bool IsGivenOut() const { return brackets_ == 0 && !over_; }
 
     PgnLines lines_;
-    const char* name_;
     PgnDialect dialect_;
     Stage stage_ = NEXT_LINE;
     std::string_view line_;

@@ -7,9 +7,18 @@
 
 namespace vrel {
 
+namespace {
+
+constexpr int NOT_REGULAR = -1;  // no system has such an error
+
+}  // namespace
+
 File OpenOwnFile(const char* name, const char* mode) {
     FileStamp stamp;
-    return FileExists(name) && !ReadFileStamp(name, &stamp) ? File() : File(name, mode);
+    if (!FileExists(name) || ReadFileStamp(name, &stamp))
+        return {name, mode};
+    errno = NOT_REGULAR;
+    return {};
 }
 
 bool NameOneFile(const char* a, const char* b) {
@@ -17,11 +26,7 @@ bool NameOneFile(const char* a, const char* b) {
     return ReadFileStamp(a, &first) && ReadFileStamp(b, &second) && SameFile(first, second);
 }
 
-const char* FileTrouble(const char* name) {
-    const int error = errno;
-    FileStamp stamp;
-    return FileExists(name) && !ReadFileStamp(name, &stamp) ? "not a regular file" : std::strerror(error);
-}
+const char* FileTrouble() { return errno == NOT_REGULAR ? "not a regular file" : std::strerror(errno); }
 
 File::~File() { Close(); }
 

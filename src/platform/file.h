@@ -69,7 +69,7 @@ private:
 File OpenOwnFile(const char* name, const char* mode);
 
 // Why a file could not be opened, read or written just now, in the system's words.
-const char* FileTrouble(const char* name);
+const char* FileTrouble();
 
 bool FileExists(const char* name);
 
@@ -105,9 +105,6 @@ public:
     ~FileLock() { Release(); }
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
-
-    // Puts the mark on an existing file. False if another running program has it, or files can't be marked here.
-    bool Hold(const char* name);
 
     // Makes an empty file of that name, in the place of any that nobody has marked, and marks it; of several programs
     // that do so in the same moment one succeeds.

@@ -48,7 +48,8 @@ bool IsSilent() { return PBlock.noise == SILENT; }
 // Where the positions come from: the kept set, or the file line by line.
 class Source {
 public:
-    explicit Source(const char* name) : file_(name) {
+    // A tuning reads the file again and again, which only a regular one allows.
+    Source(const char* name, bool tuning) : file_(tuning ? OpenOwnFile(name, "r") : File(name, "r")) {
         if (file_ && PBlock.max_depth <= 0 && IsSilent())
             set_ = GetTrainingSet(name);
     }
@@ -56,12 +57,12 @@ public:
     explicit operator bool() const { return static_cast<bool>(file_); }
 
     // The next line, empty if the kept set serves. False at the end.
-    bool Next() { return set_ != nullptr ? next_ < set_->positions.size() : file_.Next(line_.data()); }
+    bool Next() { return set_ != nullptr ? next_ < set_->size() : file_.Next(line_.data()); }
 
     // Puts the position on the board of the game and returns its target.
     double SetUp() {
         if (set_ != nullptr) {
-            const TrainingPosition& entry = set_->positions[next_++];
+            const TrainingPosition& entry = (*set_)[next_++];
             PlaceOnBoard(*set_, entry);
             return entry.target;
         }
@@ -177,14 +178,14 @@ double Analyze_EPD_File(bool show) {
 double Analyze_EPD_File(bool show, bool* complete) {
     const char* name = PBlock.epd_file.data();
     *complete = false;
-    Source source(name);
+    Source source(name, !show);
     if (!source) {
-        Complain("%s: %s", name, FileTrouble(name));
+        Complain("%s: %s", name, FileTrouble());
         return 1.0;
     }
     RecordFile unsolved(PBlock.max_depth > 0 ? CreateOutput(UNSOLVED, name) : File(), UNSOLVED);
     if (PBlock.max_depth > 0 && !unsolved) {
-        Complain("%s: %s", UNSOLVED, FileTrouble(UNSOLVED));
+        Complain("%s: %s", UNSOLVED, FileTrouble());
         return 1.0;
     }
     InitEval();
@@ -201,7 +202,7 @@ double Analyze_EPD_File(bool show, bool* complete) {
     }
     const bool read = source.ReadToItsEnd();
     if (!read)
-        Complain("%s: %s", name, FileTrouble(name));
+        Complain("%s: %s", name, FileTrouble());
     *complete = unsolved.Close() && read;
     const Means means(totals);
     if (show)

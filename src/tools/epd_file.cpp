@@ -98,7 +98,7 @@ File CreateOutput(const char* name, const char* input) {
     FileStamp output_stamp, input_stamp;
     if (ReadFileStamp(name, &output_stamp) && ReadFileStamp(input, &input_stamp) && SameFile(output_stamp, input_stamp))
         DeleteFile(name);
-    return File(name, "w");
+    return OpenOwnFile(name, "w");
 }
 
 }  // namespace vrel

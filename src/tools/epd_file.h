@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "board/position.h"
 #include "platform/file.h"
@@ -16,7 +17,7 @@ inline constexpr int EPD_LINE = 254;
 // short ones are passed over.
 class EpdFile {
 public:
-    explicit EpdFile(const char* name) : file_(name, "r") {}
+    explicit EpdFile(File file) : file_(std::move(file)) {}
 
     // True if the file couldn't be read to its end.
     bool Failed() const { return file_.Failed(); }
@@ -45,8 +46,8 @@ double ReadTarget(const char* line);
 // its operand isn't exactly one legal move.
 Move ReadBestMove(const char* line);
 
-// Creates a file for writing. `input`, open already and read meanwhile, may be a file of the same name: it then keeps
-// its contents for its reader. The result is false if the file can't be created.
+// Creates a file of a fixed name for writing. `input`, open already and read meanwhile, may be a file of the same name:
+// it then keeps its contents for its reader. The result is false if the file can't be created.
 File CreateOutput(const char* name, const char* input);
 
 }  // namespace vrel

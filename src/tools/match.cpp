@@ -124,7 +124,7 @@ bool PlayMatch() {
     RecordFile out(File(name, "w"), name);
     if (!out) {
         Print("can't open %s\n", name);
-        Complain("%s: %s", name, FileTrouble(name));
+        Complain("%s: %s", name, FileTrouble());
         return false;
     }
     ApplySettings();
@@ -139,15 +139,15 @@ bool PlayMatch() {
     for (game.number = 1; game.number <= GAMES; ++game.number) {
         if (!PlayGame(players, &game, &moves_played))
             break;
+        out.Put(GameText(game));
+        if (!out.Flush())  // whoever looks on sees whole games
+            break;
         CountResult(game, &score);
         different.insert(MovesSignature(game));
         if (game.number % 10 == 9) {
             ShowScore(score, game.number);
             shown = game.number;
         }
-        out.Put(GameText(game));
-        if (!out.Flush())  // whoever looks on sees whole games
-            break;
     }
     const int games = game.number - 1;
     if (games == 0)

@@ -15,6 +15,7 @@
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "search/time_control.h"
+#include "tools/record_file.h"
 
 namespace vrel {
 
@@ -100,17 +101,23 @@ std::string TextOf(Position* pos, const Opening& opening) {
     return text;
 }
 
-void WriteGames(File* out, const std::string& moves) {
+std::string GamesOf(const std::string& moves) {
+    std::string text;
     for (int i = 0; i < 2 * WINS_EACH; ++i) {
-        const char* result = i % 2 == 0 ? "1-0" : "0-1";
-        out->Print("[Event \"Opening\"]\n[Result \"%s\"]\n\n%s%s\n\n", result, moves.c_str(), result);
+        const std::string result = i % 2 == 0 ? "1-0" : "0-1";
+        text += "[Event \"Opening\"]\n[Result \"" + result + "\"]\n\n" + moves + result + "\n\n";
     }
+    return text;
 }
 
 }  // namespace
 
 bool WriteOpenings(const char* file, int count, uint32_t seed) {
-    File out(file, "w");
+    RecordFile out(File(file, "w"), file);
+    if (!out) {
+        Complain("%s: %s", file, FileTrouble());
+        return false;
+    }
     PBlock.noise = SILENT;
     PBlock.use_hash = 0;
     Position* pos = GamePosition();
@@ -118,14 +125,15 @@ bool WriteOpenings(const char* file, int count, uint32_t seed) {
     std::set<Opening> known;
     Opening stem;  // of the last opening, if it still has twigs to grow
     GetElapsedTime(0);
-    for (int twigs = 0, stems = 0; static_cast<int>(known.size()) < count && out && !PBlock.quit; poll_input()) {
+    for (int twigs = 0, stems = 0; static_cast<int>(known.size()) < count && !out.failed() && !PBlock.quit;
+         poll_input()) {
         const int length =
             stem.empty() ? SHORTEST + dice.Below(LONGEST - SHORTEST + 1) : static_cast<int>(stem.size()) + TWIG;
         const Opening opening = Grow(pos, stem, length, stems, &dice);
         const bool taken =
             !opening.empty() && IsBalanced(FIRST_LOOK) && IsBalanced(SECOND_LOOK) && known.insert(opening).second;
         if (taken)
-            WriteGames(&out, TextOf(pos, opening));
+            out.Put(GamesOf(TextOf(pos, opening)));
         // The first opening of a stem leaves it to a few more; so a book of many lines stays small.
         if (taken && stem.empty()) {
             ++stems;
@@ -135,10 +143,7 @@ bool WriteOpenings(const char* file, int count, uint32_t seed) {
             stem.clear();
         }
     }
-    if (out.Close())
-        return true;
-    Complain("%s: can't be written", file);
-    return false;
+    return out.Close();
 }
 
 }  // namespace vrel

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "board/search_thread.h"
@@ -11,8 +13,10 @@
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "interface/pgn_text.h"
+#include "platform/file.h"
 #include "tools/epd_file.h"
 #include "tools/game_comment.h"
+#include "tools/record_file.h"
 #include "tools/scanned_game.h"
 
 namespace vrel {
@@ -20,20 +24,22 @@ namespace vrel {
 namespace {
 
 constexpr int REPORT_INTERVAL = 100;
+constexpr size_t MOST_TAGS = 1000000;  // characters held, whatever the file says
 
 bool Holds(std::string_view line, std::string_view what) { return line.find(what) != std::string_view::npos; }
 
 // One pass over a PGN file.
 class Scanner {
 public:
-    Scanner(File* out, int kind) : out_(out), kind_(kind) {}
+    Scanner(RecordFile* out, int kind) : out_(out), kind_(kind) {}
 
     void Scan(PgnReader* pgn) {
-        for (PgnItem item = pgn->Next(); item != PGN_END; item = pgn->Next())
+        for (PgnItem item = pgn->Next(); item != PGN_END && !out_->failed(); item = pgn->Next())
             Take(item, *pgn);
         EndGame();
-        out_->WriteText("\n");
-        Print("games= %d, positions= %d\n", games_, positions_);
+        out_->Put("\n");
+        out_->Flush();
+        Print("games= %d, positions= %d\n", out_->written().games, out_->written().positions);
     }
 
 private:
@@ -66,13 +72,17 @@ private:
     void TakeTag(const PgnReader& pgn) {
         if (scan_kinds[kind_ - 1].lists_games) {
             const std::string_view line = pgn.line_as_it_stands();
-            out_->Write(line.data(), line.size());
-            out_->WriteText("\n");
+            text_.append(line).append("\n");
             if (Holds(pgn.line(), "Round "))
-                out_->Print("[Tag \"game_%d\"]\n", games_);
+                text_.append("[Tag \"game_").append(std::to_string(games_)).append("\"]\n");
         }
-        if (Holds(pgn.line(), "Event ") && ++games_ % REPORT_INTERVAL == 0)
-            Print("game %d\n", games_);
+        if (Holds(pgn.line(), "Event ")) {
+            ++counts_.games;
+            if (++games_ % REPORT_INTERVAL == 0)
+                Print("game %d\n", games_);
+        }
+        if (text_.size() > MOST_TAGS)
+            PutRecord();
     }
 
     void StartMove(std::string_view text) {
@@ -102,18 +112,23 @@ private:
     }
 
     void EndGame() {
-        if (count_ > 0) {
-            int written = 0;
-            ProcessGame(out_, moves_.data(), std::min(count_, SCANNED_MOVES), kind_, winner_, &written);
-            positions_ += written;
-        }
+        if (count_ > 0)
+            counts_.positions += ProcessGame(moves_.data(), std::min(count_, SCANNED_MOVES), kind_, winner_, &text_);
         count_ = 0;
+        PutRecord();
     }
 
-    File* out_;
+    void PutRecord() {
+        out_->Put(text_, counts_);
+        text_.clear();
+        counts_ = {};
+    }
+
+    RecordFile* out_;
     int kind_;
     int games_ = 0;
-    int positions_ = 0;
+    RecordCounts counts_;  // of what is in text_
+    std::string text_;     // of the game at hand, with its tags
     int winner_ = NOBODY_WON;
     int count_ = 0;        // moves of the game; SCANNED_MOVES + 1 if there are more
     bool scored_ = false;  // a comment has given the last move its score
@@ -123,18 +138,24 @@ private:
 
 }  // namespace
 
-void Scan_PGN_File(const char* file, int kind) {
+bool Scan_PGN_File(const char* file, int kind) {
     assert(kind >= 1 && kind <= SCAN_KINDS);
+    const char* output = scan_kinds[kind - 1].output;
     File in(file, "r");
-    if (!in)
-        return;
-    File out = CreateOutput(scan_kinds[kind - 1].output, file);
-    if (!out)
-        return;
+    if (!in) {
+        Complain("%s: %s", file, FileTrouble());
+        return false;
+    }
+    RecordFile out(CreateOutput(output, file), output);
+    if (!out) {
+        Complain("%s: %s", output, FileTrouble());
+        return false;
+    }
     InitEval();
     PBlock.log = 0;
     PgnReader pgn(&in, file);
     Scanner(&out, kind).Scan(&pgn);
+    return out.Close() && !in.Failed();
 }
 
 }  // namespace vrel

@@ -61,7 +61,7 @@ bool ReadPlayerFile(const char* file, PersonalityRecord* record) {
     File in = OpenOwnFile(file, "r");
     if (!in) {
         ShowFormatted("can't open %s", file);
-        Complain("%s: %s", file, FileTrouble(file));
+        Complain("%s: %s", file, FileTrouble());
         return false;
     }
     std::string line;

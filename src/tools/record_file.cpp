@@ -19,12 +19,12 @@ RecordFile::RecordFile(File file, const char* name) : file_(std::move(file)), na
     file_.WriteThrough();
 }
 
-void RecordFile::Put(std::string_view record, int count) {
+void RecordFile::Put(std::string_view record, const RecordCounts& counts) {
     // After a failure the rest isn't tried any more: a gap would be worse than an end.
     if (failed_ || !file_)
         return;
     text_ += record;
-    records_.push_back({text_.size(), count});
+    records_.push_back({text_.size(), counts});
     if (text_.size() >= ENOUGH)
         Flush();
 }
@@ -33,16 +33,15 @@ bool RecordFile::Flush() {
     if (!file_)
         return false;
     const size_t done = file_.Append(text_.data(), text_.size());
-    if (done < text_.size()) {
-        failed_ = true;
-        Complain("%s: %s", name_.c_str(), FileTrouble(name_.c_str()));
-    }
+    if (done < text_.size())
+        Fail();
     size_t whole = 0;
     for (const Gathered& record : records_) {
         if (record.end > done)
             break;
         whole = record.end;
-        written_ += record.count;
+        written_.games += record.counts.games;
+        written_.positions += record.counts.positions;
     }
     size_ += static_cast<int64_t>(whole);
     // Not every system counts all bytes that a write has left behind before it failed.
@@ -57,8 +56,14 @@ bool RecordFile::Close() {
     if (!file_)
         return !failed_;
     Flush();
-    failed_ = !file_.Close() || failed_;
+    if (!file_.Close() && !failed_)
+        Fail();
     return !failed_;
+}
+
+void RecordFile::Fail() {
+    failed_ = true;
+    Complain("%s: %s", name_.c_str(), FileTrouble());
 }
 
 }  // namespace vrel

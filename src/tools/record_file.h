@@ -9,6 +9,12 @@
 
 namespace vrel {
 
+// What a record holds, for those who count.
+struct RecordCounts {
+    int games = 0;
+    int positions = 0;
+};
+
 // Writes records, games or positions, each whole or not at all: when the disk is full, what is torn is taken back, and
 // one line on standard error says what has happened.
 class RecordFile {
@@ -22,28 +28,33 @@ public:
 
     explicit operator bool() const { return static_cast<bool>(file_); }
 
-    // Adds a record that counts so much. Records are gathered, and written when there are enough.
-    void Put(std::string_view record, int count = 1);
+    // Adds a record, which holds so much. Records are gathered, and written when there are enough.
+    void Put(std::string_view record, const RecordCounts& counts = {});
 
     // Writes what has been gathered. False if something couldn't be written, now or before.
     bool Flush();
     bool Close();
 
-    // What the records count that stand in the file.
-    int64_t written() const { return written_; }
+    // True if something couldn't be written. What is put behind that is lost.
+    bool failed() const { return failed_; }
+
+    // What the records hold that stand in the file.
+    const RecordCounts& written() const { return written_; }
 
 private:
     struct Gathered {
         size_t end;  // of the record in `text_`
-        int count;
+        RecordCounts counts;
     };
+
+    void Fail();
 
     File file_;
     std::string name_;
     std::string text_;
     std::vector<Gathered> records_;
     int64_t size_ = 0;  // of the file, up to its last whole record
-    int64_t written_ = 0;
+    RecordCounts written_;
     bool failed_ = false;
 };
 

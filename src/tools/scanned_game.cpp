@@ -152,28 +152,27 @@ const std::array<ScanKind, SCAN_KINDS> scan_kinds = {{
     {"-scan_pgn3", "FILE\tthe same without results", "tmp.epd", WritePosition, false, DECIDED_SCORE, 0},
 }};
 
-void ProcessGame(File* out, ScannedMove* moves, int count, int kind, int winner, int* written) {
+int ProcessGame(ScannedMove* moves, int count, int kind, int winner, std::string* text) {
     assert(kind >= 1 && kind <= SCAN_KINDS);
     const ScanKind& row = scan_kinds[kind - 1];
     Position* pos = GamePosition();
     PBlock.noise = SILENT;
     PBlock.use_hash = 0;
     PBlock.max_depth = row.max_depth;
-    *written = 0;
-    std::string text;
+    int positions = 0;
     const ScannedGame game = {moves, count, winner, pos->stm};
     for (int i = 0; i < count; ++i) {
         Move move = NO_MOVE;
         if (!ReadMove(&moves[i], &move))
             break;
-        *written += row.write(&text, game, i, *pos);
+        positions += row.write(text, game, i, *pos);
         PlayGameMove(pos, move);
         if (!Within(moves[i].score, row.decided_score))
             break;
     }
     if (row.lists_games)
-        text += '\n';
-    out->Write(text.data(), text.size());
+        *text += '\n';
+    return positions;
 }
 
 }  // namespace vrel

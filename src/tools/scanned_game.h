@@ -5,7 +5,6 @@
 #include <string>
 
 #include "board/position.h"
-#include "platform/file.h"
 
 // A game of a PGN file with the scores that its moves carry, and what the scanner makes of it.
 namespace vrel {
@@ -43,8 +42,8 @@ struct ScanKind {
 inline constexpr int SCAN_KINDS = 3;
 extern const std::array<ScanKind, SCAN_KINDS> scan_kinds;
 
-// Replays a game from the position on the game record up to its end or its first unreadable move, and writes what the
-// kind asks for. `written` receives the number of positions to learn from.
-void ProcessGame(File* out, ScannedMove* moves, int count, int kind, int winner, int* written);
+// Replays a game from the position on the game record up to its end or its first unreadable move, and adds what the
+// kind asks for to `text`. The result is the number of positions to learn from.
+int ProcessGame(ScannedMove* moves, int count, int kind, int winner, std::string* text);
 
 }  // namespace vrel

@@ -6,6 +6,7 @@
 
 #include "board/make_move.h"
 #include "board/search_thread.h"
+#include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "platform/file.h"
@@ -21,6 +22,7 @@ File out;
 int last_ply = 0;     // of the last move written
 int last_depth = -1;  // iteration of the last move written
 
+constexpr const char* kTraceName = "trace.txt";
 constexpr const char* COLUMN = "         ";
 
 // Siblings line up under each other, one column a ply.
@@ -42,9 +44,11 @@ void TraceMove(const Position& pos, Move move) {
         return;
     const std::lock_guard guard(writing);
     if (!out) {
-        out = OpenOwnFile("trace.txt", "w");
-        if (!out)
+        out = OpenOwnFile(kTraceName, "w");
+        if (!out) {
+            Complain("%s: %s", kTraceName, FileTrouble());
             std::_Exit(0);
+        }
     }
     const int ply = pos.ply;
     if (ply > PBlock.trace)
@@ -58,6 +62,10 @@ void TraceMove(const Position& pos, Move move) {
     out.Print("(%2d)%s ", pos.frames[ply].depth, MoveToStr(move, text.data()));
     last_ply = ply;
     last_depth = depth;
+    if (out.Failed()) {
+        Complain("%s: %s", kTraceName, FileTrouble());
+        PBlock.trace = 0;
+    }
 }
 
 }  // namespace vrel

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "board/fen.h"
@@ -19,8 +20,7 @@ namespace vrel {
 
 namespace {
 
-// About 250 MB of positions. The text of a position takes 40 bytes and more.
-constexpr size_t MOST_POSITIONS = 450000;
+// The text of a position takes 40 bytes and more.
 constexpr int64_t LARGEST_FILE = 200'000'000;
 
 struct KeptSet {
@@ -39,22 +39,37 @@ bool TellsSide(const char* line) {
 }
 
 std::shared_ptr<const TrainingSet> ReadSet(const char* name) {
-    EpdFile file(name);
+    EpdFile file(OpenOwnFile(name, "r"));
     if (!file)
         return nullptr;
-    auto set = std::make_shared<TrainingSet>();
-    set->key = KeyTablesInUse();
+    // What a set takes must leave some memory for others.
+    const std::unique_ptr<TrainingSet::Block> reserve(new (std::nothrow) TrainingSet::Block);
+    auto set = std::make_shared<TrainingSet>(KeyTablesInUse());
     std::array<char, EPD_LINE> line;
     while (file.Next(line.data())) {
-        if (set->positions.size() == MOST_POSITIONS || !TellsSide(line.data()))
+        if (!TellsSide(line.data()))
             return nullptr;
         SetPosition(GamePosition(), line.data());
-        set->positions.push_back({*GamePosition(), ReadTarget(line.data())});
+        if (!set->Add({*GamePosition(), ReadTarget(line.data())}))
+            return nullptr;
     }
-    return set;
+    return file.Failed() ? nullptr : set;
 }
 
 }  // namespace
+
+bool TrainingSet::Add(const TrainingPosition& entry) {
+    const size_t number = size_ / BLOCK;
+    if (size_ % BLOCK == 0) {
+        if (number == BLOCKS)
+            return false;
+        blocks_[number].reset(new (std::nothrow) Block);
+        if (blocks_[number] == nullptr)
+            return false;
+    }
+    (*blocks_[number])[size_++ % BLOCK] = entry;
+    return true;
+}
 
 std::shared_ptr<const TrainingSet> GetTrainingSet(const char* name) {
     FileStamp stamp;
@@ -75,7 +90,7 @@ void PlaceOnBoard(const TrainingSet& set, const TrainingPosition& entry) {
     game->pos.frames = game->frames.data();
     game->undo[0] = {};
     game->undo[1] = {};
-    if (set.key != KeyTablesInUse())
+    if (set.key() != KeyTablesInUse())
         SetHash(&game->pos);
 }
 

@@ -152,7 +152,7 @@ bool Tune() {
         return false;
     fdtune = OpenOwnFile(LOG, "w");
     if (!fdtune) {
-        Complain("%s: %s", LOG, FileTrouble(LOG));
+        Complain("%s: %s", LOG, FileTrouble());
         return false;
     }
     if (PBlock.quit) {
@@ -169,7 +169,7 @@ bool Tune() {
         e0 = RunPass(pass, e0, &x);
     if (fdtune.Close())
         return true;
-    Complain("%s: %s", LOG, FileTrouble(LOG));
+    Complain("%s: %s", LOG, FileTrouble());
     return false;
 }
 

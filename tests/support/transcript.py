@@ -10,6 +10,7 @@ Lines of a transcript that begin with one of these signs say what happens, in an
     > line           the line is sent
     >> bytes         the same without a line end, with escapes as in "\\r"
     ^D               the input ends
+    ! line           a line that the program writes to standard error, at some time up to its end
     < name           the lines up to the next "<" become a file of that name
     < name = path    a file of tests/data becomes a file of that name
     = name           when the program has ended, the lines up to the next "=" are what the file holds
@@ -33,7 +34,7 @@ from program import ROOT, VREL, Program
 DATA = os.path.join(ROOT, "tests/data")
 PATIENCE = 0.4  # seconds that --update waits for a further line
 NO_END = "(no line end)"
-SIGN = re.compile(r"([;$><=-]|>>|\^D)( |$)")
+SIGN = re.compile(r"([;$><=!-]|>>|\^D)( |$)")
 
 PROGRESS = re.compile(r"info (depth \d+ time \d+ nodes \d+ nps \d+ hashfull|currmove )")
 CLOCK = [(re.compile(pattern), r"\1~") for pattern in (
@@ -76,12 +77,14 @@ class Step:
     """A line with a sign, and the lines behind it."""
 
     def __init__(self, line):
-        self.line, self.body = line, []
+        self.line, self.body, self.gone = line, [], False
         self.sign, _, self.text = line.partition(" ")
         self.name, _, self.data = self.text.partition(" = ")
         self.holds_file = self.sign in ("<", "=") and not self.data
 
     def lines(self):
+        if self.gone:
+            return self.body
         return [self.line, *self.body] + ([self.sign] if self.holds_file else [])
 
 
@@ -103,6 +106,7 @@ class Player:
         self.update, self.terminal = update, terminal
         self.program, self.last = None, None
         self.any = False  # lines of any kind may come before the next that is told
+        self.errors, self.told = None, []  # standard error, and what is told of it
 
     def program_line(self, patience=None):
         """The next line that is to be told, None at the end or, with patience, after a while."""
@@ -152,8 +156,13 @@ class Player:
             self.program.close_input()
         rest = list(iter(self.program_line, None))
         self.program = None
+        self.errors.seek(0)
+        errors = self.errors.read().decode("latin-1").splitlines()
         if self.update and not self.any:
             self.last.body += rest
+        if self.update:
+            self.last.body += [f"! {line}" for line in errors]
+        assert self.update or errors == self.told, f"Standard error, behind\n  {self.last.line}\nis {errors}"
         assert self.update or self.any or not rest, f"In the end, behind\n  {self.last.line}\ncomes\n  " + "\n  ".join(rest)
         self.any = False
 
@@ -176,11 +185,15 @@ class Player:
             self.finish()
             name, *arguments = step.text.split()
             path = os.path.join(os.path.dirname(VREL), name)
-            self.program = Program(*arguments, program=path, terminal=self.terminal)
+            self.errors, self.told = tempfile.TemporaryFile(), []
+            self.program = Program(*arguments, program=path, terminal=self.terminal, stderr=self.errors)
         elif step.sign == ">":
             self.program.send(step.text)
         elif step.sign == ">>":
             self.program.send_bytes(step.text.encode("latin-1").decode("unicode_escape").encode("latin-1"))
+        elif step.sign == "!":
+            self.told.append(step.text)
+            step.gone = self.update
         elif step.sign == "^D":
             self.program.close_input()
         elif step.sign == "<":

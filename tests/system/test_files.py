@@ -1,6 +1,8 @@
 """Files that aren't there, can't be read or written, are something else, or change while they are read: every kind of
 run gets through in order."""
+import fcntl
 import os
+import re
 import resource
 import subprocess
 import tempfile
@@ -19,7 +21,7 @@ RUNS = [
     ("-c", "get one\nget two\n", "test.epd", []),
     ("-c", "load in.pgn 1\nload in.pgn two\n", "in.pgn", []),
     ("-c", "e4\ne5\nsave\nsave\n", None, ["tmp.pgn"]),
-    ("-c", "mkbook\nbook\n", "book.pgn", ["book.opn", "tmp.opn", "tmp__0.opn"]),
+    ("-c", "mkbook\nbook\n", "book.pgn", ["book.opn", "tmp.opn", "tmp__0.opn", "tmp__1.opn", "book.lock"]),
     ("-c", "tune hung 30\n", "tune.epd", []),
     ("-c", "trace 3\ngo 4\n", None, ["trace.txt"]),
     ("-anepd in.epd -d 2", "", "in.epd", ["unsolved.epd"]),
@@ -62,6 +64,9 @@ IN_PLACE = {
     "one long line": lambda path: write(path, b"K" * 300000),
     "half of it": lambda path: write(path, contents(path)[:len(contents(path)) // 2 - 3]),
 }
+# Only what the program opens on its own account has to be a regular file.
+PIPE = {"a pipe": os.mkfifo}
+GIVEN = ("in.epd", "in.pgn", "out.pgn")
 IN_THE_WAY = {
     "a folder": os.mkdir,
     "a folder with files": folder_with_files,
@@ -77,7 +82,8 @@ class Files(unittest.TestCase):
         file that is read and of those that are written."""
         for arguments, script, read, written in RUNS:
             for target in written if written_ones else [read]:
-                for name, put in (obstacles or {"": None}).items():
+                own = PIPE if obstacles and target not in GIVEN else {}
+                for name, put in ({**obstacles, **own} if obstacles else {"": None}).items():
                     with self.subTest(arguments, script=script, target=target, obstacle=name), \
                             tempfile.TemporaryDirectory() as folder:
                         paths = [read and os.path.join(folder, read)], [os.path.join(folder, w) for w in written]
@@ -136,6 +142,87 @@ def change(path, over):
         elif step < 2000:
             with open(path, "ab") as file:
                 file.write(contents(path) * 2)
+
+
+def complaints(*arguments, status=1, **options):
+    """Runs the program, which is to end with this status; what it says on standard error, and what on standard output."""
+    read, errors = os.pipe()  # not a file, whose size may be limited
+    lines = run(*arguments, statuses=(status,), stderr=errors, **options)
+    os.close(errors)
+    with open(read, encoding="ascii") as file:
+        return file.read().splitlines(), lines
+
+
+def limit_files(size):
+    return lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+
+
+class Losses(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def held(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def test_a_scan_counts_what_stands_in_the_file(self):
+        write(self.path("in.pgn"), (GAMES * 3000).encode())
+        for room in (100, 70000, 100000):
+            errors, lines = complaints("-nolog", "-scan_pgn3", "in.pgn", folder=self.folder, preexec_fn=limit_files(room))
+            self.assertEqual(errors, ["tmp.epd: File too large"])
+            positions = self.held("tmp.epd").decode().splitlines()
+            self.assertEqual(len(positions) % 4, 0)
+            self.assertTrue(all(line.endswith(";") for line in positions))
+            self.assertEqual(lines[-1], f"games= {len(positions) // 4}, positions= {len(positions)}")
+            self.assertLessEqual(room - len(self.held("tmp.epd")), 400)
+
+    def test_a_book_that_is_given_up_leaves_the_old_one(self):
+        write(self.path("book.opn"), b"old")
+        write(self.path("book.pgn"), contents("book.pgn") * 40)
+        given_up = "mkbook: broken off, book.opn stays as it was"
+        console = ("-c", "-nolog")
+        # Either line has arrived when the book is begun.
+        self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\nquit\n")[0], [given_up])
+        self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\n", preexec_fn=limit_files(20))[0],
+                         ["tmp__0.opn: File too large", given_up])
+        with open(self.path("book.lock"), "wb") as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\n")[0],
+                             ["book.lock: in use, another mkbook is at work in this folder"])
+        program = Program(*console, folder=self.folder)
+        program.send("mkbook")
+        while not os.path.exists(self.path("book.lock")):
+            pass
+        program.process.kill()
+        program.process.wait()
+        self.assertIn(self.held("book.opn"), (b"old", self.book()))
+        self.assertEqual(self.held("book.opn"), self.book())
+        self.assertEqual(sorted(os.listdir(self.folder)), ["book.opn", "book.pgn", "vrel.log"])
+
+    def book(self):
+        """Builds the book, and shows the board behind it."""
+        errors, lines = complaints("-c", "-nolog", status=0, folder=self.folder, script="e4\nmkbook\nbd\n")
+        self.assertEqual(errors, [])
+        self.assertIn("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -", lines[lines.index("done"):])
+        return self.held("book.opn")
+
+    def test_positions_for_which_there_is_no_memory_are_read_again(self):
+        write(self.path("tune.epd"), b"8/8/8/8/8/8/8/K6k w - - tune 0.75;\n" * 100000)
+        program = Program("-c", "-nolog", "-hash", "1")
+        program.wait_for("white")
+        with open(f"/proc/{program.process.pid}/status", encoding="ascii") as file:
+            memory = int(re.search(r"VmPeak:\s+(\d+)", file.read())[1]) * 1024
+        self.assertEqual(program.quit(), 0)
+        if memory > 1 << 40:
+            self.skipTest("a sanitizer takes all the memory that there is")
+        lines = run("-c", "-nolog", folder=self.folder, script="tune hung 1\ntune hung 1\n",
+                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (memory + 20_000_000,) * 2))
+        self.assertEqual(lines.count("best= -17, err= 2.50000e-01"), 2)
 
 
 class Surroundings(unittest.TestCase):

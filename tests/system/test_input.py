@@ -134,6 +134,30 @@ class Interruptions(unittest.TestCase):
             run("-nolog", "-tune", "in.epd", folder=folder, script="quit\n")
             with open(os.path.join(folder, "tune.log"), encoding="ascii") as file:
                 self.assertRegex(file.read().splitlines()[-1], r"pass \d+ broken off$")
+    def test_a_tool_that_is_to_end_ends(self):
+        with tempfile.TemporaryDirectory() as folder:
+            with open(os.path.join(folder, "tune.epd"), "w", encoding="ascii") as file:
+                file.write("8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - - tune 0.7;\n" * 200)
+            # What has been found up to there says nothing.
+            lines = run("-c", "-nolog", folder=folder, script="tune knight_value_op 40\nquit\n")
+            self.assertFalse([line for line in lines if line.startswith("best= ")])
+            # Lines that come when it is over change nothing of it.
+            lines = run("-c", "-nolog", folder=folder, script="tune hung 2\nnoise 0\ndepth 3\n")
+            self.assertFalse([line for line in lines if line.startswith("pos= ")])
+            match = ["-nolog", "-match", "x.pgn"]
+            run(*match, folder=folder, script="position startpos\ngo infinite\n" * 100 + "quit\n")
+            program = Program(*match, folder=folder, terminal=True)
+            program.wait_for("Starting match")
+            program.close_input()
+            self.assertEqual(program.wait(), 0)
+
+    def test_nodes_are_counted_when_there_is_a_line_of_depth_2(self):
+        program = Program("-nolog", "-hash", "1", "-threads", "4")
+        for _ in range(20):
+            program.send("position fen r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -", "go nodes 200")
+            lines = program.wait_for("bestmove")
+            self.assertTrue([line for line in lines if line.startswith("info depth 2 ")], lines)
+        self.assertEqual(program.quit(), 0)
 
 
 class Progress(unittest.TestCase):

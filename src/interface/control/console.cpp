@@ -46,6 +46,7 @@ constexpr int DEEPEST_PERFT = 20;
 struct Command {
     const char* line;
     std::array<std::string, MOST_WORDS> words;
+    bool cut = false;  // a word is longer than what is kept of it
 
     const char* Word(size_t number) const { return words[number - 1].c_str(); }
     int Integer(size_t number, int lowest, int highest) const { return ReadInteger(Word(number), lowest, highest); }
@@ -58,6 +59,7 @@ Command Split(const char* line) {
         line += std::strspn(line, " ");
         const size_t length = std::strcspn(line, " ");
         word.assign(line, std::min(length, LONGEST_WORD));
+        command.cut = command.cut || length > LONGEST_WORD;
         line += length;
     }
     return command;
@@ -236,6 +238,11 @@ void SetField(Relaxed<T>* field, const Command& command) {
     *field = static_cast<T>(command.Integer(2, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
+void MakeBook(const Command&) {
+    if (!CreateBook())
+        PBlock.failed = 1;
+}
+
 void ShowHelp(const Command&);
 
 struct Entry {
@@ -288,13 +295,18 @@ constexpr Entry later_commands[] = {
     {"[", nullptr, ENDS_SEARCH, [](const Command&) { UndoMove(); }, true},
     {"]", "]\tplay it again", ENDS_SEARCH, [](const Command&) { RedoMove(); }, true},
     {"load", "load FILE GAME\tread a game of a PGN file, by number or text", ENDS_SEARCH,
-     [](const Command& command) { LoadGame(command.Word(2), command.Word(3)); }},
+     [](const Command& command) {
+         if (command.cut)
+             Complain("load: longer than %d characters", static_cast<int>(LONGEST_WORD));
+         else
+             LoadGame(command.Word(2), command.Word(3));
+     }},
     {"save", "save\tappend the game to tmp.pgn", NO_TOOL, [](const Command&) { SaveGame(); }},
     {"jump", "jump PLY\tgo to a ply of the game", ENDS_SEARCH,
      [](const Command& command) { JumpToPly(command.Integer(2, 0, UNDO_RECORDS)); }},
     {"edit", "edit\tset up a position piece by piece", ENDS_SEARCH, Edit},
     {"book", "book\tshow the book moves", WHEN_OVER, ShowBook},
-    {"mkbook", "mkbook\tbuild book.opn from book.pgn", FREE_ENGINE, [](const Command&) { CreateBook(); }},
+    {"mkbook", "mkbook\tbuild book.opn from book.pgn", FREE_ENGINE, MakeBook},
     {"set", "set NAME VALUE\tchange a setting of the search; alone: all back to default", WHEN_OVER, SetSelectivity},
     {"tune", "tune WEIGHT STEPS\tfit a weight to tune.epd", FREE_ENGINE, TuneOne},
     {"perft", "perft N\tcount the leaves of the move tree", FREE_ENGINE, RunPerft},

@@ -22,11 +22,14 @@
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "search/transposition.h"
+#include "tools/record_file.h"
 
 namespace vrel {
 
 namespace {
 
+constexpr const char* TEST_FILE = "test.epd";
+constexpr const char* GAME_FILE = "tmp.pgn";
 constexpr int TEXT_LINE = 255;
 constexpr size_t MOVE_WORD = 127;
 constexpr size_t SHORTEST_EPD = 8;
@@ -41,6 +44,8 @@ MoveBuffer CutTo(size_t most, const char* text) {
     std::memcpy(buffer.data(), text, std::min(std::strlen(text), most));
     return buffer;
 }
+
+void ComplainOfFile(const char* name) { Complain("%s: %s", name, FileTrouble()); }
 
 void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
@@ -184,9 +189,13 @@ void GetTestPosition(const char* identifier) {
     const std::string sought = std::string("id \"") + identifier + "\"";
     std::array<char, TEXT_LINE> line{};
     bool found = false;
-    File in("test.epd", "r");
+    File in = OpenOwnFile(TEST_FILE, "r");
+    if (!in)
+        ComplainOfFile(TEST_FILE);
     while (!found && in.ReadLine(line.data(), TEXT_LINE))
         found = line[0] != ' ' && line[0] != ';' && std::strstr(line.data(), sought.c_str());
+    if (in.Failed())
+        ComplainOfFile(TEST_FILE);
     if (!found)
         line[0] = '\0';
     CutLineEnd(line.data());
@@ -207,6 +216,8 @@ void LoadGame(const char* file, const char* which) {
         ReadGame(&in, file, game, ChooseGame(&in, file, which));
         game->undo[game->game_ply].move = NO_MOVE;
         ShowBoard(*game);
+    } else if (*file != '\0') {
+        ComplainOfFile(file);
     }
     SearchLimits limits = LimitsInForce();
     limits.clock = {limits.level_time, limits.level_time};
@@ -214,24 +225,25 @@ void LoadGame(const char* file, const char* which) {
 }
 
 void SaveGame() {
-    File out("tmp.pgn", "a");
-    if (!out)
+    RecordFile out(OpenOwnFile(GAME_FILE, "a"), GAME_FILE);
+    if (!out) {
+        ComplainOfFile(GAME_FILE);
         return;
+    }
     Position* game = GamePosition();
     const int moves = game->game_ply;
     TakeBackAll(game);
-    out.WriteText("[Event \"Unknown\"]\n");
+    std::string text = "[Event \"Unknown\"]\n";
     for (int i = 0; i < moves; ++i) {
         const Move move = game->undo[game->game_ply].move;
         MoveText coord, san, file_form, rank_form;
         GenMoveStrings(*game, move, coord.data(), san.data(), file_form.data(), rank_form.data());
-        out.Print("%s ", san.data());
+        text.append(san.data()).append(" ");
         if ((i + 1) % MOVES_A_LINE == 0)
-            out.WriteText("\n");
+            text += '\n';
         PlayGameMove(game, move);
     }
-    out.WriteText("\n\n");
-    out.Close();
+    out.Put(text + "\n\n");
 }
 
 }  // namespace vrel

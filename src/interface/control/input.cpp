@@ -180,7 +180,7 @@ void PollInputForTool() {
     while (seen_by_tool < lines.size() && !PBlock.quit) {
         const size_t place = seen_by_tool;
         const Need need = NeedOf(lines[place]);
-        if (need == AT_ONCE || need == ENDS_PROGRAM || (need == BESIDE && place == 0))
+        if (need == AT_ONCE || need == ENDS_PROGRAM)
             Handle(place);
         else
             ++seen_by_tool;

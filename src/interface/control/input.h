@@ -7,7 +7,7 @@ namespace vrel {
 enum Need {
     AT_ONCE,       // nothing, and it doesn't queue up: it ends something, or asks for a sign of life
     ENDS_PROGRAM,  // nothing; a line that waits for a search to be over has its turn first, and the search ends
-    BESIDE,        // nothing, in its turn: it touches nothing that searches and tools use
+    BESIDE,        // nothing of a search, in its turn: it touches nothing that searches use
     NO_TOOL,       // no tool: it changes position, limits or weights, of which a running search has its own
     ENDS_SEARCH,   // no tool either, and it ends a running search by itself
     WHEN_OVER,     // a free engine, but it isn't worth ending a search: it waits until that is over

@@ -89,7 +89,7 @@ bool RunTool(const CommandLine& line, int* status) {
         Analyze_EPD_File(true, &complete);
         *status = complete ? 0 : FAILED;
     } else if (line.scan_kind != 0) {
-        Scan_PGN_File(line.file.data(), line.scan_kind);
+        *status = Scan_PGN_File(line.file.data(), line.scan_kind) ? 0 : FAILED;
     } else if (line.match) {
         PBlock.match_file = line.file;
         PBlock.noise = TOOL_NOISE;
@@ -124,6 +124,8 @@ int Run(int argc, char** argv) {
     int status = 0;
     if (!RunTool(line, &status))
         Play();
+    if (PBlock.failed)
+        status = FAILED;
     KillBook();
     KillThreadPool(PBlock.nthreads);  // before what the workers use is given back
     EndEngine();

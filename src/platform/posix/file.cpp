@@ -31,8 +31,10 @@ bool IsNamed(int descriptor, const char* name) {
 }  // namespace
 
 File::File(const char* name, const char* mode) : stream_(std::fopen(name, mode)) {
-    if (stream_ != nullptr && IsDirectory(stream_))
+    if (stream_ != nullptr && IsDirectory(stream_)) {
         Close();
+        errno = EISDIR;
+    }
 }
 
 bool File::CutTo(int64_t size) { return stream_ != nullptr && ftruncate(fileno(stream_), size) == 0; }
@@ -55,17 +57,6 @@ bool ReadFileStamp(const char* name, FileStamp* stamp) {
 bool DeleteFile(const char* name) { return unlink(name) == 0; }
 
 bool RenameFile(const char* from, const char* to) { return std::rename(from, to) == 0; }
-
-bool FileLock::Hold(const char* name) {
-    Release();
-    const int descriptor = OpenToMark(name);
-    if (descriptor < 0)
-        return false;
-    file_ = descriptor;
-    if (!Mark(descriptor))
-        Release();
-    return file_ != NO_FILE;
-}
 
 FileLock::Claimed FileLock::Claim(const char* name) {
     // The old file is marked while it makes way, so that nobody takes it for his own meanwhile.

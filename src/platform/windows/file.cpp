@@ -119,17 +119,6 @@ bool RenameFile(const char* from, const char* to) {
     return MoveFileExW(WideText(from).c_str(), WideText(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-bool FileLock::Hold(const char* name) {
-    Release();
-    const HANDLE file = Open(name, GENERIC_READ, OPEN_EXISTING);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    file_ = reinterpret_cast<intptr_t>(file);
-    if (!Mark(file))
-        Release();
-    return file_ != NO_FILE;
-}
-
 // The file stays the same one: whoever has its mark empties it.
 FileLock::Claimed FileLock::Claim(const char* name) {
     Release();
