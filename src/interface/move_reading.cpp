@@ -1,9 +1,13 @@
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "board/generate.h"
 #include "board/legality.h"
+#include "board/letters.h"
 #include "board/search_thread.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
@@ -33,21 +37,22 @@ bool HasParts(const MoveParts& parts, const MoveEntry& entry) {
 }
 
 // Number of legal moves that have the parts and, unless it is null, the text as a form. `result` is the last of them, 0
-// if there is none.
-int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* result) {
+// if there is none. The list is its own, so that the lists of the position's thread stay as they are.
+int CountMoves(const Position& pos, const MoveParts& parts, const char* form, Move* result) {
+    std::array<MoveEntry, MOVE_STACK_RESERVE> list;
     // Only what the parts name is generated, in the order of all moves.
-    const MoveEntry* entry = pos->frames[pos->ply].first;
-    MoveEntry* end = pos->frames[pos->ply].first;
+    MoveEntry* end = list.data();
     if (parts.types >> PAWN & 1)
-        end = GeneratePawnMoves(*pos, pos->stm, end);
+        end = GeneratePawnMoves(pos, pos.stm, end);
     for (int type = KNIGHT; type <= KING; ++type)
         if (parts.types >> type & 1)
-            end = GeneratePieceMoves(*pos, pos->stm, type, parts.to, end);
+            end = GeneratePieceMoves(pos, pos.stm, type, parts.to, end);
+    assert(end <= list.data() + list.size());
     int count = 0;
     *result = NO_MOVE;
-    for (; entry != end; ++entry) {
-        if (!HasParts(parts, *entry) || (form != nullptr && !HasForm(*pos, entry->move, form)) ||
-            !MoveIsLegal(*pos, pos->stm, entry->move))
+    for (const MoveEntry* entry = list.data(); entry != end; ++entry) {
+        if (!HasParts(parts, *entry) || (form != nullptr && !HasForm(pos, entry->move, form)) ||
+            !MoveIsLegal(pos, pos.stm, entry->move))
             continue;
         *result = entry->move;
         ++count;
@@ -56,11 +61,9 @@ int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* re
 }
 
 constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-constexpr bool IsFile(char c) { return c >= 'a' && c <= 'h'; }
-constexpr bool IsRank(char c) { return c >= '1' && c <= '8'; }
 constexpr bool IsSquare(const char* text) { return IsFile(text[0]) && IsRank(text[1]); }
-constexpr uint64_t SquaresOfFile(char c) { return FILE_A << (c - 'a'); }
-constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * (c - '1'); }
+constexpr uint64_t SquaresOfFile(char c) { return FILE_A << FileIn(c); }
+constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * RankIn(c); }
 constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & SquaresOfRank(text[1]); }
 
 // Bit of the type, 0 if the letter is none of a piece.
@@ -202,19 +205,29 @@ bool SplitIntoParts(const Position& pos, std::string_view text, MoveParts* parts
     return true;
 }
 
+// Number of legal moves of the game record that have the text, which is normalised, as a form.
+int CountMatches(char* text, Move* result) {
+    *result = NO_MOVE;
+    const Position& pos = *GamePosition();
+    const size_t length = Normalise(text);
+    MoveParts parts;
+    return PartsOfForm(pos, text, length, &parts) ? CountMoves(pos, parts, text, result) : 0;
+}
+
 }  // namespace
 
 int IsValidMove(char* text, Move* result) {
-    *result = NO_MOVE;
-    Position* pos = GamePosition();
-    const size_t length = Normalise(text);
-    MoveParts parts;
-    if (!PartsOfForm(*pos, text, length, &parts))
-        return 0;
-    const int matches = CountMoves(pos, parts, text, result);
+    const int matches = CountMatches(text, result);
     if (matches == 2)
         Print("ambiguous move\n");
     return matches == 1 ? 1 : 0;
+}
+
+bool NamesMove(std::string_view text) {
+    std::string normalised(text);
+    normalised.push_back('\0');  // room for the "=" of a promotion
+    Move move = NO_MOVE;
+    return CountMatches(normalised.data(), &move) == 1;
 }
 
 bool ReadMoveText(std::string_view text, Move* move, MoveAsRead* read) {
@@ -222,9 +235,9 @@ bool ReadMoveText(std::string_view text, Move* move, MoveAsRead* read) {
     *std::copy(text.begin(), text.end(), read->begin()) = '\0';
     if (IsValidMove(read->data(), move))
         return true;
-    Position* pos = GamePosition();
+    const Position& pos = *GamePosition();
     MoveParts parts;
-    if (!SplitIntoParts(*pos, text.substr(0, text.find('+')), &parts) || CountMoves(pos, parts, nullptr, move) != 1)
+    if (!SplitIntoParts(pos, text.substr(0, text.find('+')), &parts) || CountMoves(pos, parts, nullptr, move) != 1)
         return false;
     WriteCoord(*move, read->data());
     return true;

@@ -35,6 +35,9 @@ bool HasForm(const Position& pos, Move move, const char* text);
 // the last move that matched, 0 if none did. `text` is normalised in place, which may make it one character longer.
 int IsValidMove(char* text, Move* result);
 
+// True if IsValidMove would take the text. It says nothing and leaves the text as it is.
+bool NamesMove(std::string_view text);
+
 // More of a text than this can't be a move, unless a "+" cuts it.
 inline constexpr int LONGEST_READ = 32;
 using MoveAsRead = std::array<char, LONGEST_READ + 2>;  // reading may make it one character longer

@@ -244,6 +244,7 @@ struct Entry {
     Need need;
     void (*run)(const Command&);
     bool shows_board = false;  // in whose place `debug` puts the evaluation report, which needs a free engine
+    size_t move_word = 0;      // which word has to name a move, without which nothing is done; 0 for none
 };
 
 // In the order in which they are tested, up to the one that is matched as a part of the word.
@@ -301,11 +302,11 @@ constexpr Entry later_commands[] = {
     {"swap", "swap\tshow the exchanges on the board", BESIDE, ShowSwaps},
     {"help", "help\tthis page", BESIDE, ShowHelp},
     {"move", "move MOVE\tplay a move; the word alone will do: Nf3, e2e4, exd5, O-O", ENDS_SEARCH,
-     [](const Command& command) { PlayMoveText(command.Word(2)); }, true},
+     [](const Command& command) { PlayMoveText(command.Word(2)); }, true, 2},
 };
 
 constexpr Entry any_other = {"", nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
-                             true};
+                             true, 1};
 
 void ShowHelpOf(const Entry& entry) {
     if (entry.help == nullptr)
@@ -342,7 +343,11 @@ const Entry& EntryOf(const std::string& word) {
 }  // namespace
 
 Need ConsoleNeed(const char* line) {
-    const Entry& entry = EntryOf(Split(line).words[0]);
+    const Command command = Split(line);
+    const Entry& entry = EntryOf(command.words[0]);
+    // A slip of the finger ends no search.
+    if (entry.move_word != 0 && !NamesMove(command.Word(entry.move_word)))
+        return NO_TOOL;
     if (!PBlock.debug || !entry.shows_board)
         return entry.need;
     return entry.need == BESIDE ? WHEN_OVER : FREE_ENGINE;

@@ -1,6 +1,5 @@
 #include "interface/control/console_game.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -28,19 +27,9 @@ namespace vrel {
 namespace {
 
 constexpr int TEXT_LINE = 255;
-constexpr size_t MOVE_WORD = 127;
 constexpr size_t SHORTEST_EPD = 8;
 constexpr int LAST_GAME_NUMBER = 1000;
 constexpr int MOVES_A_LINE = 11;
-
-// Room for a move's text, which may grow by one character when it is read.
-using MoveBuffer = std::array<char, MOVE_WORD + 2>;
-
-MoveBuffer CutTo(size_t most, const char* text) {
-    MoveBuffer buffer{};
-    std::memcpy(buffer.data(), text, std::min(std::strlen(text), most));
-    return buffer;
-}
 
 void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
@@ -139,12 +128,13 @@ void ShowGame() {
 
 void PlayMoveText(const char* text) {
     Position* game = GamePosition();
-    MoveBuffer buffer = CutTo(MOVE_WORD, text);
+    std::string word(text);
+    word.push_back('\0');  // reading may make it one character longer
     Move move = NO_MOVE;
-    if (!IsValidMove(buffer.data(), &move))
+    if (!IsValidMove(word.data(), &move))
         return;
     StopSearchAndWait();
-    ShowFormatted("%d. move %s", game->game_ply / 2 + 1, buffer.data());
+    ShowFormatted("%d. move %s", game->game_ply / 2 + 1, word.c_str());
     PlayGameMove(game, move);
     ShowGame();
 }
