@@ -7,7 +7,7 @@ namespace {
 // The entry of "no square" stays empty, its bit as well: nothing is taken away from nothing.
 constexpr std::array<SquareLines, SQUARES> MakeSquareLines() {
     std::array<SquareLines, SQUARES> table{};
-    for (int sq = 0; sq < NO_SQUARE; ++sq)
+    for (Square sq = 0; sq < NO_SQUARE; ++sq)
         // In the order of the fields.
         table[sq] = {Ray(sq, 0, 1) | Ray(sq, 0, -1),
                      Ray(sq, 1, 1) | Ray(sq, -1, -1),

@@ -16,8 +16,6 @@ namespace vrel {
 
 namespace {
 
-constexpr uint64_t ALL_SQUARES = ~0ULL;
-
 constexpr unsigned PIECES = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN | 1U << KING;
 constexpr unsigned PROMOTIONS = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN;
 constexpr unsigned NO_PROMOTION = 1U << NO_PIECE;
@@ -61,15 +59,15 @@ int CountMoves(const Position& pos, const MoveParts& parts, const char* form, Mo
 }
 
 constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-constexpr bool IsSquare(const char* text) { return IsFile(text[0]) && IsRank(text[1]); }
+constexpr bool IsSquare(const char* text) { return ReadSquare(text) != NO_SQUARE; }
 constexpr uint64_t SquaresOfFile(char c) { return FILE_A << FileIn(c); }
 constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * RankIn(c); }
-constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & SquaresOfRank(text[1]); }
+constexpr uint64_t SquareIn(const char* text) { return Bit(ReadSquare(text)); }
 
 // Bit of the type, 0 if the letter is none of a piece.
 constexpr unsigned TypeOfLetter(char letter) {
     for (int type = PAWN; type <= KING; ++type)
-        if (piece_letters[type] == letter)
+        if (fen_letters[type] == letter)
             return 1U << type;
     return 0;
 }

@@ -7,6 +7,7 @@
 
 #include "board/attacks.h"
 #include "board/legality.h"
+#include "board/letters.h"
 #include "board/search_thread.h"
 #include "interface/pblock.h"
 
@@ -35,9 +36,6 @@ constexpr char PromotionLetter(Move move) {
                                      : '\0';
 }
 
-constexpr char FileLetter(int sq) { return static_cast<char>('a' + FileOf(sq)); }
-constexpr char RankDigit(int sq) { return static_cast<char>('1' + RankOf(sq)); }
-
 // Text under construction; it stays closed after every step. The longest form has nine characters.
 class Writer {
 public:
@@ -47,7 +45,7 @@ public:
         *end_ = 0;
         return *this;
     }
-    Writer& Square(int sq) { return Put(FileLetter(sq)).Put(RankDigit(sq)); }
+    Writer& Name(Square sq) { return Put(FileLetter(sq)).Put(RankDigit(sq)); }
     // "=Q" and the like.
     Writer& Promotion(Move move) {
         if (const char letter = PromotionLetter(move))
@@ -78,7 +76,7 @@ bool PawnTakes(const Position& pos, Move move) { return pos.board[ToSquare(move)
 // Other pieces of the mover's kind that attack the to-square, pinned or not. Kings have no rivals.
 uint64_t Rivals(const Position& pos, Move move) {
     const int type = MoverType(pos, move);
-    const int to = ToSquare(move);
+    const Square to = ToSquare(move);
     const uint64_t others = pos.bb[pos.stm][type] & ~Bit(FromSquare(move));
     if (others == 0 || type < KNIGHT || type > QUEEN)
         return 0;
@@ -88,7 +86,7 @@ uint64_t Rivals(const Position& pos, Move move) {
 // What tells a piece from its rivals: one on the same file asks for the rank, one on the same rank for the file; rivals
 // elsewhere go unmarked, and the mark is 0.
 char MarkAmongRivals(const Position& pos, Move move) {
-    const int from = FromSquare(move);
+    const Square from = FromSquare(move);
     const uint64_t rivals = Rivals(pos, move);
     if (rivals & (FILE_A << FileOf(from)))
         return RankDigit(from);
@@ -97,12 +95,12 @@ char MarkAmongRivals(const Position& pos, Move move) {
 
 void WritePieceForm(const Position& pos, Move move, char mark, char* out) {
     Writer text(out);
-    text.Put(piece_letters[MoverType(pos, move)]);
+    text.Put(fen_letters[MoverType(pos, move)]);
     if (mark)
         text.Put(mark);
     if (pos.board[ToSquare(move)])
         text.Put('x');
-    text.Square(ToSquare(move));
+    text.Name(ToSquare(move));
 }
 
 void WriteSan(const Position& pos, Move move, char* out) {
@@ -110,7 +108,7 @@ void WriteSan(const Position& pos, Move move, char* out) {
         Writer text(out);
         if (PawnTakes(pos, move))
             text.Put(FileLetter(FromSquare(move))).Put('x');
-        text.Square(ToSquare(move)).Promotion(move);
+        text.Name(ToSquare(move)).Promotion(move);
     } else if (IsCastling(pos, move)) {
         WriteCastling(move, 'o', out);
     } else {
@@ -146,7 +144,7 @@ char* MoveToStr(Move move, char* buffer) {
     if (move == NO_MOVE)
         return std::strcpy(buffer, "null");
     Writer text(buffer);
-    text.Square(FromSquare(move)).Square(ToSquare(move));
+    text.Name(FromSquare(move)).Name(ToSquare(move));
     if (PBlock.mode != MODE_UCI)
         text.Promotion(move);
     else if (const char letter = PromotionLetter(move))
@@ -154,9 +152,7 @@ char* MoveToStr(Move move, char* buffer) {
     return buffer;
 }
 
-void WriteCoord(Move move, char* buffer) {
-    Writer(buffer).Square(FromSquare(move)).Square(ToSquare(move)).Promotion(move);
-}
+void WriteCoord(Move move, char* buffer) { Writer(buffer).Name(FromSquare(move)).Name(ToSquare(move)).Promotion(move); }
 
 void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char* file_form, char* rank_form) {
     WriteCoord(move, coord);

@@ -13,10 +13,7 @@ using MoveText = std::array<char, MOVE_TEXT>;
 
 // Names of the squares.
 extern const std::array<const char*, 64> tbl;
-inline const char* algbr(int sq) { return tbl[sq & 63]; }
-
-// Letters of standard notation by piece type.
-inline constexpr std::array<char, 8> piece_letters = {' ', 'P', 'N', 'B', 'R', 'Q', 'K', ' '};
+inline const char* algbr(Square sq) { return tbl[sq & 63]; }
 
 // What the protocol in use writes: coordinates, a promotion as "e7e8q" in UCI and "e7e8=Q" in the console; "null" for
 // no move. `buffer` has room for MOVE_TEXT characters. Returns `buffer`.

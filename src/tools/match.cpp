@@ -66,15 +66,13 @@ void FindMove(Position* pos, const PersonalityRecord& player) {
 }
 
 // What ends the game before the move found is made. False if it goes on.
-bool Adjudicate(const Position& pos, const SearchResult& found, MatchResult* result) {
-    const MatchResult won = pos.stm == WHITE ? WHITE_WINS : BLACK_WINS;
-    const MatchResult lost = pos.stm == WHITE ? BLACK_WINS : WHITE_WINS;
+bool Adjudicate(const Position& pos, const SearchResult& found, Winner* winner) {
     if (found.score < -DECIDED_SCORE)
-        *result = lost;
+        *winner = pos.stm == WHITE ? BLACK_WON : WHITE_WON;
     else if (found.score > DECIDED_SCORE)
-        *result = won;
+        *winner = pos.stm == WHITE ? WHITE_WON : BLACK_WON;
     else if (pos.fifty > FIFTY_LIMIT || found.best == NO_MOVE)
-        *result = DRAWN;
+        *winner = NOBODY_WON;
     else
         return false;
     return true;
@@ -86,7 +84,7 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
     SetPosition(pos, fen_opn);
     game->white = std::rand() & 1;
     game->count = 0;
-    game->result = DRAWN;
+    game->winner = NOBODY_WON;
     PBlock.use_hash = 0;
     ClearTTable();
     // A game that the record can't hold is a draw.
@@ -98,7 +96,7 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
         if (PBlock.quit)
             return false;
         Collect();
-        const bool over = Adjudicate(*pos, found, &game->result);
+        const bool over = Adjudicate(*pos, found, &game->winner);
         RecordMove(game, found.best, found.score, found.depth);
         if (over)
             break;

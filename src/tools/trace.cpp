@@ -24,7 +24,7 @@ int last_depth = -1;  // iteration of the last move written
 constexpr const char* COLUMN = "         ";
 
 // Siblings line up under each other, one column a ply.
-void StartLine(int ply) {
+void StartLine(Ply ply) {
     out.WriteText("\n");
     for (int i = 1; i < ply; ++i)
         out.WriteText(COLUMN);
@@ -46,10 +46,10 @@ void TraceMove(const Position& pos, Move move) {
         if (!out)
             std::_Exit(0);
     }
-    const int ply = pos.ply;
+    const Ply ply = pos.ply;
     if (ply > PBlock.trace)
         return;
-    const int depth = ThreadOf(pos)->depth;
+    const Depth depth = ThreadOf(pos)->depth;
     if (depth > last_depth)
         out.Print("\n\nSEARCH DEPTH= %d\n", depth);
     if (ply <= last_ply)

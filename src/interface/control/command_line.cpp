@@ -5,6 +5,7 @@
 #include "interface/control/options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
+#include "interface/words.h"
 #include "tools/bench.h"
 #include "tools/scanned_game.h"
 
@@ -117,13 +118,6 @@ constexpr Option options[] = {
     {"--version", false, "\tname and version", [](Words*, CommandLine* line) { line->version = true; }},
 };
 
-const Option* Find(const char* word) {
-    for (const Option& option : options)
-        if (option.name != nullptr && std::strcmp(word, option.name) == 0)
-            return &option;
-    return nullptr;
-}
-
 // The kind of scan that a word asks for, 0 if it asks for none.
 int FindScanKind(const char* word) {
     for (int kind = 1; kind <= SCAN_KINDS; ++kind)
@@ -139,7 +133,7 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     Words words = {argc - 1, argv + 1};
     while (words.count > 0) {
         const char* word = words.Take();
-        const Option* option = Find(word);
+        const Option* option = FindRow(options, word);
         const int scan_kind = FindScanKind(word);
         if (option != nullptr && words.count >= (option->takes_word ? 1 : 0))
             option->apply(&words, &line);

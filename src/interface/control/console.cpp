@@ -9,6 +9,7 @@
 
 #include "board/exchange.h"
 #include "board/fen.h"
+#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_build.h"
@@ -17,6 +18,7 @@
 #include "interface/board_text.h"
 #include "interface/control/console_game.h"
 #include "interface/control/edit.h"
+#include "interface/control/game_loop.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
@@ -55,7 +57,7 @@ struct Command {
 Command Split(const char* line) {
     Command command{line, {}};
     for (std::string& word : command.words) {
-        line += std::strspn(line, " ");
+        line = SkipBlanks(line);
         const size_t length = std::strcspn(line, " ");
         word.assign(line, std::min(length, LONGEST_WORD));
         line += length;
@@ -63,18 +65,12 @@ Command Split(const char* line) {
     return command;
 }
 
-void SetClocks(double seconds) {
-    SearchLimits limits = LimitsInForce();
-    limits.clock = {seconds, seconds};
-    SetLimits(limits);
-}
-
 void NewGame(const Command&) {
     StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), fen_opn);
     ShowBoard(*GamePosition());
     computer = 2;
-    SetClocks(PBlock.level_time);
+    ResetClocks();
 }
 
 void SetFen(const Command& command) {
@@ -94,12 +90,7 @@ void Force(const Command&) {
     computer = 2;
 }
 
-void Quit(const Command&) {
-    StopSearch(STOP_COMMAND);
-    PBlock.quit = 1;
-}
-
-void Analyse(int depth) {
+void Analyse(Depth depth) {
     SearchLimits limits = LimitsInForce();
     limits.level_moves = 1;
     limits.level_time = ANALYSIS_TIME;
@@ -110,7 +101,7 @@ void Analyse(int depth) {
 }
 
 void AnalyseToDepth(const Command& command) {
-    const int depth = command.Integer(2, -1, MAX_DEPTH);
+    const Depth depth = command.Integer(2, -1, MAX_DEPTH);
     Analyse(depth >= 0 && depth < MAX_DEPTH ? depth : MAX_DEPTH);
 }
 
@@ -161,7 +152,7 @@ void SetTime(const Command& command) {
 
 void ShowSwaps(const Command&) {
     const Position& game = *GamePosition();
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const int code = game.board[sq];
         if (code == 0)
             continue;
@@ -252,7 +243,7 @@ constexpr Entry commands[] = {
     {"new", "new\tstart position", ENDS_SEARCH, NewGame},
     {"fen", "fen TEXT\tset up a position", ENDS_SEARCH, SetFen},
     {"force", "force\tend a search, play no side", ENDS_SEARCH, Force},
-    {"quit", "quit\tend the program", ENDS_PROGRAM, Quit},
+    {"quit", "quit\tend the program", ENDS_PROGRAM, [](const Command&) { EndProgram(); }},
     {"go", "go DEPTH\tanalyse to a depth", FREE_ENGINE, AnalyseToDepth},
     {"an", "an\tanalyse without a limit", FREE_ENGINE, AnalyseWithoutLimit},
     {".", ".\tend the search", AT_ONCE, [](const Command&) { StopSearch(STOP_COMMAND); }},
@@ -305,7 +296,7 @@ constexpr Entry later_commands[] = {
      [](const Command& command) { PlayMoveText(command.Word(2)); }, true, 2},
 };
 
-constexpr Entry any_other = {"", nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
+constexpr Entry any_other = {"",   nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
                              true, 1};
 
 void ShowHelpOf(const Entry& entry) {
@@ -323,20 +314,12 @@ void ShowHelp(const Command&) {
         ShowHelpOf(entry);
 }
 
-template <size_t N>
-const Entry* Find(const Entry (&table)[N], const std::string& word) {
-    for (const Entry& entry : table)
-        if (word == entry.name)
-            return &entry;
-    return nullptr;
-}
-
 const Entry& EntryOf(const std::string& word) {
-    if (const Entry* entry = Find(commands, word))
+    if (const Entry* entry = FindRow(commands, word))
         return *entry;
-    if (word.find(several_lines.name) != std::string::npos)
+    if (Contains(word, several_lines.name))
         return several_lines;
-    const Entry* later = Find(later_commands, word);
+    const Entry* later = FindRow(later_commands, word);
     return later != nullptr ? *later : any_other;
 }
 

@@ -18,6 +18,7 @@
 #include "interface/numbers.h"
 #include "interface/pblock.h"
 #include "interface/pgn_text.h"
+#include "interface/words.h"
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "search/transposition.h"
@@ -51,8 +52,6 @@ struct Wanted {
     int count = -1;  // -1: none
 };
 
-bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
-
 // Count of the first game with a line that holds the text, -1 if there is none.
 int FindGame(File* in, const char* name, const char* text) {
     PgnReader pgn(in, name);
@@ -61,7 +60,7 @@ int FindGame(File* in, const char* name, const char* text) {
         count += item == PGN_GAME;
         if (item == PGN_START)
             pgn.SkipGame();  // only its lines are looked at
-        if ((item == PGN_TAG || item == PGN_LINE) && Holds(pgn.line(), text))
+        if ((item == PGN_TAG || item == PGN_LINE) && Contains(pgn.line(), text))
             return in->Seek(0) ? count : -1;
     }
     return -1;
@@ -96,7 +95,7 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
         if (item == PGN_GAME && found)
             return;
         count += item == PGN_GAME;
-        events += item == PGN_TAG && Holds(pgn.line(), "[Event ");
+        events += item == PGN_TAG && Contains(pgn.line(), "[Event ");
         if (item == PGN_START) {
             found = wanted.number ? events == wanted.number : count == wanted.count;
             if (found && pgn.game().foreign)
@@ -124,6 +123,12 @@ void ShowGame() {
         ShowEvalInfo();
     else
         ShowBoard(*GamePosition());
+}
+
+void ResetClocks() {
+    SearchLimits limits = LimitsInForce();
+    limits.clock = {limits.level_time, limits.level_time};
+    SetLimits(limits);
 }
 
 void PlayMoveText(const char* text) {
@@ -198,9 +203,7 @@ void LoadGame(const char* file, const char* which) {
         game->undo[game->game_ply].move = NO_MOVE;
         ShowBoard(*game);
     }
-    SearchLimits limits = LimitsInForce();
-    limits.clock = {limits.level_time, limits.level_time};
-    SetLimits(limits);
+    ResetClocks();
 }
 
 void SaveGame() {

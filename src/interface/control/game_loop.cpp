@@ -168,4 +168,9 @@ void RunGameLoop() {
     }
 }
 
+void EndProgram() {
+    StopSearch(STOP_COMMAND);
+    PBlock.quit = 1;
+}
+
 }  // namespace vrel

@@ -9,6 +9,7 @@
 #include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
+#include "interface/control/game_loop.h"
 #include "interface/control/options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
@@ -33,11 +34,6 @@ void Introduce() {
     selfplay = 0;
     ShowMessage("uciok");
     PBlock.mode = MODE_UCI;
-}
-
-std::string WithoutTrailingBlanks(std::string text) {
-    text.resize(text.find_last_not_of(' ') + 1);
-    return text;
 }
 
 // The command word, and what follows it and one separator.
@@ -70,11 +66,11 @@ OptionChange ReadOptionLine(const char* rest) {
     const char* name_text = SkipBlanks(name + 4);
     // Without a value only a button can be meant.
     if (value == nullptr) {
-        const UciOption* option = FindOption(WithoutTrailingBlanks(name_text));
+        const UciOption* option = FindOption(Trimmed(name_text));
         return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
     }
     const char* name_end = std::max(value, name_text);
-    return {FindOption(WithoutTrailingBlanks(std::string(name_text, name_end))), GetWord(value + 5)};
+    return {FindOption(Trimmed({name_text, name_end})), GetWord(value + 5)};
 }
 
 void ChangeOption(const char* rest) {
@@ -96,13 +92,6 @@ void NewGame() {
         ClearTTable();
 }
 
-// A square of two characters, NO_SQUARE if they name none.
-int ReadSquare(const char* text) {
-    if (text[0] < 'a' || text[0] > 'h' || text[1] < '1' || text[1] > '8')
-        return NO_SQUARE;
-    return (text[0] - 'a') + 8 * (text[1] - '1');
-}
-
 Move PromotionBit(char letter) {
     switch (letter) {
         case 'q':
@@ -122,8 +111,8 @@ Move PromotionBit(char letter) {
 Move ReadCoordinates(const std::string& text) {
     if (text.size() < 4)
         return NO_MOVE;
-    const int from = ReadSquare(text.c_str());
-    const int to = ReadSquare(text.c_str() + 2);
+    const Square from = ReadSquare(text.c_str());
+    const Square to = ReadSquare(text.c_str() + 2);
     if (from == NO_SQUARE || to == NO_SQUARE)
         return NO_MOVE;
     return MakeMoveValue(from, to) | (text.size() > 4 ? PromotionBit(text[4]) : NO_MOVE);
@@ -172,7 +161,7 @@ void LimitToTime(SearchLimits* limits, double seconds) {
 }
 
 // The tokens are looked for in a fixed order, so that a later one wins over an earlier one. What none names stays.
-SearchLimits ReadLimits(const char* rest, int side) {
+SearchLimits ReadLimits(const char* rest, Side side) {
     const auto value_of = [rest](const char* token) -> const char* {
         const char* found = std::strstr(rest, token);
         return found == nullptr ? nullptr : GetWord(found + std::strlen(token));
@@ -215,7 +204,7 @@ SearchLimits ReadLimits(const char* rest, int side) {
 }
 
 void Go(const char* rest) {
-    const int side = GamePosition()->stm;
+    const Side side = GamePosition()->stm;
     StopSearch(STOP_COMMAND);
     computer = side;
     RequestSearch(std::strstr(rest, "ponder") ? STATE_PONDERING : STATE_THINKING, ReadLimits(rest, side));
@@ -226,13 +215,8 @@ void Stop() {
     StopAndReport();
 }
 
-void Quit() {
-    StopSearch(STOP_COMMAND);
-    PBlock.quit = 1;
-}
-
 struct Entry {
-    const char* word;
+    const char* name;
     Need need;
     void (*run)(const char* rest);
 };
@@ -246,21 +230,14 @@ constexpr Entry commands[] = {
     {"go", NO_TOOL, Go},
     {"ponderhit", AT_ONCE, [](const char*) { PonderHit(); }},
     {"stop", AT_ONCE, [](const char*) { Stop(); }},
-    {"quit", ENDS_PROGRAM, [](const char*) { Quit(); }},
+    {"quit", ENDS_PROGRAM, [](const char*) { EndProgram(); }},
 };
-
-const Entry* Find(const std::string& word) {
-    for (const Entry& entry : commands)
-        if (word == entry.word)
-            return &entry;
-    return nullptr;
-}
 
 }  // namespace
 
 Need UciNeed(const char* line) {
     const Command command = Split(line);
-    const Entry* entry = Find(command.word);
+    const Entry* entry = FindRow(commands, command.word);
     if (entry == nullptr)
         return BESIDE;
     if (entry->run != ChangeOption)
@@ -276,7 +253,7 @@ void EchoUciLine(const char* line) {
 
 void UciCommand(const char* line) {
     const Command command = Split(line);
-    if (const Entry* entry = Find(command.word))
+    if (const Entry* entry = FindRow(commands, command.word))
         entry->run(command.rest);
 }
 
