@@ -124,7 +124,7 @@ private:
 }  // namespace
 
 void Scan_PGN_File(const char* file, int kind) {
-    assert(kind >= 1 && kind <= SCAN_KINDS);
+    assert(kind >= 1 && kind <= ScanKinds());
     File in(file, "r");
     if (!in)
         return;

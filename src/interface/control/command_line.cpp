@@ -120,7 +120,7 @@ constexpr Option options[] = {
 
 // The kind of scan that a word asks for, 0 if it asks for none.
 int FindScanKind(const char* word) {
-    for (int kind = 1; kind <= SCAN_KINDS; ++kind)
+    for (int kind = 1; kind <= ScanKinds(); ++kind)
         if (std::strcmp(word, scan_kinds[kind - 1].option) == 0)
             return kind;
     return 0;

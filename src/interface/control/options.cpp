@@ -1,5 +1,6 @@
 #include "interface/control/options.h"
 
+#include <array>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
@@ -48,9 +49,8 @@ Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
 
-}  // namespace
-
-const std::array<UciOption, 8> uci_options = {{
+// In the order in which they are declared.
+constexpr auto uci_options = std::to_array<UciOption>({
     {"Hash", SPIN, 64, 0, 8192, "info string Hash size set to %dM bytes", NeedsFreeEngine, SetHashSize},
     {"Threads", SPIN, 1, 1, MAX_THREADS, "info string Threads set to %d", NeedsFreeEngine, SetThreads},
     {"Ponder", CHECK, 1, 0, 1, nullptr, NeedsNoTool, [](int on) { PBlock.ponder = static_cast<int16_t>(on); }},
@@ -63,7 +63,9 @@ const std::array<UciOption, 8> uci_options = {{
      [](int on) { PBlock.use_book = static_cast<uint8_t>(on); }},
     {"Log", CHECK, 0, 0, 1, "info string Log set to %d", NeedsNothing,
      [](int on) { PBlock.log = static_cast<int16_t>(on); }},
-}};
+});
+
+}  // namespace
 
 const UciOption* FindOption(std::string_view name) {
     for (const UciOption& option : uci_options)
