@@ -72,6 +72,7 @@ constexpr unsigned TypeOfLetter(char letter) {
     return 0;
 }
 
+// Bit of the type that stands on a square; an empty square has none of the bits of a piece.
 unsigned TypeOn(const Position& pos, uint64_t square) { return 1U << TypeOf(pos.board[GetLSB(square)]); }
 
 // ---- Reading by forms ----------------------------------------------------------------------------------------------
@@ -172,6 +173,7 @@ char TakeLast(std::string_view* text, Test test) {
 
 // Splits a text from its end: letter, file, rank, sign, target square, "=", letter of a promotion; all but the square
 // may be missing. False if it isn't made so.
+// What stays open is open: exactly one legal move has to fit in the end.
 bool SplitIntoParts(const Position& pos, std::string_view text, MoveParts* parts) {
     const auto one_of = [](std::string_view set) {
         return [set](char c) { return set.find(c) != std::string_view::npos; };

@@ -64,6 +64,7 @@ bool IsCastling(const Position& pos, Move move) {
     return (step == 2 || step == -2) && MoverType(pos, move) == KING;
 }
 
+// The forms differ in what they write for the zero.
 void WriteCastling(Move move, char zero, char* out) {
     Writer text(out);
     text.Put(zero).Put('-').Put(zero);
@@ -71,6 +72,7 @@ void WriteCastling(Move move, char zero, char* out) {
         text.Put('-').Put(zero);
 }
 
+// A pawn that reaches the en passant square takes, whichever pawn it is.
 bool PawnTakes(const Position& pos, Move move) { return pos.board[ToSquare(move)] || ToSquare(move) == pos.ep_square; }
 
 // Other pieces of the mover's kind that attack the to-square, pinned or not. Kings have no rivals.
@@ -116,6 +118,7 @@ void WriteSan(const Position& pos, Move move, char* out) {
     }
 }
 
+// Of a pawn only its captures have this form, "ed"; a piece tells its file, needed or not.
 void WriteFileForm(const Position& pos, Move move, char* out) {
     if (MoverType(pos, move) == PAWN) {
         Writer text(out);
@@ -129,6 +132,7 @@ void WriteFileForm(const Position& pos, Move move, char* out) {
     }
 }
 
+// Pawns have none.
 void WriteRankForm(const Position& pos, Move move, char* out) {
     if (MoverType(pos, move) == PAWN)
         *out = '\0';
@@ -159,6 +163,7 @@ void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char
     WriteSan(pos, move, san);
     WriteFileForm(pos, move, file_form);
     WriteRankForm(pos, move, rank_form);
+    // Mate gets no sign of its own.
     const MoveEntry entry = {move, pos.board[FromSquare(move)], pos.board[ToSquare(move)], 0, 0};
     if (MoveGivesCheck(pos, pos.stm, entry) == 0)
         return;
@@ -167,6 +172,7 @@ void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char
 }
 
 bool HasForm(const Position& pos, Move move, const char* text) {
+    // The form that games are written in comes first: most texts end here.
     MoveText form;
     const auto reads_so = [&] { return std::strcmp(form.data(), text) == 0; };
     WriteSan(pos, move, form.data());

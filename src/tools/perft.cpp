@@ -36,6 +36,7 @@ uint64_t CountLeaves(Position* pos, Side side, Ply ply, Depth depth) {
 
 }  // namespace
 
+// At depth 0 the root itself would be a leaf, which nobody wants counted.
 void Perft(SearchThread* thread, Side side, Ply ply, Depth depth) {
     if (depth >= 1)
         thread->nodes.Add(CountLeaves(&thread->pos, side, ply, depth));

@@ -28,18 +28,20 @@ namespace vrel {
 namespace {
 
 constexpr int TEXT_LINE = 255;
-constexpr size_t SHORTEST_EPD = 8;
+constexpr size_t SHORTEST_EPD = 8;  // characters that can't be a position any more
 constexpr int LAST_GAME_NUMBER = 1000;
 constexpr int MOVES_A_LINE = 11;
 
 void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
+// A text that is a number through and through; "1st" is looked for as it stands.
 bool IsNumber(const char* text) {
     if (*text == '+' || *text == '-')
         ++text;
     return *text != '\0' && text[std::strspn(text, "0123456789")] == '\0';
 }
 
+// The moves stay ahead in the game's records, to be played again.
 void TakeBackAll(Position* game) {
     while (game->game_ply > 0)
         TakeBackGameMove(game);
@@ -53,6 +55,7 @@ struct Wanted {
 };
 
 // Count of the first game with a line that holds the text, -1 if there is none.
+// The file is then at its start again, to be read from there.
 int FindGame(File* in, const char* name, const char* text) {
     PgnReader pgn(in, name);
     int count = 0;
@@ -66,6 +69,7 @@ int FindGame(File* in, const char* name, const char* text) {
     return -1;
 }
 
+// A number outside of the range, and no word at all, mean the first game.
 Wanted ChooseGame(File* in, const char* name, const char* which) {
     if (*which != '\0' && !IsNumber(which))
         return {0, FindGame(in, name, which)};
@@ -92,9 +96,11 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
     int events = 0;
     bool found = false;
     for (PgnItem item = pgn.Next(); item != PGN_END; item = pgn.Next()) {
+        // Another game begins: what is left of the file isn't read.
         if (item == PGN_GAME && found)
             return;
         count += item == PGN_GAME;
+        // Numbers go by these tags: a game without one belongs to the game before.
         events += item == PGN_TAG && Contains(pgn.line(), "[Event ");
         if (item == PGN_START) {
             found = wanted.number ? events == wanted.number : count == wanted.count;
@@ -112,6 +118,7 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
 
 }  // namespace
 
+// A search at depth 0 leaves the report behind, and the score of the quiet search beside the static one.
 void ShowEvalInfo() {
     SearchAtDepthZero();
     const SearchThread& worker = *GetThread(1);
@@ -133,6 +140,7 @@ void ResetClocks() {
 
 void PlayMoveText(const char* text) {
     Position* game = GamePosition();
+    // Only a text that is a move stops a search: anything may be mistyped.
     std::string word(text);
     word.push_back('\0');  // reading may make it one character longer
     Move move = NO_MOVE;
@@ -153,6 +161,7 @@ void UndoMove() {
     ShowGame();
 }
 
+// A move that stands ahead may be of another game: only one that is possible here is played again.
 void RedoMove() {
     StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
@@ -165,6 +174,7 @@ void RedoMove() {
     ShowGame();
 }
 
+// All the way back and then forward, so that it is the same from wherever the game stands.
 void JumpToPly(int ply) {
     StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
@@ -177,6 +187,7 @@ void JumpToPly(int ply) {
 void GetTestPosition(const char* identifier) {
     StopSearch(STOP_COMMAND);
     const std::string sought = std::string("id \"") + identifier + "\"";
+    // Comments and what is indented hold no position. Of a line that is too long the part with the name is taken.
     std::array<char, TEXT_LINE> line{};
     bool found = false;
     File in("test.epd", "r");
@@ -190,13 +201,14 @@ void GetTestPosition(const char* identifier) {
     if (std::strlen(line.data()) > SHORTEST_EPD)
         SetPosition(game, line.data());
     ShowBoard(*game);
-    ClearTTable();
+    ClearTTable();  // a suite's positions have nothing to do with each other
 }
 
 void LoadGame(const char* file, const char* which) {
     StopSearch(STOP_COMMAND);
     ShowFormatted("loading %s, tag %s\n", file, which);
     Position* game = GamePosition();
+    // The clocks start anew also where there is no such file.
     if (File in(file, "r"); in) {
         SetPosition(game, fen_opn);
         ReadGame(&in, file, game, ChooseGame(&in, file, which));
@@ -211,6 +223,7 @@ void SaveGame() {
     if (!out)
         return;
     Position* game = GamePosition();
+    // The record is played through from its start, since a move is written as it reads before it is made.
     const int moves = game->game_ply;
     TakeBackAll(game);
     out.WriteText("[Event \"Unknown\"]\n");

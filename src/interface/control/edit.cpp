@@ -15,9 +15,11 @@ namespace vrel {
 
 namespace {
 
+// By piece type, from a pawn on.
 constexpr const char* EDIT_LETTERS = "pnbrqk";
-constexpr int EDIT_LINE = 78;
+constexpr int EDIT_LINE = 78;  // characters of a line and its end; the rest is the next line
 
+// Whatever stood there goes. A letter of no piece leaves the square empty.
 void EditSquare(Position* pos, Side side, char letter, Square sq) {
     if (pos->board[sq])
         RemovePiece(pos, sq);
@@ -39,6 +41,7 @@ void EditPieces(Position* pos, Side side, const char* text) {
     }
 }
 
+// The side of the last line is the one to move. A line of neither side is passed over.
 void EditLine(Position* pos, const char* line) {
     line = SkipBlanks(line);
     if (*line != 'w' && *line != 'b')
@@ -48,7 +51,8 @@ void EditLine(Position* pos, const char* line) {
     EditPieces(pos, side, line + std::strcspn(line, " "));
 }
 
-// A right stays only while king and rook stand at home. Rights are never added.
+// A right stays only while king and rook stand at home. Rights are never added: whether these pieces have moved before
+// is something that the board can't tell.
 void DropImpossibleRights(Position* pos) {
     const auto home = [pos](Side side, Square rook) {
         return pos->board[init_king_sq[side]] == PieceCode(side, KING) && pos->board[rook] == PieceCode(side, ROOK);
@@ -63,6 +67,7 @@ void DropImpossibleRights(Position* pos) {
 
 }  // namespace
 
+// The moves that led to the old position don't lead to the new one: the game starts here.
 void EditBoard() {
     Position* game = GamePosition();
     ShowMessage("\n\n");

@@ -16,12 +16,14 @@ namespace vrel {
 
 namespace {
 
+// An engine without a table, or without workers, has nothing to go on with: the old ones have been given back already.
 void SetHashSize(int megabytes) {
     PBlock.hash_mb = static_cast<int16_t>(megabytes);
     if (InitTTable() != 0)
         std::_Exit(-1);
 }
 
+// New workers start with nothing learnt, so the same number leaves the old ones at work.
 void SetThreads(int number) {
     if (number == PBlock.nthreads)
         return;
@@ -31,6 +33,7 @@ void SetThreads(int number) {
         std::_Exit(-1);
 }
 
+// What isn't used isn't cleared, and nothing is said.
 void ClearHash(int) {
     if (!PBlock.use_hash)
         return;
@@ -45,6 +48,7 @@ Need NeedOfClearHash() {
     return PBlock.state == STATE_PONDERING ? IDLE_WORKERS : FREE_ENGINE;
 }
 
+// Table and workers are in use while a search runs. Limits and the book are looked at when the next one starts.
 Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
@@ -74,6 +78,7 @@ const UciOption* FindOption(std::string_view name) {
     return nullptr;
 }
 
+// In the words of the protocol, for which a switch is a "check" and a number a "spin".
 void DeclareOptions() {
     for (const UciOption& option : uci_options) {
         if (option.type == SPIN)
@@ -93,6 +98,7 @@ int ReadOption(const UciOption& option, const char* text) {
     return std::strcmp(option.name, "Log") == 0 ? std::strstr(text, "true") != nullptr : std::strcmp(text, "true") == 0;
 }
 
+// The reply tells the value that is in force, which may not be the one that was asked for.
 void SetOption(const UciOption& option, int value) {
     assert(value >= option.lowest && value <= option.highest);
     option.apply(value);

@@ -25,6 +25,8 @@ namespace {
 constexpr long long LONGEST_TIME = 1000000000000;  // milliseconds that a clock may show
 constexpr double NO_TIME_LIMIT = 10000000.0;       // seconds
 
+// From here on an interface is in charge: log and book are off, as their options declare, whatever the command line
+// has said, and the console is left for good.
 void Introduce() {
     ShowFormatted("id name %s", version);
     ShowMessage("id author Orin Tavelk");
@@ -59,12 +61,13 @@ struct OptionChange {
 };
 
 OptionChange ReadOptionLine(const char* rest) {
+    // Both words may stand anywhere, so that interfaces with manners of their own are understood.
     const char* name = std::strstr(rest, "name");
     const char* value = std::strstr(rest, "value");
     if (name == nullptr || (value != nullptr && value < name))
         return {nullptr, ""};
     const char* name_text = SkipBlanks(name + 4);
-    // Without a value only a button can be meant.
+    // Without a value only a button can be meant; any other option keeps what it has.
     if (value == nullptr) {
         const UciOption* option = FindOption(Trimmed(name_text));
         return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
@@ -73,12 +76,14 @@ OptionChange ReadOptionLine(const char* rest) {
     return {FindOption(Trimmed({name_text, name_end})), GetWord(value + 5)};
 }
 
+// An unknown option is passed over in silence: interfaces try what other engines have.
 void ChangeOption(const char* rest) {
     const OptionChange change = ReadOptionLine(rest);
     if (change.option != nullptr)
         SetOption(*change.option, ReadOption(*change.option, change.value.c_str()));
 }
 
+// The times stand until `go` brings others. The position stays as well, but its past is gone.
 void NewGame() {
     StopSearch(STOP_COMMAND);
     SearchLimits limits = LimitsInForce();
@@ -92,6 +97,7 @@ void NewGame() {
         ClearTTable();
 }
 
+// Other characters, capitals among them, are passed over: the move is one without a promotion.
 Move PromotionBit(char letter) {
     switch (letter) {
         case 'q':
@@ -133,6 +139,8 @@ void PlayMoves(Position* game, const char* text) {
     }
 }
 
+// "startpos" goes before "fen"; without either the position stays as it is. The end of the game is marked, so that
+// nothing of an earlier one stands ahead of it.
 void SetGame(const char* rest) {
     rest += std::strspn(rest, " \t");
     const char* moves = std::strstr(rest, "moves");
@@ -151,10 +159,12 @@ void SetGame(const char* rest) {
     game->undo[game->game_ply].move = NO_MOVE;
 }
 
+// What is below 0, as a clock that has run out, counts as 0.
 double Seconds(const char* milliseconds) {
     return static_cast<double>(ReadLongInteger(milliseconds, 0, LONGEST_TIME)) / 1000;
 }
 
+// So much for one move, whatever the clocks show.
 void LimitToTime(SearchLimits* limits, double seconds) {
     limits->level_moves = 1;
     limits->level_time = seconds;
@@ -167,6 +177,7 @@ SearchLimits ReadLimits(const char* rest, Side side) {
         return found == nullptr ? nullptr : GetWord(found + std::strlen(token));
     };
     SearchLimits limits = LimitsInForce();
+    // Two clocks and no moves to go are sudden death. The increment of the other side can't be used.
     limits.level_moves = 0;
     if (const char* value = value_of("wtime"))
         limits.clock[WHITE] = Seconds(value);
@@ -176,12 +187,14 @@ SearchLimits ReadLimits(const char* rest, Side side) {
         limits.inc = Seconds(value);
     if (const char* value = value_of("binc"); value && side == BLACK)
         limits.inc = Seconds(value);
+    // A control of 40 moves, of which so many are left; a depth or nodes asked for earlier end with it.
     if (const char* value = value_of("movestogo")) {
         limits.level_moves = 40;
         limits.moves_to_go = ReadInteger(value, 0, INT16_MAX);
         limits.max_depth = MAX_DEPTH;
         limits.max_nodes = 0;
     }
+    // Depth and nodes are limits of their own; the time that goes with them is for what doesn't get there.
     if (const char* value = value_of("depth")) {
         LimitToTime(&limits, 600.0);
         limits.max_depth = ReadInteger(value, 0, MAX_DEPTH);
@@ -203,6 +216,7 @@ SearchLimits ReadLimits(const char* rest, Side side) {
     return limits;
 }
 
+// A search that runs ends, and its reply is sent before the new one starts.
 void Go(const char* rest) {
     const Side side = GamePosition()->stm;
     StopSearch(STOP_COMMAND);
@@ -210,11 +224,13 @@ void Go(const char* rest) {
     RequestSearch(std::strstr(rest, "ponder") ? STATE_PONDERING : STATE_THINKING, ReadLimits(rest, side));
 }
 
+// While idle, too, it is answered: with the line that stands.
 void Stop() {
     computer = 2;
     StopAndReport();
 }
 
+// What a command needs of a running search, and what it does with the rest of its line.
 struct Entry {
     const char* name;
     Need need;
@@ -235,6 +251,7 @@ constexpr Entry commands[] = {
 
 }  // namespace
 
+// A line without a command is dropped in its turn.
 Need UciNeed(const char* line) {
     const Command command = Split(line);
     const Entry* entry = FindRow(commands, command.word);
