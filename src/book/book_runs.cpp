@@ -67,7 +67,7 @@ bool Replace(const char* finished, const char* name) {
 RecordSource::RecordSource(const char* name) : file_(name, "rb") {
     const int64_t size = file_.Size();
     if (size >= 0)
-        left_ = static_cast<size_t>(size) / sizeof(BookRecord);
+        left_ = size / sizeof(BookRecord);
     else
         sound_ = !FileExists(name);
 }

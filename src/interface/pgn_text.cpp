@@ -250,7 +250,7 @@ bool PgnReader::ReadComment(PgnItem* item) {
     const char* begin = at_;
     at_ = std::find_if(begin, end_, [](char c) { return c == '{' || c == '}'; });
     if (at_ != begin) {
-        text_ = std::string_view(begin, static_cast<size_t>(at_ - begin));
+        text_ = std::string_view(begin, at_ - begin);
         *item = PGN_COMMENT;
         return IsGivenOut();
     }

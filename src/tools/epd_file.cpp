@@ -48,7 +48,7 @@ bool EpdFile::ReadWholeLine(char* line, int* length) {
         const char* from = buffer_.data() + next_;
         const char* end = static_cast<const char*>(std::memchr(from, '\n', filled_ - next_));
         ended = end != nullptr;
-        const size_t taken = ended ? static_cast<size_t>(end - from) + 1 : filled_ - next_;
+        const size_t taken = ended ? end - from + 1 : filled_ - next_;
         const size_t kept = std::min(taken, static_cast<size_t>(EPD_LINE - 1 - n));
         std::replace_copy(from, from + kept, line + n, '\0', ' ');
         n += static_cast<int>(kept);

@@ -85,7 +85,7 @@ void ReadInputChunk(bool wait) {
     const int received = wait ? WaitForInput(chunk.data(), room) : ReadInput(chunk.data(), room);
     ended = received == INPUT_ENDED;
     if (received > 0)
-        TakeIn(chunk.data(), static_cast<size_t>(received));
+        TakeIn(chunk.data(), received);
     // The last line before the end needs no end.
     if (ended)
         FinishLine();

@@ -31,7 +31,7 @@ int ReadWhenReady(char* buffer, int size, int timeout) {
     if (size < 1 || !InputAvailable(timeout))
         return INPUT_NOTHING;
 
-    const ssize_t count = read(STDIN_FILENO, buffer, static_cast<size_t>(size));
+    const ssize_t count = read(STDIN_FILENO, buffer, size);
     if (count > 0)
         return static_cast<int>(count);
     if (count < 0 && IsPassing(errno))

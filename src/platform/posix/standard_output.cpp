@@ -40,7 +40,7 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
     while (pieces[0].iov_len + pieces[1].iov_len > 0) {
         const ssize_t written = writev(STDOUT_FILENO, pieces.data(), static_cast<int>(pieces.size()));
         if (written >= 0)
-            Advance(&pieces, static_cast<size_t>(written));
+            Advance(&pieces, written);
         else if (errno == EAGAIN || errno == EWOULDBLOCK)
             WaitUntilWritable();
         else if (errno != EINTR)
