@@ -59,6 +59,7 @@ int CountMoves(const Position& pos, const MoveParts& parts, const char* form, Mo
 }
 
 constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+// Sets of squares by the characters that name them.
 constexpr bool IsSquare(const char* text) { return ReadSquare(text) != NO_SQUARE; }
 constexpr uint64_t SquaresOfFile(char c) { return FILE_A << FileIn(c); }
 constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * RankIn(c); }
