@@ -78,7 +78,7 @@ uint64_t SquaresBetween(Square a, Square b) {
 
 void InitializeBitboards() {
     InitializeRankAndFileTables();
-    for (int sq = 0; sq < 64; ++sq)
+    for (Square sq = 0; sq < 64; ++sq)
         InitializeSquare(sq);
     for (int b = 0; b < 64; ++b)
         for (int a = 0; a < 64; ++a)

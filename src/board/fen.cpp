@@ -137,6 +137,7 @@ void StartRecord(Position* pos) {
     pos->game_ply = 0;
 }
 
+// A field that is missing stands for no right and no en passant square.
 void SetPosition(Position* pos, const char* fen) {
     ClearBoard(pos);
     const char* text = ReadBoard(pos, fen);
@@ -146,6 +147,7 @@ void SetPosition(Position* pos, const char* fen) {
     StartRecord(pos);
 }
 
+// The four fields that EPD begins with. The counters of FEN aren't written, since SetPosition doesn't read them.
 void MakeEPD(const Position& pos, char* text) {
     char* out = text;
     for (int rank = 7; rank >= 0; --rank) {

@@ -216,7 +216,7 @@ MoveEntry* PawnMoves(const Position& pos, MoveEntry* list) {
 }
 
 // Attack set of a piece from knight to queen.
-uint64_t AttacksOf(int type, int sq, uint64_t occ) {
+uint64_t AttacksOf(int type, Square sq, uint64_t occ) {
     switch (type) {
         case KNIGHT:
             return BB_KnightRays[sq];

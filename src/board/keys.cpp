@@ -54,7 +54,7 @@ void FillKeyTables() {
 void SetHash(Position* pos) {
     pos->hash = 0;
     pos->pawn_hash = 0;
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const int code = pos->board[sq];
         if (code)
             UpdateHash(pos, SideOf(code), code, sq);

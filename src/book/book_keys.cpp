@@ -37,9 +37,9 @@ struct PieceHash {
 
 constexpr PieceHash kPieceHash = [] {
     PieceHash hash{};
-    for (int side = WHITE; side <= BLACK; ++side)
+    for (Side side = WHITE; side <= BLACK; ++side)
         for (int type = PAWN; type <= KING; ++type)
-            for (int sq = 0; sq < 64; ++sq) {
+            for (Square sq = 0; sq < 64; ++sq) {
                 const int code = PieceCode(side, type);
                 const int i = of2[type] + sq + (side == BLACK ? 64 : 0);
                 hash.first[code][sq] = hasharea[i];
@@ -55,7 +55,7 @@ void UpdatePosHash(const Position& pos) {
     hash2 = 0;
     uint64_t pieces = Occupied(pos);
     while (pieces) {
-        const int sq = PopLSB(&pieces);
+        const Square sq = PopLSB(&pieces);
         const int code = pos.board[sq];
         if (SideOf(code) == pos.stm)
             hash1 ^= kPieceHash.first[code][sq];
@@ -65,7 +65,7 @@ void UpdatePosHash(const Position& pos) {
 }
 
 void FollowPosHash(FollowedGame* game, const Position& pos) {
-    const auto count = [game](int code, int sq) {
+    const auto count = [game](int code, Square sq) {
         game->first[SideOf(code)] ^= kPieceHash.first[code][sq];
         game->second ^= kPieceHash.second[code][sq];
     };
@@ -74,7 +74,7 @@ void FollowPosHash(FollowedGame* game, const Position& pos) {
     uint64_t changed = (game->sets[WHITE] ^ pos.bb[WHITE][0]) | (game->sets[BLACK] ^ pos.bb[BLACK][0]);
     game->sets = {pos.bb[WHITE][0], pos.bb[BLACK][0]};
     while (changed) {
-        const int sq = PopLSB(&changed);
+        const Square sq = PopLSB(&changed);
         count(game->board[sq], sq);
         count(pos.board[sq], sq);
         game->board[sq] = pos.board[sq];

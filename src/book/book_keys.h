@@ -43,7 +43,7 @@ struct FollowedGame {
 void FollowPosHash(FollowedGame* game, const Position& pos);
 
 // `hash1` with the side to move in its highest bit.
-inline uint16_t BookKey(int side) {
+inline uint16_t BookKey(Side side) {
     return static_cast<uint16_t>(side == WHITE ? hash1 | WHITE_KEY : hash1 & (WHITE_KEY - 1));
 }
 

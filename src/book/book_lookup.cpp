@@ -151,7 +151,7 @@ void KillBook() {
 
 bool BookIsThere() { return bkrecnum > 0; }
 
-const BookRecord* FindPosition(int side) {
+const BookRecord* FindPosition(Side side) {
     static BookRecord h;
     if (bkrecnum == 0)
         return nullptr;

@@ -16,7 +16,7 @@ bool BookIsThere();
 
 // The record of the position last given to UpdatePosHash, with `side` to move; null if the book doesn't hold it. Good
 // until the next call.
-const BookRecord* FindPosition(int side);
+const BookRecord* FindPosition(Side side);
 
 // Chooses a book move and leaves it in pv[1] of PBlock, with pv[2] 0; pv[1] is 0 if there is none. `verbose` prints
 // what is considered.

@@ -66,7 +66,7 @@ bool Replace(const char* finished, const char* name) { return RenameFile(finishe
 RecordSource::RecordSource(const char* name) : name_(name), file_(OpenOwnFile(name, "rb")) {
     const int64_t size = file_.Size();
     if (size >= 0)
-        left_ = static_cast<size_t>(size) / sizeof(BookRecord);
+        left_ = size / sizeof(BookRecord);
     else
         sound_ = !FileExists(name) || Fail(name);
 }

@@ -34,7 +34,7 @@ void AppendSquares(std::string* text, const char* title, uint64_t set) {
     *text += '\n';
 }
 
-// `title` is padded to ten characters.
+// Values by side, and what white has more. `title` is padded to ten characters, which leaves the columns aligned.
 void AppendRow(std::string* text, const char* title, const std::array<int16_t, 2>& sums) {
     Append(text, "%-10s %5d    %5d    %5d", title, sums[WHITE], sums[BLACK], sums[WHITE] - sums[BLACK]);
 }
@@ -50,6 +50,7 @@ std::string Surplus(const Position& pos, Side side) {
 
 // The table of the terms; the report's shares don't add up to "pos" exactly, since each is rounded by itself.
 void AppendTerms(std::string* text, const Position& pos, const EvalReport& report) {
+    // Material is summed up without regard to squares; beside it stands who has what in addition.
     *text += "           white    black     diff\n";
     AppendRow(text, "mtl=", report.report_mtl);
     *text += "   (" + Surplus(pos, WHITE) + " :: " + Surplus(pos, BLACK) + ")\n";
@@ -98,6 +99,7 @@ std::string EvalReportText(const Position& pos, const EvalReport& report, int ev
     if (report.report_free_rank[WHITE] > 0 || report.report_free_rank[BLACK] > 0)
         Append(&text, "free pawn ranks are W: %d, B: %d\n", report.report_free_rank[WHITE],
                report.report_free_rank[BLACK]);
+    // The sum comes in its parts twice: by kind of term, and by the squares that it comes from.
     AppendTerms(&text, pos, report);
     AppendBoard(&text, pos, report);
     text += pos.stm == WHITE ? "white\n" : "black\n";

@@ -115,7 +115,7 @@ template <int Side>
 template <int Side, bool Root>
 [[gnu::always_inline]] inline void EvalKing(EvalContext* ctx) {
     constexpr int Enemy = Side ^ 1;
-    const int king = ctx->king_sq[Side];
+    const Square king = ctx->king_sq[Side];
     if (king == NO_SQUARE) [[unlikely]]
         return;
     // A lone rook or two minor pieces don't threaten a king.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "board/position.h"
+#include "interface/words.h"
 #include "platform/narrow.h"
 
 namespace vrel {
@@ -46,14 +46,6 @@ constexpr bool TunedWeightsComeFirst() {
     return true;
 }
 static_assert(TunedWeightsComeFirst());
-
-// Null for a name that is in no row.
-const Weight* FindRow(const char* name) {
-    for (const Weight& weight : kWeights)
-        if (std::strcmp(weight.name, name) == 0)
-            return &weight;
-    return nullptr;
-}
 
 // Reduction in PV nodes: late and small, and never down to the last three plies.
 int ReductionPV(Depth depth, int number) {
@@ -98,20 +90,18 @@ int16_t* TunedWeight(PersonalityRecord* record, int index) {
 }
 
 int16_t* FindWeight(PersonalityRecord* record, const char* name) {
-    const Weight* weight = FindRow(name);
+    const Weight* weight = FindRow(kWeights, name);
     return weight != nullptr ? &(record->*weight->field) : nullptr;
 }
 
 int16_t* FindKeyword(PersonalityRecord* record, const char* name) {
-    const Weight* weight = FindRow(name);
+    const Weight* weight = FindRow(kWeights, name);
     return weight != nullptr && (weight->use & KEYWORD) ? &(record->*weight->field) : nullptr;
 }
 
 int8_t* FindSelectivity(PersonalityRecord* record, const char* name) {
-    for (const Setting& setting : kSelectivity)
-        if (std::strcmp(setting.name, name) == 0)
-            return &(record->*setting.field);
-    return nullptr;
+    const Setting* setting = FindRow(kSelectivity, name);
+    return setting != nullptr ? &(record->*setting->field) : nullptr;
 }
 
 }  // namespace vrel

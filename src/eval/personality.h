@@ -97,8 +97,7 @@ extern PersonalityRecord DefaultPersonality;
 // Sets Personality to its defaults, margins and reduction tables included, and copies it to DefaultPersonality.
 void InitPersonality();
 
-// Number of weights that the gradient descent of the tuner works on.
-// A term of a sum.
+// Number of weights that the gradient descent of the tuner works on: a sum with a term for each row.
 #define VREL_COUNT(name, value, use) +(((use)&DESCENT) != 0)  // NOLINT(bugprone-macro-parentheses)
 inline constexpr int TUNED_WEIGHTS = 0 VREL_WEIGHTS(VREL_COUNT);
 #undef VREL_COUNT

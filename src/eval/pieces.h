@@ -13,7 +13,7 @@ namespace vrel {
 // The box around a king by its square: nine squares in the middle, the king being moved off the rim first.
 constexpr SquareTable MakeKingZones() {
     SquareTable zones{};
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const int file = std::clamp(FileOf(sq), 1, 6);
         const int rank = std::clamp(RankOf(sq), 1, 6);
         const uint64_t row = 7ULL << (file - 1);
@@ -26,7 +26,7 @@ inline constexpr SquareTable kKingZones = MakeKingZones();
 // The file of a king and the files beside it.
 constexpr SquareTable MakeKingFiles() {
     SquareTable files{};
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const uint64_t file = FILE_A << FileOf(sq);
         files[sq] = file | (file & ~FILE_A) >> 1 | (file & ~FILE_H) << 1;
     }
@@ -38,7 +38,7 @@ inline constexpr SquareTable kKingFiles = MakeKingFiles();
 // centre. On other files nothing does.
 constexpr SquareTable MakeTrappers() {
     SquareTable squares{};
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const int file = FileOf(sq);
         const int row = file == 0 ? 0x06 : file == 1 ? 0x04 : file == 6 ? 0x20 : file == 7 ? 0x60 : 0;
         squares[sq] = static_cast<uint64_t>(row) << (8 * RankOf(sq));

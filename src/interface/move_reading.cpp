@@ -1,9 +1,13 @@
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "board/generate.h"
 #include "board/legality.h"
+#include "board/letters.h"
 #include "board/search_thread.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
@@ -11,8 +15,6 @@
 namespace vrel {
 
 namespace {
-
-constexpr uint64_t ALL_SQUARES = ~0ULL;
 
 constexpr unsigned PIECES = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN | 1U << KING;
 constexpr unsigned PROMOTIONS = 1U << KNIGHT | 1U << BISHOP | 1U << ROOK | 1U << QUEEN;
@@ -33,21 +35,22 @@ bool HasParts(const MoveParts& parts, const MoveEntry& entry) {
 }
 
 // Number of legal moves that have the parts and, unless it is null, the text as a form. `result` is the last of them, 0
-// if there is none.
-int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* result) {
+// if there is none. The list is its own, so that the lists of the position's thread stay as they are.
+int CountMoves(const Position& pos, const MoveParts& parts, const char* form, Move* result) {
+    std::array<MoveEntry, MOVE_STACK_RESERVE> list;
     // Only what the parts name is generated, in the order of all moves.
-    const MoveEntry* entry = pos->frames[pos->ply].first;
-    MoveEntry* end = pos->frames[pos->ply].first;
+    MoveEntry* end = list.data();
     if (parts.types >> PAWN & 1)
-        end = GeneratePawnMoves(*pos, pos->stm, end);
+        end = GeneratePawnMoves(pos, pos.stm, end);
     for (int type = KNIGHT; type <= KING; ++type)
         if (parts.types >> type & 1)
-            end = GeneratePieceMoves(*pos, pos->stm, type, parts.to, end);
+            end = GeneratePieceMoves(pos, pos.stm, type, parts.to, end);
+    assert(end <= list.data() + list.size());
     int count = 0;
     *result = NO_MOVE;
-    for (; entry != end; ++entry) {
-        if (!HasParts(parts, *entry) || (form != nullptr && !HasForm(*pos, entry->move, form)) ||
-            !MoveIsLegal(*pos, pos->stm, entry->move))
+    for (const MoveEntry* entry = list.data(); entry != end; ++entry) {
+        if (!HasParts(parts, *entry) || (form != nullptr && !HasForm(pos, entry->move, form)) ||
+            !MoveIsLegal(pos, pos.stm, entry->move))
             continue;
         *result = entry->move;
         ++count;
@@ -56,21 +59,21 @@ int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* re
 }
 
 constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-constexpr bool IsFile(char c) { return c >= 'a' && c <= 'h'; }
-constexpr bool IsRank(char c) { return c >= '1' && c <= '8'; }
-constexpr bool IsSquare(const char* text) { return IsFile(text[0]) && IsRank(text[1]); }
-constexpr uint64_t SquaresOfFile(char c) { return FILE_A << (c - 'a'); }
-constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * (c - '1'); }
-constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & SquaresOfRank(text[1]); }
+// Sets of squares by the characters that name them.
+constexpr bool IsSquare(const char* text) { return ReadSquare(text) != NO_SQUARE; }
+constexpr uint64_t SquaresOfFile(char c) { return FILE_A << FileIn(c); }
+constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * RankIn(c); }
+constexpr uint64_t SquareIn(const char* text) { return Bit(ReadSquare(text)); }
 
 // Bit of the type, 0 if the letter is none of a piece.
 constexpr unsigned TypeOfLetter(char letter) {
     for (int type = PAWN; type <= KING; ++type)
-        if (piece_letters[type] == letter)
+        if (fen_letters[type] == letter)
             return 1U << type;
     return 0;
 }
 
+// Bit of the type that stands on a square; an empty square has none of the bits of a piece.
 unsigned TypeOn(const Position& pos, uint64_t square) { return 1U << TypeOf(pos.board[GetLSB(square)]); }
 
 // ---- Reading by forms ----------------------------------------------------------------------------------------------
@@ -171,6 +174,7 @@ char TakeLast(std::string_view* text, Test test) {
 
 // Splits a text from its end: letter, file, rank, sign, target square, "=", letter of a promotion; all but the square
 // may be missing. False if it isn't made so.
+// What stays open is open: exactly one legal move has to fit in the end.
 bool SplitIntoParts(const Position& pos, std::string_view text, MoveParts* parts) {
     const auto one_of = [](std::string_view set) {
         return [set](char c) { return set.find(c) != std::string_view::npos; };
@@ -202,19 +206,29 @@ bool SplitIntoParts(const Position& pos, std::string_view text, MoveParts* parts
     return true;
 }
 
+// Number of legal moves of the game record that have the text, which is normalised, as a form.
+int CountMatches(char* text, Move* result) {
+    *result = NO_MOVE;
+    const Position& pos = *GamePosition();
+    const size_t length = Normalise(text);
+    MoveParts parts;
+    return PartsOfForm(pos, text, length, &parts) ? CountMoves(pos, parts, text, result) : 0;
+}
+
 }  // namespace
 
 int IsValidMove(char* text, Move* result) {
-    *result = NO_MOVE;
-    Position* pos = GamePosition();
-    const size_t length = Normalise(text);
-    MoveParts parts;
-    if (!PartsOfForm(*pos, text, length, &parts))
-        return 0;
-    const int matches = CountMoves(pos, parts, text, result);
+    const int matches = CountMatches(text, result);
     if (matches == 2)
         Print("ambiguous move\n");
     return matches == 1 ? 1 : 0;
+}
+
+bool NamesMove(std::string_view text) {
+    std::string normalised(text);
+    normalised.push_back('\0');  // room for the "=" of a promotion
+    Move move = NO_MOVE;
+    return CountMatches(normalised.data(), &move) == 1;
 }
 
 bool ReadMoveText(std::string_view text, Move* move, MoveAsRead* read) {
@@ -222,9 +236,9 @@ bool ReadMoveText(std::string_view text, Move* move, MoveAsRead* read) {
     *std::copy(text.begin(), text.end(), read->begin()) = '\0';
     if (IsValidMove(read->data(), move))
         return true;
-    Position* pos = GamePosition();
+    const Position& pos = *GamePosition();
     MoveParts parts;
-    if (!SplitIntoParts(*pos, text.substr(0, text.find('+')), &parts) || CountMoves(pos, parts, nullptr, move) != 1)
+    if (!SplitIntoParts(pos, text.substr(0, text.find('+')), &parts) || CountMoves(pos, parts, nullptr, move) != 1)
         return false;
     WriteCoord(*move, read->data());
     return true;

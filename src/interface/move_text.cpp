@@ -7,6 +7,7 @@
 
 #include "board/attacks.h"
 #include "board/legality.h"
+#include "board/letters.h"
 #include "board/search_thread.h"
 #include "interface/pblock.h"
 
@@ -35,9 +36,6 @@ constexpr char PromotionLetter(Move move) {
                                      : '\0';
 }
 
-constexpr char FileLetter(int sq) { return static_cast<char>('a' + FileOf(sq)); }
-constexpr char RankDigit(int sq) { return static_cast<char>('1' + RankOf(sq)); }
-
 // Text under construction; it stays closed after every step. The longest form has nine characters.
 class Writer {
 public:
@@ -47,7 +45,7 @@ public:
         *end_ = 0;
         return *this;
     }
-    Writer& Square(int sq) { return Put(FileLetter(sq)).Put(RankDigit(sq)); }
+    Writer& Name(Square sq) { return Put(FileLetter(sq)).Put(RankDigit(sq)); }
     // "=Q" and the like.
     Writer& Promotion(Move move) {
         if (const char letter = PromotionLetter(move))
@@ -66,6 +64,7 @@ bool IsCastling(const Position& pos, Move move) {
     return (step == 2 || step == -2) && MoverType(pos, move) == KING;
 }
 
+// The forms differ in what they write for the zero.
 void WriteCastling(Move move, char zero, char* out) {
     Writer text(out);
     text.Put(zero).Put('-').Put(zero);
@@ -73,12 +72,13 @@ void WriteCastling(Move move, char zero, char* out) {
         text.Put('-').Put(zero);
 }
 
+// A pawn that reaches the en passant square takes, whichever pawn it is.
 bool PawnTakes(const Position& pos, Move move) { return pos.board[ToSquare(move)] || ToSquare(move) == pos.ep_square; }
 
 // Other pieces of the mover's kind that attack the to-square, pinned or not. Kings have no rivals.
 uint64_t Rivals(const Position& pos, Move move) {
     const int type = MoverType(pos, move);
-    const int to = ToSquare(move);
+    const Square to = ToSquare(move);
     const uint64_t others = pos.bb[pos.stm][type] & ~Bit(FromSquare(move));
     if (others == 0 || type < KNIGHT || type > QUEEN)
         return 0;
@@ -88,7 +88,7 @@ uint64_t Rivals(const Position& pos, Move move) {
 // What tells a piece from its rivals: one on the same file asks for the rank, one on the same rank for the file; rivals
 // elsewhere go unmarked, and the mark is 0.
 char MarkAmongRivals(const Position& pos, Move move) {
-    const int from = FromSquare(move);
+    const Square from = FromSquare(move);
     const uint64_t rivals = Rivals(pos, move);
     if (rivals & (FILE_A << FileOf(from)))
         return RankDigit(from);
@@ -97,12 +97,12 @@ char MarkAmongRivals(const Position& pos, Move move) {
 
 void WritePieceForm(const Position& pos, Move move, char mark, char* out) {
     Writer text(out);
-    text.Put(piece_letters[MoverType(pos, move)]);
+    text.Put(fen_letters[MoverType(pos, move)]);
     if (mark)
         text.Put(mark);
     if (pos.board[ToSquare(move)])
         text.Put('x');
-    text.Square(ToSquare(move));
+    text.Name(ToSquare(move));
 }
 
 void WriteSan(const Position& pos, Move move, char* out) {
@@ -110,7 +110,7 @@ void WriteSan(const Position& pos, Move move, char* out) {
         Writer text(out);
         if (PawnTakes(pos, move))
             text.Put(FileLetter(FromSquare(move))).Put('x');
-        text.Square(ToSquare(move)).Promotion(move);
+        text.Name(ToSquare(move)).Promotion(move);
     } else if (IsCastling(pos, move)) {
         WriteCastling(move, 'o', out);
     } else {
@@ -118,6 +118,7 @@ void WriteSan(const Position& pos, Move move, char* out) {
     }
 }
 
+// Of a pawn only its captures have this form, "ed"; a piece tells its file, needed or not.
 void WriteFileForm(const Position& pos, Move move, char* out) {
     if (MoverType(pos, move) == PAWN) {
         Writer text(out);
@@ -131,6 +132,7 @@ void WriteFileForm(const Position& pos, Move move, char* out) {
     }
 }
 
+// Pawns have none.
 void WriteRankForm(const Position& pos, Move move, char* out) {
     if (MoverType(pos, move) == PAWN)
         *out = '\0';
@@ -146,7 +148,7 @@ char* MoveToStr(Move move, char* buffer) {
     if (move == NO_MOVE)
         return std::strcpy(buffer, "null");
     Writer text(buffer);
-    text.Square(FromSquare(move)).Square(ToSquare(move));
+    text.Name(FromSquare(move)).Name(ToSquare(move));
     if (PBlock.mode != MODE_UCI)
         text.Promotion(move);
     else if (const char letter = PromotionLetter(move))
@@ -154,15 +156,14 @@ char* MoveToStr(Move move, char* buffer) {
     return buffer;
 }
 
-void WriteCoord(Move move, char* buffer) {
-    Writer(buffer).Square(FromSquare(move)).Square(ToSquare(move)).Promotion(move);
-}
+void WriteCoord(Move move, char* buffer) { Writer(buffer).Name(FromSquare(move)).Name(ToSquare(move)).Promotion(move); }
 
 void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char* file_form, char* rank_form) {
     WriteCoord(move, coord);
     WriteSan(pos, move, san);
     WriteFileForm(pos, move, file_form);
     WriteRankForm(pos, move, rank_form);
+    // Mate gets no sign of its own.
     const MoveEntry entry = {move, pos.board[FromSquare(move)], pos.board[ToSquare(move)], 0, 0};
     if (MoveGivesCheck(pos, pos.stm, entry) == 0)
         return;
@@ -171,6 +172,7 @@ void GenMoveStrings(const Position& pos, Move move, char* coord, char* san, char
 }
 
 bool HasForm(const Position& pos, Move move, const char* text) {
+    // The form that games are written in comes first: most texts end here.
     MoveText form;
     const auto reads_so = [&] { return std::strcmp(form.data(), text) == 0; };
     WriteSan(pos, move, form.data());

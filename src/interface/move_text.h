@@ -13,10 +13,7 @@ using MoveText = std::array<char, MOVE_TEXT>;
 
 // Names of the squares.
 extern const std::array<const char*, 64> tbl;
-inline const char* algbr(int sq) { return tbl[sq & 63]; }
-
-// Letters of standard notation by piece type.
-inline constexpr std::array<char, 8> piece_letters = {' ', 'P', 'N', 'B', 'R', 'Q', 'K', ' '};
+inline const char* algbr(Square sq) { return tbl[sq & 63]; }
 
 // What the protocol in use writes: coordinates, a promotion as "e7e8q" in UCI and "e7e8=Q" in the console; "null" for
 // no move. `buffer` has room for MOVE_TEXT characters. Returns `buffer`.
@@ -34,6 +31,9 @@ bool HasForm(const Position& pos, Move move, const char* text);
 // Reads a move of the game record: 1 if exactly one legal move has the text as one of its forms, else 0. `result` is
 // the last move that matched, 0 if none did. `text` is normalised in place, which may make it one character longer.
 int IsValidMove(char* text, Move* result);
+
+// True if IsValidMove would take the text. It says nothing and leaves the text as it is.
+bool NamesMove(std::string_view text);
 
 // More of a text than this can't be a move, unless a "+" cuts it.
 inline constexpr int LONGEST_READ = 32;

@@ -57,7 +57,7 @@ bool PgnLines::Next() {
     if (at_ == filled_)
         return false;
     const char* begin = block_.data() + at_;
-    const size_t with_end = end != nullptr ? static_cast<size_t>(end - begin) + 1 : filled_ - at_;
+    const size_t with_end = end != nullptr ? end - begin + 1 : filled_ - at_;
     size_t length = end != nullptr ? with_end - 1 : with_end;
     if (end != nullptr && length > 0 && begin[length - 1] == '\r')
         --length;

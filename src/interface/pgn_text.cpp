@@ -8,19 +8,14 @@
 #include <utility>
 
 #include "board/fen.h"
+#include "board/letters.h"
+#include "interface/words.h"
 
 namespace vrel {
 
 namespace {
 
 // ---- Tags ----------------------------------------------------------------------------------------------------------
-
-bool Contains(std::string_view text, std::string_view what) { return text.find(what) != std::string_view::npos; }
-
-std::string_view WithoutBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
 
 // What stands in quotes; nothing if there are none.
 std::string_view Quoted(std::string_view text) {
@@ -39,7 +34,7 @@ std::optional<std::string_view> TagValue(std::string_view line, std::string_view
     const std::string_view rest = line.substr(place + opening.size());
     if (!rest.empty() && !Contains(" \"]", rest.substr(0, 1)))
         return std::nullopt;  // a longer name
-    return WithoutBlanks(Quoted(rest));
+    return Trimmed(Quoted(rest));
 }
 
 // A line in a comment that goes on like a tag does: a name and the quote of its value.
@@ -92,8 +87,6 @@ constexpr std::array<CharacterKind, 256> character_kind = [] {
 }();
 
 CharacterKind KindOf(char c) { return character_kind[static_cast<unsigned char>(c)]; }
-
-bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool IsResult(std::string_view word) { return word == "1-0" || word == "0-1" || word == "1/2-1/2" || word == "*"; }
 
@@ -163,7 +156,7 @@ void PgnReader::ReadLine() {
     at_ = line_.data();
     end_ = at_ + line_.size();
     // A line that another program has left for itself.
-    if (stage_ == TEXT_LINE && braces_ == 0 && WithoutBlanks(line_).starts_with('%'))
+    if (stage_ == TEXT_LINE && braces_ == 0 && Trimmed(line_).starts_with('%'))
         at_ = end_;
 }
 
@@ -253,7 +246,7 @@ bool PgnReader::ReadComment(PgnItem* item) {
     const char* begin = at_;
     at_ = std::find_if(begin, end_, [](char c) { return c == '{' || c == '}'; });
     if (at_ != begin) {
-        text_ = std::string_view(begin, static_cast<size_t>(at_ - begin));
+        text_ = std::string_view(begin, at_ - begin);
         *item = PGN_COMMENT;
         return IsGivenOut();
     }

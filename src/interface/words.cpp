@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cstddef>
 
+#include "board/letters.h"
+
 namespace vrel {
 
 namespace {
@@ -15,8 +17,7 @@ constexpr size_t LONGEST_WORD = 128;
 const char* GetWord(const char* text) {
     assert(text != nullptr);
     static std::array<char, LONGEST_WORD + 1> word;
-    while (*text == ' ')
-        ++text;
+    text = SkipBlanks(text);
     size_t n = 0;
     while (n < LONGEST_WORD && *text != '\0' && *text != '\n' && *text != '\r' && *text != ' ')
         word[n++] = *text++;

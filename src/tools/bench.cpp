@@ -24,7 +24,7 @@ bool PrepareAfresh(const char* fen) {
     return true;
 }
 
-uint64_t RunBench(int depth) {
+uint64_t RunBench(Depth depth) {
     LimitDepth(depth);
     PBlock.noise = SILENT;
     uint64_t total = 0;

@@ -89,6 +89,7 @@ void SearchOnThisThread(int position) {
         PollSearch();
 }
 
+// The whole line, so that what its operations say can be compared with what is found.
 void ShowPosition(int number, const char* line) {
     ShowFormatted("pos= %d", number);
     ShowMessage(line);
@@ -114,6 +115,7 @@ void SearchPosition(int number) {
         SearchOnThisThread(number);
 }
 
+// The error is that of the score as a forecast of the result.
 void AddSearch(Totals* totals, double target) {
     Collect();
     totals->time += PBlock.elapsed;
@@ -123,10 +125,12 @@ void AddSearch(Totals* totals, double target) {
     totals->error += std::fabs(target - ExpectedResult(PBlock.score));
 }
 
+// With a search, what isn't solved is kept for another look; without one, the score alone is of interest.
 void AnalysePosition(Source* source, RecordFile* unsolved, bool timed, Totals* totals) {
     ++totals->positions;
     const double target = source->SetUp();
     PBlock.epd_best = PBlock.max_depth > 0 ? ReadBestMove(source->line()) : NOT_LOOKED_FOR;
+    // Positions of a suite have nothing to do with each other, and their order mustn't matter.
     if (PBlock.max_depth > TABLE_DEPTH)
         ClearTTable();
     if (!IsSilent())
@@ -183,6 +187,7 @@ double Analyze_EPD_File(bool show, bool* complete) {
         Complain("%s: %s", name, FileTrouble());
         return 1.0;
     }
+    // The file of the unsolved may be the suite itself, which is then read to its end all the same.
     RecordFile unsolved(PBlock.max_depth > 0 ? CreateOutput(UNSOLVED, name) : File(), UNSOLVED);
     if (PBlock.max_depth > 0 && !unsolved) {
         Complain("%s: %s", UNSOLVED, FileTrouble());
@@ -191,6 +196,7 @@ double Analyze_EPD_File(bool show, bool* complete) {
     InitEval();
     if (show)
         ShowFormatted("Analyzing %s...", name);
+    // So little is searched that to clear the table would take longer.
     if (PBlock.max_depth <= TABLE_DEPTH)
         PBlock.use_hash = 0;
     Totals totals;

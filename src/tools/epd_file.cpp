@@ -5,8 +5,10 @@
 #include <cstring>
 #include <string_view>
 
+#include "board/letters.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
+#include "interface/words.h"
 
 namespace vrel {
 
@@ -18,14 +20,12 @@ constexpr int TARGET_LENGTH = 7;   // characters of a target that are read
 // A result lies between 0 and 1. Sums and slopes of what lies within these limits stay numbers.
 constexpr double HIGHEST_TARGET = 1e9;
 
-bool IsSpace(char c) { return c == ' ' || c == '\t'; }
-
 // Start of the operand of an operation that stands as a word of its own, null if there is none.
 const char* FindOperand(const char* line, const char* operation) {
     const size_t length = std::strlen(operation);
     for (const char* at = std::strstr(line, operation); at != nullptr; at = std::strstr(at + 1, operation)) {
-        const bool begins_word = at == line || IsSpace(at[-1]) || at[-1] == ';';
-        if (begins_word && IsSpace(at[length]))
+        const bool begins_word = at == line || IsBlankOrTab(at[-1]) || at[-1] == ';';
+        if (begins_word && IsBlankOrTab(at[length]))
             return at + length + 1;
     }
     return nullptr;
@@ -48,7 +48,7 @@ bool EpdFile::ReadWholeLine(char* line, int* length) {
         const char* from = buffer_.data() + next_;
         const char* end = static_cast<const char*>(std::memchr(from, '\n', filled_ - next_));
         ended = end != nullptr;
-        const size_t taken = ended ? static_cast<size_t>(end - from) + 1 : filled_ - next_;
+        const size_t taken = ended ? end - from + 1 : filled_ - next_;
         const size_t kept = std::min(taken, static_cast<size_t>(EPD_LINE - 1 - n));
         std::replace_copy(from, from + kept, line + n, '\0', ' ');
         n += static_cast<int>(kept);
@@ -81,12 +81,8 @@ Move ReadBestMove(const char* line) {
     const char* operand = FindOperand(line, "bm");
     if (operand == nullptr)
         return NO_MOVE;
-    std::string_view text(operand, std::strcspn(operand, ";"));
-    while (!text.empty() && IsSpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && IsSpace(text.back()))
-        text.remove_suffix(1);
-    if (std::any_of(text.begin(), text.end(), IsSpace))
+    std::string_view text = Trimmed({operand, std::strcspn(operand, ";")}, " \t");
+    if (std::any_of(text.begin(), text.end(), IsBlankOrTab))
         return NO_MOVE;
     text = text.substr(0, text.find_first_of("!?#"));
     MoveAsRead read;

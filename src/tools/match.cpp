@@ -28,13 +28,15 @@ namespace {
 
 constexpr const char* PLAYER_FILE = "player2.par";
 constexpr int GAMES = 8000;
-constexpr int BOOK_PLIES = 12;
-constexpr int POLL_INTERVAL = 16;  // moves between looks at the input
-constexpr int DECIDED_SCORE = 900;
+constexpr int BOOK_PLIES = 12;      // from here on both play by themselves, whatever the book knows
+constexpr int POLL_INTERVAL = 16;   // moves between looks at the input
+constexpr int DECIDED_SCORE = 900;  // centipawns that nobody loses any more
 constexpr int FIFTY_LIMIT = 100;
 
 using Players = std::array<PersonalityRecord, 2>;
 
+// It is the nodes that limit a move, so that a match is the same on a slow machine. Their number is drawn for each
+// match, so that two of the same players aren't the same games.
 void ApplySettings() {
     PBlock.book_random = 100;
     PBlock.noise = SILENT;
@@ -50,6 +52,7 @@ void ApplySettings() {
 void FindMove(Position* pos, const PersonalityRecord& player) {
     GetElapsedTime(0);
     InitSearch(STATE_IDLE);
+    // The tables that follow from the weights are only built where they are needed: a book move needs none.
     Personality = player;
     if (pos->game_ply < BOOK_PLIES) {
         GetCandidates(pos, false);
@@ -66,15 +69,13 @@ void FindMove(Position* pos, const PersonalityRecord& player) {
 }
 
 // What ends the game before the move found is made. False if it goes on.
-bool Adjudicate(const Position& pos, const SearchResult& found, MatchResult* result) {
-    const MatchResult won = pos.stm == WHITE ? WHITE_WINS : BLACK_WINS;
-    const MatchResult lost = pos.stm == WHITE ? BLACK_WINS : WHITE_WINS;
+bool Adjudicate(const Position& pos, const SearchResult& found, Winner* winner) {
     if (found.score < -DECIDED_SCORE)
-        *result = lost;
+        *winner = pos.stm == WHITE ? BLACK_WON : WHITE_WON;
     else if (found.score > DECIDED_SCORE)
-        *result = won;
+        *winner = pos.stm == WHITE ? WHITE_WON : BLACK_WON;
     else if (pos.fifty > FIFTY_LIMIT || found.best == NO_MOVE)
-        *result = DRAWN;
+        *winner = NOBODY_WON;
     else
         return false;
     return true;
@@ -86,7 +87,8 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
     SetPosition(pos, fen_opn);
     game->white = std::rand() & 1;
     game->count = 0;
-    game->result = DRAWN;
+    game->winner = NOBODY_WON;
+    // What one player has found mustn't serve the other.
     PBlock.use_hash = 0;
     ClearTTable();
     // A game that the record can't hold is a draw.
@@ -98,7 +100,7 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
         if (PBlock.quit)
             return false;
         Collect();
-        const bool over = Adjudicate(*pos, found, &game->result);
+        const bool over = Adjudicate(*pos, found, &game->winner);
         RecordMove(game, found.best, found.score, found.depth);
         if (over)
             break;
@@ -107,6 +109,7 @@ bool PlayGame(const Players& players, MatchGame* game, int* moves_played) {
     return true;
 }
 
+// Results from the view of the first player: wins, losses, draws, the share of points and how far it may be off.
 void ShowScore(const MatchScore& score, int games) {
     const double rate = MatchRate(score, games);
     ShowFormatted("%4d games,  %3d %3d %3d  %0.3f (+/- %0.3f) %c", games, score.wins, score.losses, score.draws, rate,
@@ -116,6 +119,7 @@ void ShowScore(const MatchScore& score, int games) {
 }  // namespace
 
 bool PlayMatch() {
+    // The first player is the engine as it is; what is tried out is the second.
     Players players = {DefaultPersonality, DefaultPersonality};
     if (!ReadPlayerFile(PLAYER_FILE, &players[1]))
         return false;

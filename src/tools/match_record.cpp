@@ -15,13 +15,11 @@ constexpr int FEWEST_GAMES = 200;  // up to here a rate tells nothing
 
 const char* PlayerName(int player) { return player == 0 ? "Player1" : "Player2"; }
 
-const char* ResultText(MatchResult result) {
-    return result == WHITE_WINS ? "1-0" : result == BLACK_WINS ? "0-1" : "1/2-1/2";
-}
+const char* ResultText(Winner winner) { return winner == WHITE_WON ? "1-0" : winner == BLACK_WON ? "0-1" : "1/2-1/2"; }
 
 }  // namespace
 
-void RecordMove(MatchGame* game, Move move, int score, int depth) {
+void RecordMove(MatchGame* game, Move move, int score, Depth depth) {
     assert(game->count < MATCH_MOVES);
     MatchMove& entry = game->moves[game->count++];
     entry.text.fill(0);
@@ -31,9 +29,9 @@ void RecordMove(MatchGame* game, Move move, int score, int depth) {
 }
 
 void CountResult(const MatchGame& game, MatchScore* score) {
-    if (game.result == DRAWN)
+    if (game.winner == NOBODY_WON)
         ++score->draws;
-    else if ((game.result == WHITE_WINS) == (game.white == 0))
+    else if ((game.winner == WHITE_WON) == (game.white == 0))
         ++score->wins;
     else
         ++score->losses;
@@ -62,7 +60,7 @@ std::string GameText(const MatchGame& game) {
     std::string text = "[Event selfplay]\n[Game " + std::to_string(game.number) + "]\n";
     text += std::string("[White \"") + PlayerName(game.white) + "\"]\n";
     text += std::string("[Black \"") + PlayerName(game.white ^ 1) + "\"]\n";
-    text += std::string("[Result \"") + ResultText(game.result) + "\"]\n";
+    text += std::string("[Result \"") + ResultText(game.winner) + "\"]\n";
     for (int i = 0; i < game.count; ++i) {
         const MatchMove& move = game.moves[i];
         const bool black = i & 1;

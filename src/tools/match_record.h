@@ -5,6 +5,7 @@
 #include <string>
 
 #include "board/position.h"
+#include "interface/pgn_text.h"
 
 // What a self-play match keeps of a game, and its statistics.
 namespace vrel {
@@ -17,12 +18,10 @@ struct MatchMove {
     int16_t depth;
 };
 
-enum MatchResult : int { WHITE_WINS, BLACK_WINS, DRAWN };
-
 struct MatchGame {
     int number = 1;
     int white = 0;  // the player with the white pieces: 0 or 1
-    MatchResult result = DRAWN;
+    Winner winner = NOBODY_WON;
     int count = 0;
     std::array<MatchMove, MATCH_MOVES> moves;
 };
@@ -34,7 +33,7 @@ struct MatchScore {
     int draws = 0;
 };
 
-void RecordMove(MatchGame* game, Move move, int score, int depth);
+void RecordMove(MatchGame* game, Move move, int score, Depth depth);
 void CountResult(const MatchGame& game, MatchScore* score);
 
 // Tells games apart by their moves.

@@ -76,7 +76,7 @@ Opening Grow(Position* pos, Opening opening, int length, int number, Dice* dice)
     return opening;
 }
 
-bool IsBalanced(int depth) {
+bool IsBalanced(Depth depth) {
     LimitDepth(depth);
     InitSearch(STATE_IDLE);
     SearchHere();

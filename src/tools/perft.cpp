@@ -12,7 +12,7 @@ namespace vrel {
 namespace {
 
 // The leaves below a node, whose moves are all generated and tested; the last ply is counted without being made.
-uint64_t CountLeaves(Position* pos, int side, int ply, int depth) {
+uint64_t CountLeaves(Position* pos, Side side, Ply ply, Depth depth) {
     assert(depth >= 1 && pos->ply == ply && pos->stm == side);
     GenerateAll(pos);
     const bool in_check = SqAtakd(*pos, KingSquare(*pos, side), side ^ 1);
@@ -36,7 +36,8 @@ uint64_t CountLeaves(Position* pos, int side, int ply, int depth) {
 
 }  // namespace
 
-void Perft(SearchThread* thread, int side, int ply, int depth) {
+// At depth 0 the root itself would be a leaf, which nobody wants counted.
+void Perft(SearchThread* thread, Side side, Ply ply, Depth depth) {
     if (depth >= 1)
         thread->nodes.Add(CountLeaves(&thread->pos, side, ply, depth));
 }

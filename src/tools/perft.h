@@ -5,6 +5,6 @@
 namespace vrel {
 
 // Adds the leaves of the legal move tree to the nodes of the thread; a depth below 1 counts nothing.
-void Perft(SearchThread* thread, int side, int ply, int depth);
+void Perft(SearchThread* thread, Side side, Ply ply, Depth depth);
 
 }  // namespace vrel

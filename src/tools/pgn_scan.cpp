@@ -139,7 +139,7 @@ private:
 }  // namespace
 
 bool Scan_PGN_File(const char* file, int kind) {
-    assert(kind >= 1 && kind <= SCAN_KINDS);
+    assert(kind >= 1 && kind <= ScanKinds());
     const char* output = scan_kinds[kind - 1].output;
     File in(file, "r");
     if (!in) {

@@ -28,6 +28,7 @@ bool ReadValue(const std::string& word, Field* value) {
     return true;
 }
 
+// Says what differs from the default, so that a match shows which players it was between.
 template <typename Field>
 bool ChangeField(const std::string& name, const std::string& word, Field* field) {
     const Field old = *field;
@@ -55,6 +56,7 @@ const char* ReadPlayerLine(const std::string& line, PersonalityRecord* record) {
 
 }  // namespace
 
+// A match between the wrong players would be worth nothing, so that one bad line ends it.
 bool ReadPlayerFile(const char* file, PersonalityRecord* record) {
     if (!FileExists(file))
         return true;

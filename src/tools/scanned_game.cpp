@@ -142,18 +142,20 @@ bool WritePosition(std::string* out, const ScannedGame& game, int i, const Posit
     return true;
 }
 
-}  // namespace
-
-const std::array<ScanKind, SCAN_KINDS> scan_kinds = {{
+constexpr ScanKind kinds[] = {
     {"-scan_pgn1", "FILE\tlist the games of a PGN file with their doubtful moves, in tmp.pgn", "tmp.pgn",
      WriteListedMove, true, ANY_SCORE, 0},
     {"-scan_pgn2", "FILE\twrite training positions from a PGN file, in tmp.epd", "tmp.epd", WriteTarget, false,
      ANY_SCORE, 1},
     {"-scan_pgn3", "FILE\tthe same without results", "tmp.epd", WritePosition, false, DECIDED_SCORE, 0},
-}};
+};
+
+}  // namespace
+
+const std::span<const ScanKind> scan_kinds = kinds;
 
 int ProcessGame(ScannedMove* moves, int count, int kind, int winner, std::string* text) {
-    assert(kind >= 1 && kind <= SCAN_KINDS);
+    assert(kind >= 1 && kind <= ScanKinds());
     const ScanKind& row = scan_kinds[kind - 1];
     Position* pos = GamePosition();
     PBlock.noise = SILENT;

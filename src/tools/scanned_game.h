@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "board/position.h"
@@ -39,8 +40,8 @@ struct ScanKind {
     int decided_score;  // centipawns; behind a move with a score beyond it the game ends
     int8_t max_depth;   // left in PBlock
 };
-inline constexpr int SCAN_KINDS = 3;
-extern const std::array<ScanKind, SCAN_KINDS> scan_kinds;
+extern const std::span<const ScanKind> scan_kinds;
+inline int ScanKinds() { return static_cast<int>(scan_kinds.size()); }
 
 // Replays a game from the position on the game record up to its end or its first unreadable move, and adds what the
 // kind asks for to `text`. The result is the number of positions to learn from.

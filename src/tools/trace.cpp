@@ -26,7 +26,7 @@ constexpr const char* kTraceName = "trace.txt";
 constexpr const char* COLUMN = "         ";
 
 // Siblings line up under each other, one column a ply.
-void StartLine(int ply) {
+void StartLine(Ply ply) {
     out.WriteText("\n");
     for (int i = 1; i < ply; ++i)
         out.WriteText(COLUMN);
@@ -50,10 +50,10 @@ void TraceMove(const Position& pos, Move move) {
             std::_Exit(0);
         }
     }
-    const int ply = pos.ply;
+    const Ply ply = pos.ply;
     if (ply > PBlock.trace)
         return;
-    const int depth = ThreadOf(pos)->depth;
+    const Depth depth = ThreadOf(pos)->depth;
     if (depth > last_depth)
         out.Print("\n\nSEARCH DEPTH= %d\n", depth);
     if (ply <= last_ply)

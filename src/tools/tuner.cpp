@@ -21,6 +21,7 @@ namespace vrel {
 
 namespace {
 
+// A step is so many times the slope, in proportion to the weight, but no longer than what the slope was taken over.
 constexpr double GAIN = 4000.0;
 constexpr double OFFSET = 0.51;  // keeps small weights moving
 constexpr double RELATIVE_STEP = 0.02;
@@ -32,12 +33,14 @@ using Vector = std::array<double, TUNED_WEIGHTS>;
 // "tune.log" while a tuning runs.
 File fdtune;
 
+// A descent goes on with fractions; the evaluation knows whole centipawns.
 int16_t NearestWeight(double value) {
     constexpr double low = std::numeric_limits<int16_t>::min();
     constexpr double high = std::numeric_limits<int16_t>::max();
     return static_cast<int16_t>(static_cast<int>(std::clamp(std::round(value), low, high)));
 }
 
+// What the log holds is seen on the way, too.
 void WriteBoth(const std::string& text) {
     Print("%s", text.c_str());
     fdtune.WriteText(text.c_str());
@@ -69,6 +72,7 @@ void ImproveWeight(int index, double e0, double* x) {
     *weight = NearestWeight(p + std::round(d));
     const int p1 = *weight;
     const double e1 = Analyze_EPD_File(false);
+    // Slopes of a pass are all taken at the same place.
     *weight = p;
     if (PBlock.quit)
         return;
@@ -124,6 +128,7 @@ struct Bracket {
 // A value on the wider side of the best one.
 int Probe(const Bracket& b) { return b.max - b.best >= b.best - b.min ? (b.best + b.max) / 2 : (b.best + b.min) / 2; }
 
+// A better value becomes the middle, and the old one a bound; a worse one is a bound itself.
 void Shrink(Bracket* b, int probe, double error) {
     if (error < b->error) {
         (probe < b->best ? b->max : b->min) = b->best;

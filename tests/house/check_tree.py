@@ -30,8 +30,10 @@ def faults_of(root, path):
         yield f"{path}: stands in no folder of the list"
         return
     text = (root / path).read_text(encoding="utf-8")
-    for header in re.findall(r'^\s*#\s*include\s+"([^"]+)"', text, re.M):
-        if not (root / header).is_file() or layer(header) is None or layer(header) > layer(path):
+    # In quotes or not, whatever comment stands around it: what the tree has by that name is looked at.
+    for opening, header in re.findall(r'#\s*include\b[^\n"<]*(["<])([^\n">]+)[">]', text):
+        known = (root / header).is_file()
+        if (opening == '"' and not known) or (known and (layer(header) is None or layer(header) > layer(path))):
             yield f"{path}: may not include {header}"
 
 

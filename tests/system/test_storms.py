@@ -29,7 +29,7 @@ OTHERS = ENDING + ["setoption name MultiPV value {m}", "setoption name Communica
 CONSOLE = ["go {d}", "an", "an", ".", ".", "mv", "self", "ev", "bd", "swap", "perft 2", "book", "mkbook", "tune hung 9",
            "set SE {m}", "set", "undo", "]", "jump {d}", "load book.pgn {d}", "save", "get one", "new", "force", "tag",
            "depth {d}", "time 1", "level 1 0.{d} 0", "noise 0", "hash {m}", "multipv {m}", "ponder 0", "debug 1",
-           "debug 0", "trace 2", "trace 0", "lmr", "e4", "e5", "move Nf3", "edit\n#\nw Ke1\n.",
+           "debug 0", "mistyped", "trace 2", "trace 0", "lmr", "e4", "e5", "move Nf3", "edit\n#\nw Ke1\n.",
            "fen 8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -"]
 
 
@@ -111,10 +111,11 @@ class Storm:
         self.sent = self.doubtful = 0
 
     def console(self, rounds):
-        """The commands of the console: after any of them the next are still handled."""
+        """The commands of the console: after any of them the next are still handled, once what they wait for has ended."""
         for i in range(rounds):
             for _ in range(self.random.randint(1, 8)):
                 self.send(self.random.choice(CONSOLE))
+            self.send(".")  # some wait for an analysis, which may have no end of its own
             self.send(f"level 1 {1000 + i} 0")
             self.program.wait_for(f"set level to 1 moves in {1000 + i}.00")
             self.send("level 1 0.1 0")

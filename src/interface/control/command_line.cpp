@@ -5,6 +5,7 @@
 #include "interface/control/options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
+#include "interface/words.h"
 #include "tools/bench.h"
 #include "tools/scanned_game.h"
 
@@ -12,7 +13,7 @@ namespace vrel {
 
 namespace {
 
-constexpr int OPENINGS = 1000;
+constexpr int OPENINGS = 1000;  // unless a number is named
 constexpr int MOST_OPENINGS = 100000;
 
 // The words that haven't been read.
@@ -20,10 +21,12 @@ struct Words {
     int count;
     char** next;
 
+    // The next word; there has to be one.
     const char* Take() {
         --count;
         return *next++;
     }
+    // A number is optional: what doesn't look like one is the next option.
     bool NumberIsNext() const { return count > 0 && (*next)[0] >= '0' && (*next)[0] <= '9'; }
     int TakeNumber(int lowest, int highest, int otherwise) {
         return NumberIsNext() ? ReadInteger(Take(), lowest, highest) : otherwise;
@@ -37,6 +40,7 @@ void TakeFile(Words* words, std::array<char, FILE_NAME>* field, CommandLine* lin
         line->fault = std::string(name) + ": path longer than " + std::to_string(FILE_NAME - 1) + " characters";
 }
 
+// The same time for each move.
 void FixTime(double seconds) {
     PBlock.level_moves = 1;
     PBlock.level_time = seconds;
@@ -47,12 +51,14 @@ void TakeScan(Words* words, CommandLine* line, int kind) {
     line->scan_kind = kind;
 }
 
+// The two columns of the help page.
 void ShowUsage(const char* name, const char* help) {
     const int width = static_cast<int>(std::strcspn(help, "\t"));
     const std::string usage = name + std::string(" ") + std::string(help, help + width);
     Print("  %-26s%s\n", usage.c_str(), help + width + 1);
 }
 
+// A word that the command line knows. It takes further words by itself.
 struct Option {
     const char* name;
     bool takes_word;   // which has to be there
@@ -60,6 +66,7 @@ struct Option {
     void (*apply)(Words* words, CommandLine* line);
 };
 
+// In the order of the help page.
 constexpr Option options[] = {
     {"-uci", false, "\tspeak UCI (the default)", [](Words*, CommandLine*) { PBlock.mode = MODE_UCI; }},
     {"-c", false, "\tconsole: commands for a person at the keyboard",
@@ -93,7 +100,7 @@ constexpr Option options[] = {
          TakeFile(words, &PBlock.epd_file, line);
          line->analyse_epd = true;
      }},
-    {nullptr, true, nullptr, nullptr},  // the place of the kinds of scans
+    {nullptr, true, nullptr, nullptr},  // the place of the kinds of scans, which have a table of their own
     {"-match", true, "FILE\tplay a match of the engine against itself, its games into the file",
      [](Words* words, CommandLine* line) {
          TakeFile(words, &line->file, line);
@@ -117,16 +124,10 @@ constexpr Option options[] = {
     {"--version", false, "\tname and version", [](Words*, CommandLine* line) { line->version = true; }},
 };
 
-const Option* Find(const char* word) {
-    for (const Option& option : options)
-        if (option.name != nullptr && std::strcmp(word, option.name) == 0)
-            return &option;
-    return nullptr;
-}
-
 // The kind of scan that a word asks for, 0 if it asks for none.
 int FindScanKind(const char* word) {
-    for (int kind = 1; kind <= SCAN_KINDS; ++kind)
+    // Kinds are counted from 1, as they are named.
+    for (int kind = 1; kind <= ScanKinds(); ++kind)
         if (std::strcmp(word, scan_kinds[kind - 1].option) == 0)
             return kind;
     return 0;
@@ -139,8 +140,9 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     Words words = {argc - 1, argv + 1};
     while (words.count > 0) {
         const char* word = words.Take();
-        const Option* option = Find(word);
+        const Option* option = FindRow(options, word);
         const int scan_kind = FindScanKind(word);
+        // A later word wins over an earlier one.
         if (option != nullptr && words.count >= (option->takes_word ? 1 : 0))
             option->apply(&words, &line);
         else if (scan_kind != 0 && words.count > 0)
@@ -152,6 +154,7 @@ CommandLine ReadCommandLine(int argc, char** argv) {
 void ShowCommandLineHelp() {
     Print("%s, a chess engine. Chess interfaces start it and talk UCI to it; vrel -c talks to a person.\n\n", version);
     Print("usage: vrel [OPTION...]\n\n");
+    // Second names aren't told, and the scans stand where their place is kept.
     for (const Option& option : options) {
         if (option.help != nullptr)
             ShowUsage(option.name, option.help);

@@ -9,6 +9,7 @@
 
 #include "board/exchange.h"
 #include "board/fen.h"
+#include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
 #include "book/book_build.h"
@@ -17,6 +18,7 @@
 #include "interface/board_text.h"
 #include "interface/control/console_game.h"
 #include "interface/control/edit.h"
+#include "interface/control/game_loop.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
@@ -34,13 +36,15 @@ namespace vrel {
 
 namespace {
 
+// No command has more than four words; what is beyond these counts is dropped without a word.
 constexpr size_t MOST_WORDS = 10;
 constexpr size_t LONGEST_WORD = 127;
+// Times are kept within what sums and products of them can hold.
 constexpr int MOST_SECONDS = 1000000000;
 constexpr int MOST_MINUTES = MOST_SECONDS / 60;
 constexpr double LONGEST_TIME = MOST_SECONDS;
-constexpr double ANALYSIS_TIME = 99999.0;  // seconds
-constexpr int DEEPEST_PERFT = 20;
+constexpr double ANALYSIS_TIME = 99999.0;  // seconds: more than a day
+constexpr int DEEPEST_PERFT = 20;          // plies
 
 // A line split at blanks; words that aren't there are empty.
 struct Command {
@@ -48,6 +52,7 @@ struct Command {
     std::array<std::string, MOST_WORDS> words;
     bool cut = false;  // a word is longer than what is kept of it
 
+    // Words are counted from 1, the name of the command. A number that isn't there, or is none, is 0.
     const char* Word(size_t number) const { return words[number - 1].c_str(); }
     int Integer(size_t number, int lowest, int highest) const { return ReadInteger(Word(number), lowest, highest); }
     double Real(size_t number) const { return ReadReal(Word(number), -LONGEST_TIME, LONGEST_TIME); }
@@ -56,7 +61,7 @@ struct Command {
 Command Split(const char* line) {
     Command command{line, {}};
     for (std::string& word : command.words) {
-        line += std::strspn(line, " ");
+        line = SkipBlanks(line);
         const size_t length = std::strcspn(line, " ");
         word.assign(line, std::min(length, LONGEST_WORD));
         command.cut = command.cut || length > LONGEST_WORD;
@@ -65,43 +70,38 @@ Command Split(const char* line) {
     return command;
 }
 
-void SetClocks(double seconds) {
-    SearchLimits limits = LimitsInForce();
-    limits.clock = {seconds, seconds};
-    SetLimits(limits);
-}
-
+// The engine plays no side until it is told to think again.
 void NewGame(const Command&) {
     StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), fen_opn);
     ShowBoard(*GamePosition());
     computer = 2;
-    SetClocks(PBlock.level_time);
+    ResetClocks();
 }
 
+// The text begins at the fifth character, where a further blank would end the board before it has begun.
 void SetFen(const Command& command) {
     StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), std::strlen(command.line) > 4 ? command.line + 4 : "");
     ShowBoard(*GamePosition());
 }
 
+// The dialogue takes its lines itself, and the board is shown as it leaves it.
 void Edit(const Command&) {
     StopSearch(STOP_COMMAND);
     EditBoard();
     ShowBoard(*GamePosition());
 }
 
+// The search still ends with a report, but `time` has no clock to set any more.
 void Force(const Command&) {
     StopSearch(STOP_COMMAND);
     computer = 2;
 }
 
-void Quit(const Command&) {
-    StopSearch(STOP_COMMAND);
-    PBlock.quit = 1;
-}
-
-void Analyse(int depth) {
+// Searches for the sake of the score. What an earlier analysis has left in the table would show in this one's lines, so
+// the table starts empty, unless it is to be kept.
+void Analyse(Depth depth) {
     SearchLimits limits = LimitsInForce();
     limits.level_moves = 1;
     limits.level_time = ANALYSIS_TIME;
@@ -111,8 +111,9 @@ void Analyse(int depth) {
     RequestSearch(STATE_ANALYSING, limits);
 }
 
+// Without a depth it is 0, where nothing but captures is looked at; one that makes no sense is no limit.
 void AnalyseToDepth(const Command& command) {
-    const int depth = command.Integer(2, -1, MAX_DEPTH);
+    const Depth depth = command.Integer(2, -1, MAX_DEPTH);
     Analyse(depth >= 0 && depth < MAX_DEPTH ? depth : MAX_DEPTH);
 }
 
@@ -122,11 +123,13 @@ void AnalyseWithoutLimit(const Command&) {
     computer = 2;
 }
 
+// Searches as in a game, within the level's time. The move is told and not played.
 void Think(const Command&) {
     computer = GamePosition()->stm;
     RequestSearch(STATE_THINKING);
 }
 
+// Each report plays its move and asks for the next search, until the game is over.
 void PlaySelf(const Command&) {
     RequestSearch(STATE_THINKING);
     PBlock.ponder = 0;
@@ -141,6 +144,7 @@ double ReadLevelTime(const char* text) {
     return ReadInteger(text, -MOST_MINUTES, MOST_MINUTES) * 60.0 + ReadInteger(colon + 1, -MOST_SECONDS, MOST_SECONDS);
 }
 
+// A level of 40 moves in 300 seconds gives both sides all of that time at once.
 void SetLevel(const Command& command) {
     SearchLimits limits = LimitsInForce();
     limits.level_moves = command.Integer(2, INT8_MIN, INT8_MAX);
@@ -154,6 +158,7 @@ void SetLevel(const Command& command) {
 
 void SetDepth(const Command& command) { LimitDepth(command.Integer(2, 0, MAX_DEPTH)); }
 
+// The clock of the side that the engine was last told to think for, if there is one.
 void SetTime(const Command& command) {
     SearchLimits limits = LimitsInForce();
     if (computer == WHITE || computer == BLACK)
@@ -161,9 +166,11 @@ void SetTime(const Command& command) {
     SetLimits(limits);
 }
 
+// What an exchange on each occupied square would bring the side that doesn't own the piece there. Where nobody gains
+// anything nothing is shown.
 void ShowSwaps(const Command&) {
     const Position& game = *GamePosition();
-    for (int sq = 0; sq < 64; ++sq) {
+    for (Square sq = 0; sq < 64; ++sq) {
         const int code = game.board[sq];
         if (code == 0)
             continue;
@@ -173,7 +180,8 @@ void ShowSwaps(const Command&) {
     }
 }
 
-// Keeps the moves that have been taken back while a command makes moves of its own on the game record.
+// Keeps the moves that have been taken back while a command makes moves of its own on the game record. Behind them `]`
+// would otherwise find moves that were never played. No such command goes deeper than perft.
 class MovesAhead {
 public:
     explicit MovesAhead(Position* game) : next_(game->undo + game->game_ply) {
@@ -188,6 +196,7 @@ private:
     UndoRecord* next_;
 };
 
+// The leaves are counted on the game record, whose counter InitSearch clears.
 void RunPerft(const Command& command) {
     SearchThread* game = GetThread(0);
     const MovesAhead ahead(&game->pos);
@@ -200,18 +209,21 @@ void RunPerft(const Command& command) {
                   nodes / (PBlock.elapsed + 0.001));
 }
 
+// The look-up makes every move of the position to see what the book says of it.
 void ShowBook(const Command&) {
     const MovesAhead ahead(GamePosition());
     GetCandidates(GamePosition(), true);
     ShowMessage("");
 }
 
+// A name that isn't known, or none, sets everything back, the weights of the evaluation as well.
 void SetSelectivity(const Command& command) {
     const char* name = command.Word(2);
     if (int8_t* field = FindSelectivity(&Personality, name)) {
         *field = static_cast<int8_t>(command.Integer(3, INT8_MIN, INT8_MAX));
         ShowFormatted("%s set to %d", name, *field);
     } else if (std::strcmp(name, "ss_off") == 0) {
+        // Some prune up to a depth, which is none at 0; others from one on, which 99 puts out of reach.
         Personality.SE = Personality.RP_depth = Personality.CNP_depth = Personality.LMP_depth = 0;
         Personality.NMP_depth = Personality.LMR_depth = 99;
         ShowMessage("selectivity set to OFF");
@@ -221,6 +233,7 @@ void SetSelectivity(const Command& command) {
     }
 }
 
+// Depth and noise stay as the tuner needs them, for further weights. An unknown name is done at once.
 void TuneOne(const Command& command) {
     const char* name = command.Word(2);
     if (*name == '\0' || *command.Word(3) == '\0')
@@ -233,6 +246,7 @@ void TuneOne(const Command& command) {
     ShowMessage("done!\n");
 }
 
+// Sets a plain field of the control record to the second word, within what the field holds.
 template <typename T>
 void SetField(Relaxed<T>* field, const Command& command) {
     *field = static_cast<T>(command.Integer(2, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
@@ -245,12 +259,14 @@ void MakeBook(const Command&) {
 
 void ShowHelp(const Command&);
 
+// A command: its name, its line of the help page, what it needs of a running search, and what it does.
 struct Entry {
     const char* name;
     const char* help;  // how it is written, a tab, what it does; null for another name of the command before
     Need need;
     void (*run)(const Command&);
     bool shows_board = false;  // in whose place `debug` puts the evaluation report, which needs a free engine
+    size_t move_word = 0;      // which word has to name a move, without which nothing is done; 0 for none
 };
 
 // In the order in which they are tested, up to the one that is matched as a part of the word.
@@ -258,7 +274,7 @@ constexpr Entry commands[] = {
     {"new", "new\tstart position", ENDS_SEARCH, NewGame},
     {"fen", "fen TEXT\tset up a position", ENDS_SEARCH, SetFen},
     {"force", "force\tend a search, play no side", ENDS_SEARCH, Force},
-    {"quit", "quit\tend the program", ENDS_PROGRAM, Quit},
+    {"quit", "quit\tend the program", ENDS_PROGRAM, [](const Command&) { EndProgram(); }},
     {"go", "go DEPTH\tanalyse to a depth", FREE_ENGINE, AnalyseToDepth},
     {"an", "an\tanalyse without a limit", FREE_ENGINE, AnalyseWithoutLimit},
     {".", ".\tend the search", AT_ONCE, [](const Command&) { StopSearch(STOP_COMMAND); }},
@@ -287,6 +303,7 @@ constexpr Entry commands[] = {
      [](const Command& command) { SetField(&PBlock.debug, command); }},
 };
 
+// Whatever holds the name is this command, so it can't be looked up with the others.
 constexpr Entry several_lines = {"multipv", "multipv N\tnumber of lines shown", NO_TOOL,
                                  [](const Command& command) { SetField(&PBlock.multipv, command); }};
 
@@ -313,12 +330,14 @@ constexpr Entry later_commands[] = {
     {"swap", "swap\tshow the exchanges on the board", BESIDE, ShowSwaps},
     {"help", "help\tthis page", BESIDE, ShowHelp},
     {"move", "move MOVE\tplay a move; the word alone will do: Nf3, e2e4, exd5, O-O", ENDS_SEARCH,
-     [](const Command& command) { PlayMoveText(command.Word(2)); }, true},
+     [](const Command& command) { PlayMoveText(command.Word(2)); }, true, 2},
 };
 
-constexpr Entry any_other = {"", nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
-                             true};
+// A line that no command claims is tried as a move, so that a game can be typed in as it stands in a book.
+constexpr Entry any_other = {"",   nullptr, ENDS_SEARCH, [](const Command& command) { PlayMoveText(command.Word(1)); },
+                             true, 1};
 
+// Two columns, the second from the tab on. A second name has no line of its own.
 void ShowHelpOf(const Entry& entry) {
     if (entry.help == nullptr)
         return;
@@ -334,29 +353,27 @@ void ShowHelp(const Command&) {
         ShowHelpOf(entry);
 }
 
-template <size_t N>
-const Entry* Find(const Entry (&table)[N], const std::string& word) {
-    for (const Entry& entry : table)
-        if (word == entry.name)
-            return &entry;
-    return nullptr;
-}
-
+// Every word is some command's. That with several lines is asked for in its place among the others.
 const Entry& EntryOf(const std::string& word) {
-    if (const Entry* entry = Find(commands, word))
+    if (const Entry* entry = FindRow(commands, word))
         return *entry;
-    if (word.find(several_lines.name) != std::string::npos)
+    if (Contains(word, several_lines.name))
         return several_lines;
-    const Entry* later = Find(later_commands, word);
+    const Entry* later = FindRow(later_commands, word);
     return later != nullptr ? *later : any_other;
 }
 
 }  // namespace
 
 Need ConsoleNeed(const char* line) {
-    const Entry& entry = EntryOf(Split(line).words[0]);
+    const Command command = Split(line);
+    const Entry& entry = EntryOf(command.words[0]);
+    // A slip of the finger ends no search.
+    if (entry.move_word != 0 && !NamesMove(command.Word(entry.move_word)))
+        return NO_TOOL;
     if (!PBlock.debug || !entry.shows_board)
         return entry.need;
+    // The report searches with the record of a worker. To look at the board isn't worth a search; to change it is.
     return entry.need == BESIDE ? WHEN_OVER : FREE_ENGINE;
 }
 

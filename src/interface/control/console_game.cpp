@@ -1,6 +1,5 @@
 #include "interface/control/console_game.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -19,6 +18,7 @@
 #include "interface/numbers.h"
 #include "interface/pblock.h"
 #include "interface/pgn_text.h"
+#include "interface/words.h"
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "search/transposition.h"
@@ -31,30 +31,22 @@ namespace {
 constexpr const char* TEST_FILE = "test.epd";
 constexpr const char* GAME_FILE = "tmp.pgn";
 constexpr int TEXT_LINE = 255;
-constexpr size_t MOVE_WORD = 127;
-constexpr size_t SHORTEST_EPD = 8;
+constexpr size_t SHORTEST_EPD = 8;  // characters that can't be a position any more
 constexpr int LAST_GAME_NUMBER = 1000;
 constexpr int MOVES_A_LINE = 11;
-
-// Room for a move's text, which may grow by one character when it is read.
-using MoveBuffer = std::array<char, MOVE_WORD + 2>;
-
-MoveBuffer CutTo(size_t most, const char* text) {
-    MoveBuffer buffer{};
-    std::memcpy(buffer.data(), text, std::min(std::strlen(text), most));
-    return buffer;
-}
 
 void ComplainOfFile(const char* name) { Complain("%s: %s", name, FileTrouble()); }
 
 void CutLineEnd(char* line) { line[std::strcspn(line, "\r\n")] = '\0'; }
 
+// A text that is a number through and through; "1st" is looked for as it stands.
 bool IsNumber(const char* text) {
     if (*text == '+' || *text == '-')
         ++text;
     return *text != '\0' && text[std::strspn(text, "0123456789")] == '\0';
 }
 
+// The moves stay ahead in the game's records, to be played again.
 void TakeBackAll(Position* game) {
     while (game->game_ply > 0)
         TakeBackGameMove(game);
@@ -67,9 +59,8 @@ struct Wanted {
     int count = -1;  // -1: none
 };
 
-bool Holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
-
 // Count of the first game with a line that holds the text, -1 if there is none.
+// The file is then at its start again, to be read from there.
 int FindGame(File* in, const char* name, const char* text) {
     PgnReader pgn(in, name);
     int count = 0;
@@ -77,12 +68,13 @@ int FindGame(File* in, const char* name, const char* text) {
         count += item == PGN_GAME;
         if (item == PGN_START)
             pgn.SkipGame();  // only its lines are looked at
-        if ((item == PGN_TAG || item == PGN_LINE) && Holds(pgn.line(), text))
+        if ((item == PGN_TAG || item == PGN_LINE) && Contains(pgn.line(), text))
             return in->Seek(0) ? count : -1;
     }
     return -1;
 }
 
+// A number outside of the range, and no word at all, mean the first game.
 Wanted ChooseGame(File* in, const char* name, const char* which) {
     if (*which != '\0' && !IsNumber(which))
         return {0, FindGame(in, name, which)};
@@ -109,10 +101,12 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
     int events = 0;
     bool found = false;
     for (PgnItem item = pgn.Next(); item != PGN_END; item = pgn.Next()) {
+        // Another game begins: what is left of the file isn't read.
         if (item == PGN_GAME && found)
             return;
         count += item == PGN_GAME;
-        events += item == PGN_TAG && Holds(pgn.line(), "[Event ");
+        // Numbers go by these tags: a game without one belongs to the game before.
+        events += item == PGN_TAG && Contains(pgn.line(), "[Event ");
         if (item == PGN_START) {
             found = wanted.number ? events == wanted.number : count == wanted.count;
             if (found && pgn.game().foreign)
@@ -129,6 +123,7 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
 
 }  // namespace
 
+// A search at depth 0 leaves the report behind, and the score of the quiet search beside the static one.
 void ShowEvalInfo() {
     SearchAtDepthZero();
     const SearchThread& worker = *GetThread(1);
@@ -142,14 +137,22 @@ void ShowGame() {
         ShowBoard(*GamePosition());
 }
 
+void ResetClocks() {
+    SearchLimits limits = LimitsInForce();
+    limits.clock = {limits.level_time, limits.level_time};
+    SetLimits(limits);
+}
+
 void PlayMoveText(const char* text) {
     Position* game = GamePosition();
-    MoveBuffer buffer = CutTo(MOVE_WORD, text);
+    // Only a text that is a move stops a search: anything may be mistyped.
+    std::string word(text);
+    word.push_back('\0');  // reading may make it one character longer
     Move move = NO_MOVE;
-    if (!IsValidMove(buffer.data(), &move))
+    if (!IsValidMove(word.data(), &move))
         return;
     StopSearchAndWait();
-    ShowFormatted("%d. move %s", game->game_ply / 2 + 1, buffer.data());
+    ShowFormatted("%d. move %s", game->game_ply / 2 + 1, word.c_str());
     PlayGameMove(game, move);
     ShowGame();
 }
@@ -163,6 +166,7 @@ void UndoMove() {
     ShowGame();
 }
 
+// A move that stands ahead may be of another game: only one that is possible here is played again.
 void RedoMove() {
     StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
@@ -175,6 +179,7 @@ void RedoMove() {
     ShowGame();
 }
 
+// All the way back and then forward, so that it is the same from wherever the game stands.
 void JumpToPly(int ply) {
     StopSearch(STOP_COMMAND);
     Position* game = GamePosition();
@@ -187,6 +192,7 @@ void JumpToPly(int ply) {
 void GetTestPosition(const char* identifier) {
     StopSearch(STOP_COMMAND);
     const std::string sought = std::string("id \"") + identifier + "\"";
+    // Comments and what is indented hold no position. Of a line that is too long the part with the name is taken.
     std::array<char, TEXT_LINE> line{};
     bool found = false;
     File in = OpenOwnFile(TEST_FILE, "r");
@@ -204,13 +210,14 @@ void GetTestPosition(const char* identifier) {
     if (std::strlen(line.data()) > SHORTEST_EPD)
         SetPosition(game, line.data());
     ShowBoard(*game);
-    ClearTTable();
+    ClearTTable();  // a suite's positions have nothing to do with each other
 }
 
 void LoadGame(const char* file, const char* which) {
     StopSearch(STOP_COMMAND);
     ShowFormatted("loading %s, tag %s\n", file, which);
     Position* game = GamePosition();
+    // The clocks start anew also where there is no such file.
     if (File in(file, "r"); in) {
         SetPosition(game, fen_opn);
         ReadGame(&in, file, game, ChooseGame(&in, file, which));
@@ -219,9 +226,7 @@ void LoadGame(const char* file, const char* which) {
     } else if (*file != '\0') {
         ComplainOfFile(file);
     }
-    SearchLimits limits = LimitsInForce();
-    limits.clock = {limits.level_time, limits.level_time};
-    SetLimits(limits);
+    ResetClocks();
 }
 
 void SaveGame() {
@@ -231,6 +236,7 @@ void SaveGame() {
         return;
     }
     Position* game = GamePosition();
+    // The record is played through from its start, since a move is written as it reads before it is made.
     const int moves = game->game_ply;
     TakeBackAll(game);
     std::string text = "[Event \"Unknown\"]\n";

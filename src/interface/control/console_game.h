@@ -9,6 +9,9 @@ void ShowEvalInfo();
 // The board, or the evaluation report while `debug` is set.
 void ShowGame();
 
+// Gives both sides the whole time of the level.
+void ResetClocks();
+
 // Plays a move given as text, if it names exactly one; nothing otherwise.
 void PlayMoveText(const char* text);
 

@@ -2,9 +2,11 @@
 
 #include <array>
 #include <cctype>
+#include <cstddef>
 #include <cstring>
 
 #include "board/fen.h"
+#include "board/letters.h"
 #include "board/placement.h"
 #include "board/search_thread.h"
 #include "interface/control/input.h"
@@ -14,10 +16,12 @@ namespace vrel {
 
 namespace {
 
+// By piece type, from a pawn on.
 constexpr const char* EDIT_LETTERS = "pnbrqk";
-constexpr int EDIT_LINE = 78;
+constexpr int EDIT_LINE = 78;  // characters of a line and its end; the rest is the next line
 
-void EditSquare(Position* pos, int side, char letter, int sq) {
+// Whatever stood there goes. A letter of no piece leaves the square empty.
+void EditSquare(Position* pos, Side side, char letter, Square sq) {
     if (pos->board[sq])
         RemovePiece(pos, sq);
     const char* found = std::strchr(EDIT_LETTERS, std::tolower(static_cast<unsigned char>(letter)));
@@ -26,29 +30,32 @@ void EditSquare(Position* pos, int side, char letter, int sq) {
 }
 
 // The words behind the side's; the first that names no square ends the line.
-void EditPieces(Position* pos, int side, const char* text) {
+void EditPieces(Position* pos, Side side, const char* text) {
     while (true) {
-        text += std::strspn(text, " ");
+        text = SkipBlanks(text);
         const size_t length = std::strcspn(text, " ");
-        if (length < 3 || text[1] < 'a' || text[1] > 'h' || text[2] < '1' || text[2] > '8')
+        const Square sq = length < 3 ? NO_SQUARE : ReadSquare(text + 1);
+        if (sq == NO_SQUARE)
             return;
-        EditSquare(pos, side, text[0], (text[1] - 'a') + 8 * (text[2] - '1'));
+        EditSquare(pos, side, text[0], sq);
         text += length;
     }
 }
 
+// The side of the last line is the one to move. A line of neither side is passed over.
 void EditLine(Position* pos, const char* line) {
-    line += std::strspn(line, " ");
+    line = SkipBlanks(line);
     if (*line != 'w' && *line != 'b')
         return;
-    const int side = *line == 'w' ? WHITE : BLACK;
+    const Side side = *line == 'w' ? WHITE : BLACK;
     pos->stm = static_cast<uint8_t>(side);
     EditPieces(pos, side, line + std::strcspn(line, " "));
 }
 
-// A right stays only while king and rook stand at home. Rights are never added.
+// A right stays only while king and rook stand at home. Rights are never added: whether these pieces have moved before
+// is something that the board can't tell.
 void DropImpossibleRights(Position* pos) {
-    const auto home = [pos](int side, int rook) {
+    const auto home = [pos](Side side, Square rook) {
         return pos->board[init_king_sq[side]] == PieceCode(side, KING) && pos->board[rook] == PieceCode(side, ROOK);
     };
     int rights = 0;
@@ -61,6 +68,7 @@ void DropImpossibleRights(Position* pos) {
 
 }  // namespace
 
+// The moves that led to the old position don't lead to the new one: the game starts here.
 void EditBoard() {
     Position* game = GamePosition();
     ShowMessage("\n\n");

@@ -26,9 +26,10 @@ namespace {
 constexpr int TURN = 2000;             // microseconds between looks at input and clock
 constexpr int SHORT_TURN = 200;        // the same when a search is about to end
 constexpr double SHORT_SEARCH = 0.02;  // seconds
-constexpr int BOOK_PLIES = 35;
-constexpr double ENDLESS = 90000.0;  // seconds: a target time from here on is no limit
+constexpr int BOOK_PLIES = 35;         // of the game, beyond which no book is asked
+constexpr double ENDLESS = 90000.0;    // seconds: a target time from here on is no limit
 
+// A book move is the answer: no worker runs, and there is no score to tell.
 void ConsultBook(Position* game) {
     if (game->game_ply > BOOK_PLIES || !PBlock.use_book)
         return;
@@ -56,6 +57,7 @@ void SendBestMove() {
     ShowMessage(reply.c_str());
 }
 
+// In percent. One probe more than there were, so that none at all is no division by zero.
 double HitRate(StatsIndex hits, StatsIndex probes) {
     return 100.0 * static_cast<double>(sstats[hits]) / static_cast<double>(sstats[probes] + 1);
 }
@@ -166,6 +168,11 @@ void RunGameLoop() {
         if (SearchIsOver() && !PBlock.quit)
             Report();
     }
+}
+
+void EndProgram() {
+    StopSearch(STOP_COMMAND);
+    PBlock.quit = 1;
 }
 
 }  // namespace vrel

@@ -6,4 +6,7 @@ namespace vrel {
 // told to quit or the input has ended and nothing is left to answer.
 void RunGameLoop();
 
+// Ends a search or a tool that runs, and then the program. No search is reported any more.
+void EndProgram();
+
 }  // namespace vrel

@@ -73,8 +73,10 @@ void TakeIn(const char* text, size_t size) {
     }
 }
 
+// Without room the rest waits in the pipe, and whoever writes to it waits as well.
 bool HasRoom() { return bytes + beginning.size() < QUEUE; }
 
+// Takes in what has arrived, or waits until there is something.
 void ReadInputChunk(bool wait) {
     static std::array<char, 16384> chunk;
     if (ended || !HasRoom())
@@ -83,7 +85,7 @@ void ReadInputChunk(bool wait) {
     const int received = wait ? WaitForInput(chunk.data(), room) : ReadInput(chunk.data(), room);
     ended = received == INPUT_ENDED;
     if (received > 0)
-        TakeIn(chunk.data(), static_cast<size_t>(received));
+        TakeIn(chunk.data(), received);
     // The last line before the end needs no end.
     if (ended)
         FinishLine();
@@ -99,6 +101,7 @@ Line TakeOut(size_t place) {
 
 bool IsForUci(const std::string& text) { return PBlock.mode == MODE_UCI || text == "uci"; }
 
+// Asked anew each turn: an earlier line may have changed mode, position and options. To refuse a line needs nothing.
 Need NeedOf(const Line& line) {
     if (line.text.empty())
         return BESIDE;
@@ -114,6 +117,7 @@ void Try(Line* line) {
 
 void Handle(size_t place) {
     Try(&lines[place]);
+    // It is out of the queue before it acts, since it may ask for further lines itself, as a dialogue does.
     const Line line = TakeOut(place);
     if (line.too_long)
         ShowFormatted("info string line of more than %d characters refused", static_cast<int>(LONGEST_LINE));
@@ -177,6 +181,7 @@ void UserInput() {
 void PollInputForTool() {
     ReadInputChunk(false);
     PayReadyOk();
+    // What needs nothing but its turn has it only while no line waits in front of it.
     while (seen_by_tool < lines.size() && !PBlock.quit) {
         const size_t place = seen_by_tool;
         const Need need = NeedOf(lines[place]);
@@ -220,6 +225,7 @@ void SleepForInput(int microseconds) {
 
 bool ReadDialogueLine(char* line, int size) {
     assert(size > 1);
+    // Lines that arrived with the command that has begun the dialogue belong to the dialogue.
     while (lines.empty() || lines.front().too_long) {
         if (!lines.empty())
             Handle(0);

@@ -41,6 +41,7 @@ const char* FileUsedTwice(const CommandLine& line) {
     const char* positions = PBlock.epd_file.data();
     const char* file = line.file.data();
     const char* book = PBlock.book_file.data();
+    // Names may differ and mean one file all the same.
     if (NameOneFile(positions, logfile) || (line.tune && NameOneFile(positions, "tune.log")))
         return positions;
     if (NameOneFile(file, logfile) || (line.match && (NameOneFile(file, "player2.par") || NameOneFile(file, book))))
@@ -51,9 +52,11 @@ const char* FileUsedTwice(const CommandLine& line) {
 // Builds the engine as the command line wants it, without its workers. False if there is no memory.
 bool StartUp(int argc, char** argv, CommandLine* line) {
     poll_input = PollInputForTool;
+    // Before any file is opened.
     OccupyStandardStreams();
     IgnoreBrokenPipe();
     std::srand(TimeOfDaySeed());  // for the book's choice and for matches alone
+    // Settings are read once the control record has its defaults, and before what they give the size of.
     const auto configure = [&] {
         *line = ReadCommandLine(argc, argv);
         if (const char* file = FileUsedTwice(*line))
@@ -84,6 +87,7 @@ int AnswerAtOnce(const CommandLine& line) {
 
 // Runs the first tool that was asked for. False if there is none; `status` is the exit status.
 bool RunTool(const CommandLine& line, int* status) {
+    // Scans tell the outcome by their files alone.
     if (line.analyse_epd) {
         bool complete = false;
         Analyze_EPD_File(true, &complete);
@@ -105,6 +109,7 @@ bool RunTool(const CommandLine& line, int* status) {
     return true;
 }
 
+// For an interface nothing is said before it asks; a person wants to see the board.
 void Play() {
     if (PBlock.mode == MODE_CONSOLE)
         ShowBoard(*GamePosition());
@@ -113,6 +118,7 @@ void Play() {
 
 }  // namespace
 
+// The whole life of the process. Returns the exit status.
 int Run(int argc, char** argv) {
     CommandLine line;
     if (!StartUp(argc, argv, &line))

@@ -1,5 +1,6 @@
 #include "interface/control/options.h"
 
+#include <array>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
@@ -15,12 +16,14 @@ namespace vrel {
 
 namespace {
 
+// An engine without a table, or without workers, has nothing to go on with: the old ones have been given back already.
 void SetHashSize(int megabytes) {
     PBlock.hash_mb = static_cast<int16_t>(megabytes);
     if (InitTTable() != 0)
         std::_Exit(-1);
 }
 
+// New workers start with nothing learnt, so the same number leaves the old ones at work.
 void SetThreads(int number) {
     if (number == PBlock.nthreads)
         return;
@@ -30,6 +33,7 @@ void SetThreads(int number) {
         std::_Exit(-1);
 }
 
+// What isn't used isn't cleared, and nothing is said.
 void ClearHash(int) {
     if (!PBlock.use_hash)
         return;
@@ -44,13 +48,13 @@ Need NeedOfClearHash() {
     return PBlock.state == STATE_PONDERING ? IDLE_WORKERS : FREE_ENGINE;
 }
 
+// Table and workers are in use while a search runs. Limits and the book are looked at when the next one starts.
 Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
 
-}  // namespace
-
-const std::array<UciOption, 8> uci_options = {{
+// In the order in which they are declared.
+constexpr auto uci_options = std::to_array<UciOption>({
     {"Hash", SPIN, 64, 0, 8192, "info string Hash size set to %dM bytes", NeedsFreeEngine, SetHashSize},
     {"Threads", SPIN, 1, 1, MAX_THREADS, "info string Threads set to %d", NeedsFreeEngine, SetThreads},
     {"Ponder", CHECK, 1, 0, 1, nullptr, NeedsNoTool, [](int on) { PBlock.ponder = static_cast<int16_t>(on); }},
@@ -63,7 +67,9 @@ const std::array<UciOption, 8> uci_options = {{
      [](int on) { PBlock.use_book = static_cast<uint8_t>(on); }},
     {"Log", CHECK, 0, 0, 1, "info string Log set to %d", NeedsNothing,
      [](int on) { PBlock.log = static_cast<int16_t>(on); }},
-}};
+});
+
+}  // namespace
 
 const UciOption* FindOption(std::string_view name) {
     for (const UciOption& option : uci_options)
@@ -72,6 +78,7 @@ const UciOption* FindOption(std::string_view name) {
     return nullptr;
 }
 
+// In the words of the protocol, for which a switch is a "check" and a number a "spin".
 void DeclareOptions() {
     for (const UciOption& option : uci_options) {
         if (option.type == SPIN)
@@ -91,6 +98,7 @@ int ReadOption(const UciOption& option, const char* text) {
     return std::strcmp(option.name, "Log") == 0 ? std::strstr(text, "true") != nullptr : std::strcmp(text, "true") == 0;
 }
 
+// The reply tells the value that is in force, which may not be the one that was asked for.
 void SetOption(const UciOption& option, int value) {
     assert(value >= option.lowest && value <= option.highest);
     option.apply(value);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string_view>
 
 #include "interface/control/input.h"
@@ -18,8 +17,6 @@ struct UciOption {
     Need (*need)();               // what a change needs of a search that runs
     void (*apply)(int value);
 };
-
-extern const std::array<UciOption, 8> uci_options;
 
 // The option of that name, null if there is none.
 const UciOption* FindOption(std::string_view name);

@@ -9,6 +9,7 @@
 #include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
+#include "interface/control/game_loop.h"
 #include "interface/control/options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
@@ -24,6 +25,8 @@ namespace {
 constexpr long long LONGEST_TIME = 1000000000000;  // milliseconds that a clock may show
 constexpr double NO_TIME_LIMIT = 10000000.0;       // seconds
 
+// From here on an interface is in charge: log and book are off, as their options declare, whatever the command line
+// has said, and the console is left for good.
 void Introduce() {
     ShowFormatted("id name %s", version);
     ShowMessage("id author Orin Tavelk");
@@ -33,11 +36,6 @@ void Introduce() {
     selfplay = 0;
     ShowMessage("uciok");
     PBlock.mode = MODE_UCI;
-}
-
-std::string WithoutTrailingBlanks(std::string text) {
-    text.resize(text.find_last_not_of(' ') + 1);
-    return text;
 }
 
 // The command word, and what follows it and one separator.
@@ -63,26 +61,29 @@ struct OptionChange {
 };
 
 OptionChange ReadOptionLine(const char* rest) {
+    // Both words may stand anywhere, so that interfaces with manners of their own are understood.
     const char* name = std::strstr(rest, "name");
     const char* value = std::strstr(rest, "value");
     if (name == nullptr || (value != nullptr && value < name))
         return {nullptr, ""};
     const char* name_text = SkipBlanks(name + 4);
-    // Without a value only a button can be meant.
+    // Without a value only a button can be meant; any other option keeps what it has.
     if (value == nullptr) {
-        const UciOption* option = FindOption(WithoutTrailingBlanks(name_text));
+        const UciOption* option = FindOption(Trimmed(name_text));
         return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
     }
     const char* name_end = std::max(value, name_text);
-    return {FindOption(WithoutTrailingBlanks(std::string(name_text, name_end))), GetWord(value + 5)};
+    return {FindOption(Trimmed({name_text, name_end})), GetWord(value + 5)};
 }
 
+// An unknown option is passed over in silence: interfaces try what other engines have.
 void ChangeOption(const char* rest) {
     const OptionChange change = ReadOptionLine(rest);
     if (change.option != nullptr)
         SetOption(*change.option, ReadOption(*change.option, change.value.c_str()));
 }
 
+// The times stand until `go` brings others. The position stays as well, but its past is gone.
 void NewGame() {
     StopSearch(STOP_COMMAND);
     SearchLimits limits = LimitsInForce();
@@ -96,13 +97,7 @@ void NewGame() {
         ClearTTable();
 }
 
-// A square of two characters, NO_SQUARE if they name none.
-int ReadSquare(const char* text) {
-    if (text[0] < 'a' || text[0] > 'h' || text[1] < '1' || text[1] > '8')
-        return NO_SQUARE;
-    return (text[0] - 'a') + 8 * (text[1] - '1');
-}
-
+// Other characters, capitals among them, are passed over: the move is one without a promotion.
 Move PromotionBit(char letter) {
     switch (letter) {
         case 'q':
@@ -122,8 +117,8 @@ Move PromotionBit(char letter) {
 Move ReadCoordinates(const std::string& text) {
     if (text.size() < 4)
         return NO_MOVE;
-    const int from = ReadSquare(text.c_str());
-    const int to = ReadSquare(text.c_str() + 2);
+    const Square from = ReadSquare(text.c_str());
+    const Square to = ReadSquare(text.c_str() + 2);
     if (from == NO_SQUARE || to == NO_SQUARE)
         return NO_MOVE;
     return MakeMoveValue(from, to) | (text.size() > 4 ? PromotionBit(text[4]) : NO_MOVE);
@@ -144,6 +139,8 @@ void PlayMoves(Position* game, const char* text) {
     }
 }
 
+// "startpos" goes before "fen"; without either the position stays as it is. The end of the game is marked, so that
+// nothing of an earlier one stands ahead of it.
 void SetGame(const char* rest) {
     rest += std::strspn(rest, " \t");
     const char* moves = std::strstr(rest, "moves");
@@ -162,22 +159,25 @@ void SetGame(const char* rest) {
     game->undo[game->game_ply].move = NO_MOVE;
 }
 
+// What is below 0, as a clock that has run out, counts as 0.
 double Seconds(const char* milliseconds) {
     return static_cast<double>(ReadLongInteger(milliseconds, 0, LONGEST_TIME)) / 1000;
 }
 
+// So much for one move, whatever the clocks show.
 void LimitToTime(SearchLimits* limits, double seconds) {
     limits->level_moves = 1;
     limits->level_time = seconds;
 }
 
 // The tokens are looked for in a fixed order, so that a later one wins over an earlier one. What none names stays.
-SearchLimits ReadLimits(const char* rest, int side) {
+SearchLimits ReadLimits(const char* rest, Side side) {
     const auto value_of = [rest](const char* token) -> const char* {
         const char* found = std::strstr(rest, token);
         return found == nullptr ? nullptr : GetWord(found + std::strlen(token));
     };
     SearchLimits limits = LimitsInForce();
+    // Two clocks and no moves to go are sudden death. The increment of the other side can't be used.
     limits.level_moves = 0;
     if (const char* value = value_of("wtime"))
         limits.clock[WHITE] = Seconds(value);
@@ -187,12 +187,14 @@ SearchLimits ReadLimits(const char* rest, int side) {
         limits.inc = Seconds(value);
     if (const char* value = value_of("binc"); value && side == BLACK)
         limits.inc = Seconds(value);
+    // A control of 40 moves, of which so many are left; a depth or nodes asked for earlier end with it.
     if (const char* value = value_of("movestogo")) {
         limits.level_moves = 40;
         limits.moves_to_go = ReadInteger(value, 0, INT16_MAX);
         limits.max_depth = MAX_DEPTH;
         limits.max_nodes = 0;
     }
+    // Depth and nodes are limits of their own; the time that goes with them is for what doesn't get there.
     if (const char* value = value_of("depth")) {
         LimitToTime(&limits, 600.0);
         limits.max_depth = ReadInteger(value, 0, MAX_DEPTH);
@@ -214,25 +216,23 @@ SearchLimits ReadLimits(const char* rest, int side) {
     return limits;
 }
 
+// A search that runs ends, and its reply is sent before the new one starts.
 void Go(const char* rest) {
-    const int side = GamePosition()->stm;
+    const Side side = GamePosition()->stm;
     StopSearch(STOP_COMMAND);
     computer = side;
     RequestSearch(std::strstr(rest, "ponder") ? STATE_PONDERING : STATE_THINKING, ReadLimits(rest, side));
 }
 
+// While idle, too, it is answered: with the line that stands.
 void Stop() {
     computer = 2;
     StopAndReport();
 }
 
-void Quit() {
-    StopSearch(STOP_COMMAND);
-    PBlock.quit = 1;
-}
-
+// What a command needs of a running search, and what it does with the rest of its line.
 struct Entry {
-    const char* word;
+    const char* name;
     Need need;
     void (*run)(const char* rest);
 };
@@ -246,21 +246,15 @@ constexpr Entry commands[] = {
     {"go", NO_TOOL, Go},
     {"ponderhit", AT_ONCE, [](const char*) { PonderHit(); }},
     {"stop", AT_ONCE, [](const char*) { Stop(); }},
-    {"quit", ENDS_PROGRAM, [](const char*) { Quit(); }},
+    {"quit", ENDS_PROGRAM, [](const char*) { EndProgram(); }},
 };
-
-const Entry* Find(const std::string& word) {
-    for (const Entry& entry : commands)
-        if (word == entry.word)
-            return &entry;
-    return nullptr;
-}
 
 }  // namespace
 
+// A line without a command is dropped in its turn.
 Need UciNeed(const char* line) {
     const Command command = Split(line);
-    const Entry* entry = Find(command.word);
+    const Entry* entry = FindRow(commands, command.word);
     if (entry == nullptr)
         return BESIDE;
     if (entry->run != ChangeOption)
@@ -276,7 +270,7 @@ void EchoUciLine(const char* line) {
 
 void UciCommand(const char* line) {
     const Command command = Split(line);
-    if (const Entry* entry = Find(command.word))
+    if (const Entry* entry = FindRow(commands, command.word))
         entry->run(command.rest);
 }
 

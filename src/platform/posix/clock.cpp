@@ -27,6 +27,7 @@ double SecondsSince(double start) {
     return (static_cast<double>(now.tv_sec) - start) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
+// The process is mixed in, since several may start within a millisecond.
 unsigned int TimeOfDaySeed() {
     timeval now{};
     gettimeofday(&now, nullptr);

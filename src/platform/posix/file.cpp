@@ -19,8 +19,10 @@ bool IsDirectory(std::FILE* stream) {
 // For a mark on it; not to be stopped by a pipe that stands in the place of the file.
 int OpenToMark(const char* name) { return open(name, O_RDONLY | O_NONBLOCK | O_CLOEXEC); }
 
+// The mark goes with the program that has set it, however that ends.
 bool Mark(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
 
+// True if the open file is still the one of that name.
 bool IsNamed(int descriptor, const char* name) {
     struct stat open_file {
     }, named{};
@@ -41,6 +43,7 @@ bool File::CutTo(int64_t size) { return stream_ != nullptr && ftruncate(fileno(s
 
 bool FileExists(const char* name) { return access(name, F_OK) == 0; }
 
+// A pipe or a terminal has no state that could be told by size and time.
 bool ReadFileStamp(const char* name, FileStamp* stamp) {
     struct stat status {};
     if (stat(name, &status) != 0 || !S_ISREG(status.st_mode))

@@ -16,20 +16,22 @@ bool ended = false;  // the end has been seen; it stays
 // Errors after which a later read may still work.
 bool IsPassing(int error) { return error == EAGAIN || error == EWOULDBLOCK || error == EINTR; }
 
-// Reads once standard input is ready, within `timeout` milliseconds or, if it is negative, whenever that is.
+// True if a read would not wait, within `timeout` milliseconds or, if that is negative, whenever it is. A writer that
+// has gone and a descriptor that was never open count as well: the read tells the end.
+bool InputAvailable(int timeout) {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    const int ready = poll(&input, 1, timeout);
+    return ready > 0 || (ready < 0 && !IsPassing(errno));
+}
+
+// Reads once standard input is ready, within that time.
 int ReadWhenReady(char* buffer, int size, int timeout) {
     if (ended)
         return INPUT_ENDED;
-    if (size < 1)
+    if (size < 1 || !InputAvailable(timeout))
         return INPUT_NOTHING;
 
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    const int ready = poll(&input, 1, timeout);
-    if (ready == 0 || (ready < 0 && IsPassing(errno)))
-        return INPUT_NOTHING;
-
-    // A writer that has gone and a descriptor that was never open show up here as well: the read tells the end.
-    const ssize_t count = read(STDIN_FILENO, buffer, static_cast<size_t>(size));
+    const ssize_t count = read(STDIN_FILENO, buffer, size);
     if (count > 0)
         return static_cast<int>(count);
     if (count < 0 && IsPassing(errno))

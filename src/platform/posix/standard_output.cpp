@@ -20,6 +20,7 @@ void WaitUntilWritable() {
     poll(&output, 1, -1);
 }
 
+// A pipe, a socket and a terminal each tell it in their own way.
 bool ReaderIsGone(int error) { return error == EPIPE || error == ECONNRESET || error == EIO; }
 
 // Takes the first `count` bytes off the two pieces.
@@ -40,7 +41,7 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
     while (pieces[0].iov_len + pieces[1].iov_len > 0) {
         const ssize_t written = writev(STDOUT_FILENO, pieces.data(), static_cast<int>(pieces.size()));
         if (written >= 0)
-            Advance(&pieces, static_cast<size_t>(written));
+            Advance(&pieces, written);
         else if (errno == EAGAIN || errno == EWOULDBLOCK)
             WaitUntilWritable();
         else if (errno != EINTR)
@@ -50,6 +51,7 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
 }
 
 void OccupyStandardStreams() {
+    // Each opening takes the lowest number that is free.
     int descriptor = open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)
         descriptor = open("/dev/null", O_RDWR);

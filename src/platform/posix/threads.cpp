@@ -5,6 +5,7 @@
 
 namespace vrel {
 
+// Nobody waits for the end of a worker: its flag tells it, and its record stays.
 int StartThread(ThreadBody body, void* argument) {
     pthread_attr_t attributes;
     int error = pthread_attr_init(&attributes);

@@ -14,6 +14,7 @@ namespace vrel {
 
 // What main was given has lost the characters that the system's code page lacks.
 char** ArgumentsInUtf8(int* argc, char** argv) {
+    // They stay for as long as the program runs, as the words of main do, and so does the null behind them.
     static std::vector<std::string> words;
     static std::vector<char*> pointers;
     wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), argc);

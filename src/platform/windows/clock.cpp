@@ -63,6 +63,7 @@ double SecondsSince(double start) {
     return (seconds - start) + fraction / static_cast<double>(ticks_a_second);
 }
 
+// The process is mixed in, since several may start within a millisecond.
 unsigned int TimeOfDaySeed() {
     FILETIME now;
     GetSystemTimeAsFileTime(&now);
@@ -70,6 +71,7 @@ unsigned int TimeOfDaySeed() {
     return static_cast<unsigned int>(tenths_of_microseconds / 10000) ^ GetCurrentProcessId() * 2654435761U;
 }
 
+// A timer can be waited for together with an event, which a sleep can't.
 void WaitFor(void* event, int microseconds) {
     const HANDLE timer = CreateWaitableTimerExW(nullptr, nullptr, HIGH_RESOLUTION, TIMER_MODIFY_STATE | SYNCHRONIZE);
     if (timer == nullptr) {
@@ -85,6 +87,7 @@ void WaitFor(void* event, int microseconds) {
     CloseHandle(timer);
 }
 
+// In parts that can be told in microseconds.
 void SleepMilliseconds(int milliseconds) {
     constexpr int longest = std::numeric_limits<int>::max() / 1000;
     for (; milliseconds > longest; milliseconds -= longest)

@@ -17,6 +17,7 @@ namespace vrel {
 
 namespace {
 
+// As other systems have it: a file that is open may be read, renamed and deleted by others.
 constexpr DWORD SHARE_ALL = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // What a mode of fopen asks of the system: it begins with r, w or a.
@@ -61,6 +62,7 @@ int LastError() {
     }
 }
 
+// The system tells long numbers in halves.
 uint64_t Join(DWORD high, DWORD low) { return uint64_t{high} << 32 | low; }
 
 }  // namespace
@@ -85,6 +87,7 @@ bool File::CutTo(int64_t size) { return stream_ != nullptr && _chsize_s(_fileno(
 bool FileExists(const char* name) { return GetFileAttributesW(WideText(name).c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 bool ReadFileStamp(const char* name, FileStamp* stamp) {
+    // This much may be asked of a file that somebody else keeps for himself.
     const HANDLE file = Open(name, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
     if (file == INVALID_HANDLE_VALUE)
         return false;
@@ -115,6 +118,7 @@ bool DeleteFile(const char* name) {
     return false;
 }
 
+// The C library's own would not put it in the place of another file.
 bool RenameFile(const char* from, const char* to) {
     return MoveFileExW(WideText(from).c_str(), WideText(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
@@ -124,6 +128,7 @@ FileLock::Claimed FileLock::Claim(const char* name) {
     Release();
     const HANDLE file = Open(name, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
     if (file == INVALID_HANDLE_VALUE) {
+        // To ask whether it is there would change the system's last failure.
         const int error = LastError();
         const bool exists = FileExists(name);
         errno = error;

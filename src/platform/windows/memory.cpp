@@ -4,6 +4,7 @@
 
 namespace vrel {
 
+// Committed at once, so that what is too large is refused here and not when it is used.
 void* AllocatePages(size_t bytes) { return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE); }
 
 void FreePages(void* memory, size_t /*bytes*/) {

@@ -65,13 +65,14 @@ void StartReading() {
         SetEvent(arrived);
 }
 
-bool HasArrived(DWORD timeout) {
+// True if bytes or the end have arrived, within `timeout` milliseconds.
+bool InputAvailable(DWORD timeout) {
     StartReading();
     return WaitForSingleObject(arrived, timeout) == WAIT_OBJECT_0;
 }
 
 int ReadWhenArrived(char* buffer, int size, DWORD timeout) {
-    if (!HasArrived(timeout))
+    if (!InputAvailable(timeout))
         return INPUT_NOTHING;
     if (chunk.empty())
         return INPUT_ENDED;
@@ -93,7 +94,7 @@ int ReadInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, 0);
 int WaitForInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, size < 1 ? 0 : INFINITE); }
 
 void SleepUntilInput(int microseconds) {
-    const bool ended = HasArrived(0) && chunk.empty();
+    const bool ended = InputAvailable(0) && chunk.empty();
     WaitFor(ended ? nullptr : arrived, microseconds);
 }
 

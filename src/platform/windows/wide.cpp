@@ -12,7 +12,7 @@ namespace {
 std::wstring ReadAs(unsigned int code_page, DWORD flags, const char* text, size_t size) {
     const int bytes = static_cast<int>(size);
     const int length = MultiByteToWideChar(code_page, flags, text, bytes, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(length), L'\0');
+    std::wstring wide(length, L'\0');
     MultiByteToWideChar(code_page, flags, text, bytes, wide.data(), length);
     return wide;
 }
@@ -29,7 +29,7 @@ std::wstring WideText(const char* text) { return WideText(text, std::strlen(text
 std::string Utf8Text(const wchar_t* text, size_t size) {
     const int units = static_cast<int>(size);
     const int length = WideCharToMultiByte(CP_UTF8, 0, text, units, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(length), '\0');
+    std::string bytes(length, '\0');
     WideCharToMultiByte(CP_UTF8, 0, text, units, bytes.data(), length, nullptr, nullptr);
     return bytes;
 }
