@@ -24,7 +24,6 @@ namespace {
 constexpr int BUCKET = 4;
 constexpr uint64_t SPARE_ENTRIES = 16;
 constexpr uint64_t LOCK_MASK = 0xffffffff00000000ULL;
-constexpr uint64_t DEFAULT_SLOTS = 0x200000;
 
 // Results of a probe that finds nothing, in `depth`.
 constexpr int8_t NOT_THERE = -99;
@@ -39,6 +38,8 @@ constexpr int PROTECTED_BELOW_ITERATION = 6;
 // Starts of the halves for white and for black to move, and the slots of each half.
 std::array<TTEntry*, 2> htable;
 uint64_t slots = 0;
+uint64_t slot_mask = 0;        // slots - 1 if that has all lower bits set, else 0
+uint64_t slot_reciprocal = 0;  // 2^64 / slots, rounded down
 uint64_t block_bytes = 0;
 
 // Entries that were empty when stored into, by thread: each counter has one writer and a cache line of its own.
@@ -71,11 +72,19 @@ uint64_t CheckWord(const TTData& data, uint64_t key) {
 
 bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MASK) == 0; }
 
-// First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
-TTEntry* Bucket(uint64_t key, int stm) {
-    const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
-    return htable[stm] + slot;
+void SetSlots(uint64_t number) {
+    slots = number;
+    slot_mask = std::has_single_bit(slots) ? slots - 1 : 0;
+    slot_reciprocal = slots ? UINT64_MAX / slots : 0;
 }
+
+uint64_t HighWord(uint64_t a, uint64_t b) {
+    __extension__ using Product = unsigned __int128;
+    return static_cast<uint64_t>((Product{a} * b) >> 64);
+}
+
+// First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
+TTEntry* Bucket(uint64_t key, int stm) { return htable[stm] + SlotOf(key); }
 
 // An entry that is in use stays young. Only the age changes, and only if the entry is still what was read: an older
 // first word put back under another writer's check word would pass for its own.
@@ -116,6 +125,15 @@ void Find(const Position& pos, TTData* result) {
 
 }  // namespace
 
+uint64_t SlotOf(uint64_t key) {
+    if (slot_mask)
+        return key & slot_mask;
+    // The reciprocal falls short of 2^64 / slots by at most 1, so that the product falls short of key / slots by less
+    // than 1: the quotient is right or one too small.
+    const uint64_t rest = key - HighWord(key, slot_reciprocal) * slots;
+    return rest < slots ? rest : rest - slots;
+}
+
 int InitTTable() {
     KillTTable();
     const auto megabytes = static_cast<uint64_t>(PBlock.hash_mb);
@@ -124,7 +142,7 @@ int InitTTable() {
     hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
     if (hashtable == nullptr)
         return -1;
-    slots = entries / 2;
+    SetSlots(entries / 2);
     htable[WHITE] = hashtable;
     htable[BLACK] = hashtable + slots + BUCKET;
     ForgetFill();
@@ -142,7 +160,7 @@ void KillTTable() {
     FreePages(hashtable, block_bytes);
     hashtable = nullptr;
     entries = 0;
-    slots = 0;
+    SetSlots(0);
 }
 
 void CheckTTable() {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "board/fen.h"
 #include "interface/pblock.h"
 #include "search/transposition.h"
@@ -131,6 +133,21 @@ TEST_F(Table, LowestValueOfABucketIsReplaced) {
     EXPECT_LT(depth_of(4), TT_FOUND);
     CheckTTable();
     EXPECT_DOUBLE_EQ(PBlock.hash_fill, 4.0 / static_cast<double>(entries)) << "only empty places count";
+}
+
+TEST_F(Table, SlotIsTheRemainderOfTheKey) {
+    std::mt19937_64 random(19);
+    for (const int megabytes : {1, 2, 3, 5, 63, 64, 65, 100, 127, 1000, 1024, 4095, 8191, 8192}) {
+        Resize(megabytes);
+        const uint64_t slots = entries / 2;
+        for (const uint64_t multiple : {uint64_t{0}, slots, UINT64_MAX / slots * slots, random() / slots * slots})
+            for (const uint64_t beside : {uint64_t{0}, uint64_t{1}, UINT64_MAX})
+                EXPECT_EQ(SlotOf(multiple + beside), (multiple + beside) % slots) << megabytes;
+        for (int i = 0; i < 10000; ++i) {
+            const uint64_t key = random();
+            ASSERT_EQ(SlotOf(key), key % slots) << key << " of " << megabytes;
+        }
+    }
 }
 
 TEST_F(Table, EverySizeHoldsEveryPosition) {
