@@ -23,6 +23,13 @@ namespace {
 
 constexpr int BUCKET = 4;
 constexpr uint64_t SPARE_ENTRIES = 16;
+constexpr uint64_t ENTRIES_OF_PAGE = 4096 / sizeof(TTEntry);  // of the smallest page that a system has
+
+// Up to 256 MiB a table has all its memory from the first clearing on, so that no search waits for it.
+constexpr uint64_t SMALL_TABLE = (uint64_t{256} << 20) / sizeof(TTEntry);
+// Up to 1 GiB one that has been used everywhere keeps its memory when it is cleared.
+constexpr uint64_t LARGE_TABLE = (uint64_t{1024} << 20) / sizeof(TTEntry);
+
 constexpr uint64_t LOCK_MASK = 0xffffffff00000000ULL;
 
 // Results of a probe that finds nothing, in `depth`.
@@ -99,6 +106,32 @@ void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
 // One game ply counts as much as 32 plies of depth.
 int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + data.depth; }
 
+uint64_t Filled() {
+    uint64_t filled = 0;
+    for (const FillCounter& counter : ttcnt)
+        filled += counter.count;
+    return filled;
+}
+
+// Claims the memory of a table of this size, empty. False, and no table, if there is none.
+bool Claim(uint64_t wanted) {
+    entries = wanted;
+    block_bytes = (entries + SPARE_ENTRIES) * sizeof(TTEntry);
+    hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
+    if (hashtable == nullptr)
+        return false;
+    SetSlots(entries / 2);
+    htable[WHITE] = hashtable;
+    htable[BLACK] = hashtable + slots + BUCKET;
+    return true;
+}
+
+// Has the system put memory behind every page of an empty table.
+void TouchPages() {
+    for (uint64_t i = 0; i < entries; i += ENTRIES_OF_PAGE)
+        hashtable[i].data.store(0, std::memory_order_relaxed);
+}
+
 void ForgetFill() {
     for (FillCounter& counter : ttcnt)
         counter.count = 0;
@@ -137,22 +170,27 @@ uint64_t SlotOf(uint64_t key) {
 int InitTTable() {
     KillTTable();
     const auto megabytes = static_cast<uint64_t>(PBlock.hash_mb);
-    entries = (megabytes << 20) / sizeof(TTEntry);
-    block_bytes = (entries + SPARE_ENTRIES) * sizeof(TTEntry);
-    hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
-    if (hashtable == nullptr)
+    if (!Claim((megabytes << 20) / sizeof(TTEntry)))
         return -1;
-    SetSlots(entries / 2);
-    htable[WHITE] = hashtable;
-    htable[BLACK] = hashtable + slots + BUCKET;
     ForgetFill();
     FillKeyTables();
     return 0;
 }
 
 void ClearTTable() {
-    if (hashtable != nullptr)
+    const uint64_t size = entries;
+    const uint64_t filled = Filled();
+    const bool small = size <= SMALL_TABLE;
+    if (filled == 0) {
+        if (small)
+            TouchPages();
+    } else if (small || (size <= LARGE_TABLE && filled > size / ENTRIES_OF_PAGE)) {
         std::memset(static_cast<void*>(hashtable), 0, block_bytes);
+    } else {
+        // To write where no search has written would claim the memory there, which can take seconds.
+        KillTTable();
+        Claim(size);  // should it fail, searches find no table
+    }
     ForgetFill();
 }
 
@@ -163,12 +201,7 @@ void KillTTable() {
     SetSlots(0);
 }
 
-void CheckTTable() {
-    uint64_t filled = 0;
-    for (const FillCounter& counter : ttcnt)
-        filled += counter.count;
-    PBlock.hash_fill = entries ? static_cast<double>(filled) / static_cast<double>(entries) : 0.0;
-}
+void CheckTTable() { PBlock.hash_fill = entries ? static_cast<double>(Filled()) / static_cast<double>(entries) : 0.0; }
 
 void ProbeTTable(Position* pos, TTData* result) {
     *result = TTData{0, NO_SCORE, 0, NOT_THERE, 0};

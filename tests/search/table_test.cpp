@@ -151,13 +151,15 @@ TEST_F(Table, SlotIsTheRemainderOfTheKey) {
 }
 
 TEST_F(Table, EverySizeHoldsEveryPosition) {
-    for (const int megabytes : {63, 1, 0}) {
+    for (const int megabytes : {300, 63, 1, 0}) {
         Resize(megabytes);
         EXPECT_EQ(entries, static_cast<uint64_t>(megabytes) * 65536);
         for (const std::string& fen : RandomPositions(50, 9)) {
             TestPosition pos(fen);
             Store(pos.get(), 5, NO_MOVE);
             EXPECT_EQ(Probe(pos.get()).depth >= TT_FOUND, megabytes > 0);
+            ClearTTable();
+            EXPECT_LT(Probe(pos.get()).depth, TT_FOUND);
         }
     }
 }
