@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "board/generate.h"
 #include "board/legality.h"
@@ -24,12 +26,22 @@ struct MoveParts {
     uint64_t to = ALL_SQUARES;
     unsigned types = 0;                  // bit n: a mover of type n
     unsigned promotions = NO_PROMOTION;  // bit n: a promotion to type n
+    bool are_form = false;               // whatever move has the parts has the text as a form
 };
 
 bool HasParts(const MoveParts& parts, const MoveEntry& entry) {
     const int promotion = entry.move & PROMOTION_BITS ? PromotedType(entry.move) : NO_PIECE;
     return (parts.to & Bit(ToSquare(entry.move))) && (parts.from & Bit(FromSquare(entry.move))) &&
            (parts.types >> TypeOf(entry.piece) & 1) && (parts.promotions >> promotion & 1);
+}
+
+// True if a text that begins with a letter and ends in the target square is the form of a move that no other piece of
+// the kind can make: "Nf3", or "Nxf3" if it takes something. The king's may be castling.
+bool IsPlainForm(const MoveEntry& entry, std::string_view text) {
+    const int type = TypeOf(entry.piece);
+    if (type == PAWN || type == KING || text[0] != piece_letters[type])
+        return false;
+    return entry.captured ? text.size() == 4 && text[1] == 'x' : text.size() == 3;
 }
 
 // Number of legal moves that have the parts and, unless it is null, the text as a form. `result` is the last of them, 0
@@ -40,9 +52,10 @@ int CountMoves(Position* pos, const MoveParts& parts, const char* form, Move* re
     MoveEntry* end = pos->frames[pos->ply].first;
     if (parts.types >> PAWN & 1)
         end = GeneratePawnMoves(*pos, pos->stm, end);
-    for (int type = KNIGHT; type <= KING; ++type)
-        if (parts.types >> type & 1)
-            end = GeneratePieceMoves(*pos, pos->stm, type, parts.to, end);
+    for (unsigned types = parts.types & PIECES; types != 0; types &= types - 1)
+        end = GeneratePieceMoves(*pos, pos->stm, GetLSB(types), parts.to, end);
+    if (form != nullptr && end - entry == 1 && IsPlainForm(*entry, form))
+        form = nullptr;
     int count = 0;
     *result = NO_MOVE;
     for (; entry != end; ++entry) {
@@ -63,13 +76,16 @@ constexpr uint64_t SquaresOfFile(char c) { return FILE_A << (c - 'a'); }
 constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * (c - '1'); }
 constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & SquaresOfRank(text[1]); }
 
-// Bit of the type, 0 if the letter is none of a piece.
-constexpr unsigned TypeOfLetter(char letter) {
+// Bits of the types, by letter.
+constexpr std::array<uint8_t, 256> type_of_letter = [] {
+    std::array<uint8_t, 256> types{};
     for (int type = PAWN; type <= KING; ++type)
-        if (piece_letters[type] == letter)
-            return 1U << type;
-    return 0;
-}
+        types[static_cast<unsigned char>(piece_letters[type])] = 1U << type;
+    return types;
+}();
+
+// Bit of the type, 0 if the letter is none of a piece.
+constexpr unsigned TypeOfLetter(char letter) { return type_of_letter[static_cast<unsigned char>(letter)]; }
 
 unsigned TypeOn(const Position& pos, uint64_t square) { return 1U << TypeOf(pos.board[GetLSB(square)]); }
 
@@ -122,6 +138,7 @@ bool PartsOfPawnOrCoordinates(const Position& pos, const char* text, size_t leng
         return false;
     parts->from = SquareIn(text);
     parts->types = TypeOn(pos, parts->from);
+    parts->are_form = true;
     return true;
 }
 
@@ -211,7 +228,7 @@ int IsValidMove(char* text, Move* result) {
     MoveParts parts;
     if (!PartsOfForm(*pos, text, length, &parts))
         return 0;
-    const int matches = CountMoves(pos, parts, text, result);
+    const int matches = CountMoves(pos, parts, parts.are_form ? nullptr : text, result);
     if (matches == 2)
         Print("ambiguous move\n");
     return matches == 1 ? 1 : 0;
