@@ -80,7 +80,7 @@ constexpr uint64_t SquareIn(const char* text) { return SquaresOfFile(text[0]) & 
 constexpr std::array<uint8_t, 256> type_of_letter = [] {
     std::array<uint8_t, 256> types{};
     for (int type = PAWN; type <= KING; ++type)
-        types[static_cast<unsigned char>(piece_letters[type])] = 1U << type;
+        types[static_cast<unsigned char>(piece_letters[type])] = static_cast<uint8_t>(1U << type);
     return types;
 }();
 
