@@ -25,7 +25,7 @@ inline constexpr int MOVE_STACK = 66 * 256 + MOVE_STACK_RESERVE;
 enum RootState : uint8_t { ROOT_AT_WORK = 0, ROOT_GAVE_UP = 99 };
 
 // Values of work_flag.
-enum WorkFlag : uint8_t { WORK_IDLE = 0, WORK_SEARCH = 1, WORK_END = 99 };
+enum WorkFlag : int { WORK_IDLE = 0, WORK_SEARCH = 1, WORK_END = 99 };
 
 // Everything that one thread writes during a search. Slot 0 of ThreadData is the game record: it belongs to the main
 // thread and holds the position of the game. Slots 1 to 64 are the workers.
@@ -41,13 +41,13 @@ struct alignas(64) SearchThread {
     alignas(64) std::array<EvalHashEntry, EVAL_CACHE_SIZE> eval_cache;
     alignas(64) std::array<PawnHashEntry, PAWN_CACHE_SIZE> pawn_cache;
 
-    int8_t id;                       // equal to pos.thread_index
-    std::atomic<uint8_t> work_flag;  // the main thread sets it (release), the worker clears it
-    RootState root_state;            // whether this worker gave up the iteration
-    int8_t ext_count;                // path counter of the accumulated extension
-    uint64_t quiet_limit;            // value of `nodes` at which the quiescence tree in work is cut short
-    uint32_t seed;                   // random state for root perturbation
-    int16_t root_eval;               // static evaluation of the root
+    int8_t id;                   // equal to pos.thread_index
+    std::atomic<int> work_flag;  // the main thread sets it (release), the worker clears it
+    RootState root_state;        // whether this worker gave up the iteration
+    int8_t ext_count;            // path counter of the accumulated extension
+    uint64_t quiet_limit;        // value of `nodes` at which the quiescence tree in work is cut short
+    uint32_t seed;               // random state for root perturbation
+    int16_t root_eval;           // static evaluation of the root
 
     // Written by this thread, read by others: they only steer policies and reports.
     Relaxed<int8_t> depth;        // iteration in progress

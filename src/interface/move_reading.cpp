@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "board/generate.h"
 #include "board/legality.h"
@@ -26,12 +27,22 @@ struct MoveParts {
     uint64_t to = ALL_SQUARES;
     unsigned types = 0;                  // bit n: a mover of type n
     unsigned promotions = NO_PROMOTION;  // bit n: a promotion to type n
+    bool are_form = false;               // whatever move has the parts has the text as a form
 };
 
 bool HasParts(const MoveParts& parts, const MoveEntry& entry) {
     const int promotion = entry.move & PROMOTION_BITS ? PromotedType(entry.move) : NO_PIECE;
     return (parts.to & Bit(ToSquare(entry.move))) && (parts.from & Bit(FromSquare(entry.move))) &&
            (parts.types >> TypeOf(entry.piece) & 1) && (parts.promotions >> promotion & 1);
+}
+
+// True if a text that begins with a letter and ends in the target square is the form of a move that no other piece of
+// the kind can make: "Nf3", or "Nxf3" if it takes something. The king's may be castling.
+bool IsPlainForm(const MoveEntry& entry, std::string_view text) {
+    const int type = TypeOf(entry.piece);
+    if (type == PAWN || type == KING || text[0] != fen_letters[type])
+        return false;
+    return entry.captured ? text.size() == 4 && text[1] == 'x' : text.size() == 3;
 }
 
 // Number of legal moves that have the parts and, unless it is null, the text as a form. `result` is the last of them, 0
@@ -42,10 +53,11 @@ int CountMoves(const Position& pos, const MoveParts& parts, const char* form, Mo
     MoveEntry* end = list.data();
     if (parts.types >> PAWN & 1)
         end = GeneratePawnMoves(pos, pos.stm, end);
-    for (int type = KNIGHT; type <= KING; ++type)
-        if (parts.types >> type & 1)
-            end = GeneratePieceMoves(pos, pos.stm, type, parts.to, end);
+    for (unsigned types = parts.types & PIECES; types != 0; types &= types - 1)
+        end = GeneratePieceMoves(pos, pos.stm, GetLSB(types), parts.to, end);
     assert(end <= list.data() + list.size());
+    if (form != nullptr && end - list.data() == 1 && IsPlainForm(list[0], form))
+        form = nullptr;
     int count = 0;
     *result = NO_MOVE;
     for (const MoveEntry* entry = list.data(); entry != end; ++entry) {
@@ -65,13 +77,16 @@ constexpr uint64_t SquaresOfFile(char c) { return FILE_A << FileIn(c); }
 constexpr uint64_t SquaresOfRank(char c) { return RANK_1 << 8 * RankIn(c); }
 constexpr uint64_t SquareIn(const char* text) { return Bit(ReadSquare(text)); }
 
-// Bit of the type, 0 if the letter is none of a piece.
-constexpr unsigned TypeOfLetter(char letter) {
+// Bits of the types, by letter.
+constexpr std::array<uint8_t, 256> type_of_letter = [] {
+    std::array<uint8_t, 256> types{};
     for (int type = PAWN; type <= KING; ++type)
-        if (fen_letters[type] == letter)
-            return 1U << type;
-    return 0;
-}
+        types[static_cast<unsigned char>(fen_letters[type])] = static_cast<uint8_t>(1U << type);
+    return types;
+}();
+
+// Bit of the type, 0 if the letter is none of a piece.
+constexpr unsigned TypeOfLetter(char letter) { return type_of_letter[static_cast<unsigned char>(letter)]; }
 
 // Bit of the type that stands on a square; an empty square has none of the bits of a piece.
 unsigned TypeOn(const Position& pos, uint64_t square) { return 1U << TypeOf(pos.board[GetLSB(square)]); }
@@ -125,6 +140,7 @@ bool PartsOfPawnOrCoordinates(const Position& pos, const char* text, size_t leng
         return false;
     parts->from = SquareIn(text);
     parts->types = TypeOn(pos, parts->from);
+    parts->are_form = true;
     return true;
 }
 
@@ -212,7 +228,7 @@ int CountMatches(char* text, Move* result) {
     const Position& pos = *GamePosition();
     const size_t length = Normalise(text);
     MoveParts parts;
-    return PartsOfForm(pos, text, length, &parts) ? CountMoves(pos, parts, text, result) : 0;
+    return PartsOfForm(pos, text, length, &parts) ? CountMoves(pos, parts, parts.are_form ? nullptr : text, result) : 0;
 }
 
 }  // namespace

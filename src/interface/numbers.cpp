@@ -24,8 +24,8 @@ double ReadReal(const char* text, double lowest, double highest) {
 
 // A number of up to 15 digits is a quotient of two that a double holds exactly: it is rounded once, as its text is.
 double ReadDecimal(const char* text) {
-    constexpr std::array<double, 16> powers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    static constexpr std::array<double, 16> powers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     constexpr int most_digits = 15;
     const char* at = *text == '+' || *text == '-' ? text + 1 : text;
     int64_t digits = 0;

@@ -45,6 +45,12 @@ bool LooksLikeTag(std::string_view line) {
     return name_end != line.begin() + 1 && value != name_end && value != line.end() && *value == '"';
 }
 
+// False if no tag of the line can be one that tells something of the game, as its first letter shows.
+bool MayNameWhatCounts(std::string_view line) {
+    const size_t bracket = line.find('[') + 1;
+    return Contains("EFRV", line.substr(bracket, 1)) || Contains(line.substr(bracket), "[");
+}
+
 int WinnerIn(std::string_view text) {
     return Contains(text, "1-0") ? WHITE_WON : Contains(text, "0-1") ? BLACK_WON : NOBODY_WON;
 }
@@ -88,6 +94,8 @@ constexpr std::array<CharacterKind, 256> character_kind = [] {
 
 CharacterKind KindOf(char c) { return character_kind[static_cast<unsigned char>(c)]; }
 
+bool IsSign(char c) { return c == '!' || c == '?' || c == '#' || c == '$' || c == '*'; }
+
 bool IsResult(std::string_view word) { return word == "1-0" || word == "0-1" || word == "1/2-1/2" || word == "*"; }
 
 // The sign of a passed turn behind a move number; empty if the word is none.
@@ -100,10 +108,13 @@ std::string_view PassedTurn(std::string_view word) {
 
 // A word without what annotators glue to it.
 std::string_view WithoutSigns(std::string_view word) {
-    word = word.substr(0, word.find_first_of("!?#$*"));
-    for (const std::string_view sign : {"e.p.", "ep"})
-        if (word.ends_with(sign))
-            return word.substr(0, word.size() - sign.size());
+    const auto end = std::find_if(word.begin(), word.end(), [](char c) { return IsSign(c); });
+    word = word.substr(0, static_cast<size_t>(end - word.begin()));
+    // Most words end in the digit of a rank.
+    if (word.ends_with('.') || word.ends_with('p'))
+        for (const std::string_view sign : {"e.p.", "ep"})
+            if (word.ends_with(sign))
+                return word.substr(0, word.size() - sign.size());
     return word;
 }
 
@@ -187,6 +198,8 @@ void PgnReader::ReadTag() {
     braces_ = 0;
     brackets_ = 0;
     over_ = game_.foreign;
+    if (!MayNameWhatCounts(line_))
+        return;
     has_event_ = has_event_ || TagValue(line_, "[Event");
     if (const size_t place = line_.find("[Result"); place != std::string_view::npos)
         game_.winner = WinnerIn(dialect_ == PGN_FOR_BOOK ? line_ : Quoted(line_.substr(place)));
@@ -212,6 +225,8 @@ bool PgnReader::ReadText(PgnItem* item) {
                 return true;
             continue;
         }
+        if (over_ && !GoToNextComment())
+            break;
         switch (KindOf(*at_)) {
             case OPEN_BRACE:
                 braces_ = 1;
@@ -241,6 +256,14 @@ bool PgnReader::ReadText(PgnItem* item) {
     return braces_ > 0 && IsGivenOut();
 }
 
+// In a game of which nothing more is wanted: only comments can still hide what looks like a tag. False at the end of
+// the line.
+bool PgnReader::GoToNextComment() {
+    const std::string_view rest(at_, static_cast<size_t>(end_ - at_));
+    at_ += std::min({rest.find('{'), rest.find(';'), rest.size()});
+    return at_ != end_;
+}
+
 // Inside of braces: the part of the comment up to the next brace or the end of the line, or what a brace means.
 bool PgnReader::ReadComment(PgnItem* item) {
     const char* begin = at_;
@@ -266,11 +289,10 @@ bool PgnReader::ReadWord(PgnItem* item) {
 
 std::string_view PgnReader::TakeWord() {
     const char* begin = at_;
-    bool whole = true;
-    for (; at_ != end_ && KindOf(*at_) >= DROPPED; ++at_)
-        whole = whole && KindOf(*at_) == IN_WORD;
-    if (whole)
-        return {begin, static_cast<size_t>(at_ - begin)};
+    const char* at = std::find_if_not(begin, end_, [](char c) { return KindOf(c) == IN_WORD; });
+    at_ = std::find_if_not(at, end_, [](char c) { return KindOf(c) >= DROPPED; });
+    if (at == at_)
+        return {begin, static_cast<size_t>(at - begin)};
     word_.clear();
     std::copy_if(begin, at_, std::back_inserter(word_), [](char c) { return KindOf(c) == IN_WORD; });
     return word_;
@@ -279,8 +301,9 @@ std::string_view PgnReader::TakeWord() {
 // Finds the move in a word, or the end of the game. A passed turn is a move that nobody can read.
 bool PgnReader::TakeMove(std::string_view word) {
     if (!word.empty() && !IsLetter(word[0])) {
-        over_ = IsResult(word);
-        text_ = over_ ? std::string_view() : PassedTurn(word);
+        const bool number = word.back() == '.';
+        over_ = !number && IsResult(word);
+        text_ = number || over_ ? std::string_view() : PassedTurn(word);
         if (over_ || !text_.empty())
             return !over_;
         const bool zeros = dialect_ == PGN_FOR_BOOK;

@@ -68,6 +68,7 @@ private:
     void BeginGame();
     void ReadTag();
     bool ReadText(PgnItem* item);
+    bool GoToNextComment();
     bool ReadComment(PgnItem* item);
     bool ReadWord(PgnItem* item);
     std::string_view TakeWord();

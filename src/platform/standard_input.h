@@ -16,8 +16,13 @@ int ReadInput(char* buffer, int size);
 // The same, but waits until there is a byte or the end: the number of bytes or INPUT_ENDED.
 int WaitForInput(char* buffer, int size);
 
-// Sleeps for so many microseconds, less than a second, but not beyond the arrival of a byte or of the end.
-void SleepUntilInput(int microseconds);
+// Sleeps for so many microseconds, less than a second, or UNTIL_WOKEN, but not beyond a call of WakeMainThread and, if
+// `by_input` says so, the arrival of a byte or of the end. It may end early without a reason.
+inline constexpr int UNTIL_WOKEN = -1;
+void SleepUntilWoken(int microseconds, bool by_input);
+
+// Ends the sleep of the main thread, the next one if it is awake. For any thread.
+void WakeMainThread();
 
 // True if a person types at a terminal.
 bool InputIsTerminal();

@@ -13,11 +13,12 @@ int StartThread(ThreadBody body, void* argument);
 // Lets another thread have the processor, if one wants it.
 void LetOthersRun();
 
-// Sleeps while the byte has this value, and sees what was written before the change.
-void WaitForChange(const std::atomic<uint8_t>& byte, uint8_t value);
+// Sleeps while the flag has this value, and sees what was written before the change. Systems put threads to sleep on an
+// int: one that waits on a smaller value is woken by changes of others as well.
+void WaitForChange(const std::atomic<int>& flag, int value);
 
-// Wakes a thread that waits for the change of the byte that has just been made.
-void WakeWaiter(std::atomic<uint8_t>* byte);
+// Wakes a thread that waits for the change of the flag that has just been made.
+void WakeWaiter(std::atomic<int>* flag);
 
 // A lock for stretches of a few instructions or one line of output: a waiter spins.
 class SpinLock {

@@ -5,7 +5,7 @@
 #include "board/attacks.h"
 #include "board/legality.h"
 #include "eval/personality.h"
-#include "platform/clock.h"
+#include "platform/standard_input.h"
 #include "search/search.h"
 #include "search/search_report.h"
 #include "search/thread_pool.h"
@@ -18,6 +18,7 @@ void (*poll_input)() = [] {};
 namespace {
 
 constexpr int FIFTY_LIMIT = 100;  // plies; with more behind it the game is drawn
+constexpr int TOOL_TURN = 1000;   // microseconds between a tool's looks at clock and input
 
 bool workers_have_run = false;  // the search to be reported is the workers'
 
@@ -91,8 +92,7 @@ void StopSearch(StopReason reason) { PBlock.stop = reason; }
 // The wait is short: every node of the full-width search looks at `stop`.
 void StopSearchAndWait() {
     StopSearch(STOP_COMMAND);
-    while (!WorkersIdle())
-        SleepMilliseconds(1);
+    WaitUntilIdle();
 }
 
 void EndRunningSearch() {
@@ -170,7 +170,6 @@ void InitSearch(SearchState state) {
 
 void SearchHere() { SearchIterations(1); }
 
-// It doesn't sleep before there is a result, so that the quickest searches lose no time.
 void SearchOnWorkers() {
     StartWorkers();
     while (!WorkersIdle()) {
@@ -178,8 +177,7 @@ void SearchOnWorkers() {
         // The end of the program is asked for while a tool is at work; its search has to end first.
         if (PBlock.quit)
             StopSearch(STOP_COMMAND);
-        if (PBlock.depth > 1 && PBlock.done_depth > 0)
-            SleepMilliseconds(1);
+        SleepUntilWoken(TOOL_TURN, false);
     }
     PollSearch();  // a question that waits for idle workers is answered
 }

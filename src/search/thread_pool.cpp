@@ -6,7 +6,7 @@
 
 #include "board/search_thread.h"
 #include "interface/pblock.h"
-#include "platform/clock.h"
+#include "platform/standard_input.h"
 #include "platform/threads.h"
 #include "search/search.h"
 #include "search/search_control.h"
@@ -19,22 +19,33 @@ namespace {
 
 std::array<int, MAX_THREADS + 1> thread_id;  // arguments of the thread functions, which outlive their start
 
+// Workers that have been given work and haven't gone by EndWork since. Looking at the flags wouldn't tell a worker that
+// it is the last: two that clear theirs at once may each still see the other's.
+std::atomic<int> at_work{0};
+
+// The record of the worker may be replaced as soon as its flag is cleared.
+void EndWork(SearchThread* self) {
+    self->work_flag.store(WORK_IDLE, std::memory_order_release);
+    if (at_work.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        WakeMainThread();
+}
+
 // The body of a worker: makes its record, then waits for work until it is told to end.
 void* SearchThreadFunc(void* arg) {
     const int id = *static_cast<int*>(arg);
     // Without memory for a worker there is no engine, and nobody here to tell.
     if (InitNewThread(id) != 0)
         std::_Exit(0);
+    WakeMainThread();
     SearchThread* self = GetThread(id);
     while (true) {
         WaitForChange(self->work_flag, WORK_IDLE);
-        if (self->work_flag.load(std::memory_order_acquire) == WORK_END) {
-            // The record may be replaced from here on.
-            self->work_flag.store(WORK_IDLE, std::memory_order_release);
+        const bool go_on = self->work_flag.load(std::memory_order_relaxed) != WORK_END;
+        if (go_on)
+            SearchIterations(id);
+        EndWork(self);
+        if (!go_on)
             return nullptr;
-        }
-        SearchIterations(id);
-        self->work_flag.store(WORK_IDLE, std::memory_order_release);
     }
 }
 
@@ -43,13 +54,9 @@ void WakeWorker(int id, WorkFlag flag) {
     SearchThread* worker = GetThread(id);
     assert(worker->work_flag.load(std::memory_order_relaxed) == WORK_IDLE);
     // The position and the limits that were written before go with the flag.
+    at_work.fetch_add(1, std::memory_order_relaxed);
     worker->work_flag.store(flag, std::memory_order_release);
     WakeWaiter(&worker->work_flag);
-}
-
-void WaitUntilIdle() {
-    while (!WorkersIdle())
-        SleepMilliseconds(1);
 }
 
 // A new search of the slot begins: nothing of the last one is left in what others read.
@@ -98,7 +105,7 @@ int CreateThreadPool(int n) {
     // A record appears when it is complete.
     for (int i = 1; i <= n; ++i)
         while (GetThread(i) == nullptr)
-            SleepMilliseconds(1);
+            SleepUntilWoken(UNTIL_WOKEN, false);
     return 0;
 }
 
@@ -117,6 +124,11 @@ bool WorkersIdle() {
         if (GetThread(i)->work_flag.load(std::memory_order_acquire) != WORK_IDLE)
             return false;
     return true;
+}
+
+void WaitUntilIdle() {
+    while (!WorkersIdle())
+        SleepUntilWoken(UNTIL_WOKEN, false);
 }
 
 // Worker 1 goes first: its line is the one that is waited for.

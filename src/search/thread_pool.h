@@ -12,8 +12,11 @@ int CreateThreadPool(int n);
 // Ends workers 1 to n, after whatever they are searching.
 void KillThreadPool(int n);
 
-// True if no worker searches.
+// True if no worker searches. When the last one has ended, it wakes the main thread.
 bool WorkersIdle();
+
+// Sleeps until no worker searches.
+void WaitUntilIdle();
 
 // Gives the workers 1 to nthreads their work; the position has been handed over by PrepareThreads.
 void StartWorkers();

@@ -23,8 +23,14 @@ namespace {
 
 constexpr int BUCKET = 4;
 constexpr uint64_t SPARE_ENTRIES = 16;
+constexpr uint64_t ENTRIES_OF_PAGE = 4096 / sizeof(TTEntry);  // of the smallest page that a system has
+
+// Up to 256 MiB a table has all its memory from the first clearing on, so that no search waits for it.
+constexpr uint64_t SMALL_TABLE = (uint64_t{256} << 20) / sizeof(TTEntry);
+// Up to 1 GiB one that has been used everywhere keeps its memory when it is cleared.
+constexpr uint64_t LARGE_TABLE = (uint64_t{1024} << 20) / sizeof(TTEntry);
+
 constexpr uint64_t LOCK_MASK = 0xffffffff00000000ULL;
-constexpr uint64_t DEFAULT_SLOTS = 0x200000;
 
 // Results of a probe that finds an entry which can't be used, in `depth`.
 constexpr int8_t TORN = -98;        // its words are those of two writers
@@ -38,6 +44,8 @@ constexpr int PROTECTED_BELOW_ITERATION = 6;
 // Starts of the halves for white and for black to move, and the slots of each half.
 std::array<TTEntry*, 2> htable;
 uint64_t slots = 0;
+uint64_t slot_mask = 0;        // slots - 1 if that has all lower bits set, else 0
+uint64_t slot_reciprocal = 0;  // 2^64 / slots, rounded down
 uint64_t block_bytes = 0;
 
 // Entries that were empty when stored into, by thread: each counter has one writer and a cache line of its own.
@@ -70,13 +78,19 @@ uint64_t CheckWord(const TTData& data, uint64_t key) {
 
 bool LockMatches(uint64_t check, uint64_t key) { return ((check ^ key) & LOCK_MASK) == 0; }
 
-// First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
-// The usual size is spared the division.
-TTEntry* Bucket(uint64_t key, Side stm) {
-    assert(slots != 0);
-    const uint64_t slot = slots == DEFAULT_SLOTS ? key & (DEFAULT_SLOTS - 1) : key % slots;
-    return htable[stm] + slot;
+void SetSlots(uint64_t number) {
+    slots = number;
+    slot_mask = std::has_single_bit(slots) ? slots - 1 : 0;
+    slot_reciprocal = slots ? UINT64_MAX / slots : 0;
 }
+
+uint64_t HighWord(uint64_t a, uint64_t b) {
+    __extension__ using Product = unsigned __int128;
+    return static_cast<uint64_t>((Product{a} * b) >> 64);
+}
+
+// First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
+TTEntry* Bucket(uint64_t key, Side stm) { return htable[stm] + SlotOf(key); }
 
 // An entry that is in use stays young. Only the age changes, and only if the entry is still what was read: an older
 // first word put back under another writer's check word would pass for its own.
@@ -90,6 +104,32 @@ void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
 
 // One game ply counts as much as 32 plies of depth.
 int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + data.depth; }
+
+uint64_t Filled() {
+    uint64_t filled = 0;
+    for (const FillCounter& counter : ttcnt)
+        filled += counter.count;
+    return filled;
+}
+
+// Claims the memory of a table of this size, empty. False, and no table, if there is none.
+bool Claim(uint64_t wanted) {
+    entries = wanted;
+    block_bytes = (entries + SPARE_ENTRIES) * sizeof(TTEntry);
+    hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
+    if (hashtable == nullptr)
+        return false;
+    SetSlots(entries / 2);
+    htable[WHITE] = hashtable;
+    htable[BLACK] = hashtable + slots + BUCKET;
+    return true;
+}
+
+// Has the system put memory behind every page of an empty table.
+void TouchPages() {
+    for (uint64_t i = 0; i < entries; i += ENTRIES_OF_PAGE)
+        hashtable[i].data.store(0, std::memory_order_relaxed);
+}
 
 void ForgetFill() {
     for (FillCounter& counter : ttcnt)
@@ -136,19 +176,20 @@ void Find(const Position& pos, TTData* result) {
 
 }  // namespace
 
+uint64_t SlotOf(uint64_t key) {
+    if (slot_mask)
+        return key & slot_mask;
+    // The reciprocal falls short of 2^64 / slots by at most 1, so that the product falls short of key / slots by less
+    // than 1: the quotient is right or one too small.
+    const uint64_t rest = key - HighWord(key, slot_reciprocal) * slots;
+    return rest < slots ? rest : rest - slots;
+}
+
 int InitTTable() {
     KillTTable();
     const auto megabytes = static_cast<uint64_t>(PBlock.hash_mb);
-    entries = (megabytes << 20) / sizeof(TTEntry);
-    block_bytes = (entries + SPARE_ENTRIES) * sizeof(TTEntry);
-    hashtable = static_cast<TTEntry*>(AllocatePages(block_bytes));
-    if (hashtable == nullptr)
+    if (!Claim((megabytes << 20) / sizeof(TTEntry)))
         return -1;
-    // Behind each half lies a bucket's rest, for keys of the last slots.
-    slots = entries / 2;
-    htable[WHITE] = hashtable;
-    htable[BLACK] = hashtable + slots + BUCKET;
-    static_assert(2 * BUCKET <= SPARE_ENTRIES);
     ForgetFill();
     FillKeyTables();
     return 0;
@@ -156,8 +197,19 @@ int InitTTable() {
 
 // Zeroed words are empty entries, as Pack has it.
 void ClearTTable() {
-    if (hashtable != nullptr)
+    const uint64_t size = entries;
+    const uint64_t filled = Filled();
+    const bool small = size <= SMALL_TABLE;
+    if (filled == 0) {
+        if (small)
+            TouchPages();
+    } else if (small || (size <= LARGE_TABLE && filled > size / ENTRIES_OF_PAGE)) {
         std::memset(static_cast<void*>(hashtable), 0, block_bytes);
+    } else {
+        // To write where no search has written would claim the memory there, which can take seconds.
+        KillTTable();
+        Claim(size);  // should it fail, searches find no table
+    }
     ForgetFill();
 }
 
@@ -166,15 +218,10 @@ void KillTTable() {
     hashtable = nullptr;
     // Without slots nothing is looked up or stored.
     entries = 0;
-    slots = 0;
+    SetSlots(0);
 }
 
-void CheckTTable() {
-    uint64_t filled = 0;
-    for (const FillCounter& counter : ttcnt)
-        filled += counter.count;
-    PBlock.hash_fill = entries ? static_cast<double>(filled) / static_cast<double>(entries) : 0.0;
-}
+void CheckTTable() { PBlock.hash_fill = entries ? static_cast<double>(Filled()) / static_cast<double>(entries) : 0.0; }
 
 void ProbeTTable(Position* pos, TTData* result) {
     *result = TT_NOT_THERE;

@@ -47,6 +47,9 @@ void ProbeTTable(Position* pos, TTData* result);
 // `score` as the search sees it at `ply`.
 void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move);
 
+// The slot of a key in the half of its side to move: the key modulo the slots of a half. There must be a table.
+uint64_t SlotOf(uint64_t key);
+
 // Brings the bucket of a key into the cache ahead of its probe.
 void PrefetchTTable(uint64_t key, Side stm);
 

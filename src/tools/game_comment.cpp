@@ -77,20 +77,19 @@ void AddToComment(GameComment* comment, std::string_view part) {
     if (comment->in_eval)
         AddToEval(comment, part);
     uint64_t latest = comment->last_characters;
-    bool has_book = comment->has_book;
-    bool has_slash = comment->has_slash;
     for (size_t i = 0; i < part.size(); ++i) {
-        latest = Append(latest, part[i]);
-        has_book |= kBook.Ends(latest);
-        has_slash |= part[i] == '/';
-        if (kEval.Ends(latest) && !comment->has_eval) {
+        const char c = part[i];
+        latest = Append(latest, c);
+        if (c == '/') {
+            comment->has_slash = true;
+        } else if (c == 'k') {
+            comment->has_book |= kBook.Ends(latest);
+        } else if (c == ' ' && kEval.Ends(latest) && !comment->has_eval) {
             comment->has_eval = true;
             AddToEval(comment, part.substr(i + 1));
         }
     }
     comment->last_characters = latest;
-    comment->has_book = has_book;
-    comment->has_slash = has_slash;
 }
 
 std::optional<int16_t> ScoreOfComment(const GameComment& comment, bool black) {

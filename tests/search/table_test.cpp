@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "board/fen.h"
 #include "interface/pblock.h"
 #include "search/transposition.h"
@@ -133,14 +135,31 @@ TEST_F(Table, LowestValueOfABucketIsReplaced) {
     EXPECT_DOUBLE_EQ(PBlock.hash_fill, 4.0 / static_cast<double>(entries)) << "only empty places count";
 }
 
+TEST_F(Table, SlotIsTheRemainderOfTheKey) {
+    std::mt19937_64 random(19);
+    for (const int megabytes : {1, 2, 3, 5, 63, 64, 65, 100, 127, 1000, 1024, 4095, 8191, 8192}) {
+        Resize(megabytes);
+        const uint64_t slots = entries / 2;
+        for (const uint64_t multiple : {uint64_t{0}, slots, UINT64_MAX / slots * slots, random() / slots * slots})
+            for (const uint64_t beside : {uint64_t{0}, uint64_t{1}, UINT64_MAX})
+                EXPECT_EQ(SlotOf(multiple + beside), (multiple + beside) % slots) << megabytes;
+        for (int i = 0; i < 10000; ++i) {
+            const uint64_t key = random();
+            ASSERT_EQ(SlotOf(key), key % slots) << key << " of " << megabytes;
+        }
+    }
+}
+
 TEST_F(Table, EverySizeHoldsEveryPosition) {
-    for (const int megabytes : {63, 1, 0}) {
+    for (const int megabytes : {300, 63, 1, 0}) {
         Resize(megabytes);
         EXPECT_EQ(entries, static_cast<uint64_t>(megabytes) * 65536);
         for (const std::string& fen : RandomPositions(50, 9)) {
             TestPosition pos(fen);
             Store(pos.get(), 5, NO_MOVE);
             EXPECT_EQ(Probe(pos.get()).depth >= TT_FOUND, megabytes > 0);
+            ClearTTable();
+            EXPECT_LT(Probe(pos.get()).depth, TT_FOUND);
         }
     }
 }

@@ -13,6 +13,7 @@
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
+#include "platform/standard_input.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/thread_pool.h"
@@ -24,7 +25,7 @@ namespace vrel {
 namespace {
 
 constexpr int TURN = 2000;             // microseconds between looks at input and clock
-constexpr int SHORT_TURN = 200;        // the same when a search is about to end
+constexpr int SHORT_TURN = 200;        // the same in a short search
 constexpr double SHORT_SEARCH = 0.02;  // seconds
 constexpr int BOOK_PLIES = 35;         // of the game, beyond which no book is asked
 constexpr double ENDLESS = 90000.0;    // seconds: a target time from here on is no limit
@@ -132,18 +133,18 @@ void WaitForRequest() {
         UI_Sleep(1);
 }
 
-// A search that has been stopped is over in a moment, and its reply is due. One with hardly any time must not lose on
-// the way what its clock gains with each move.
+// What ends a turn early is input and the end of a search. Between searches nothing else happens, unless a line waits
+// that has been tried. A search with hardly any time must not lose on the way what its clock gains with each move.
 int TurnLength() {
-    if (WorkersIdle())
-        return TURN;
+    if (WorkersIdle() && !LineIsWaiting())
+        return UNTIL_WOKEN;
     const bool hurries = PBlock.trg_time < SHORT_SEARCH && PBlock.elapsed < SHORT_SEARCH;
-    return PBlock.stop || hurries ? SHORT_TURN : TURN;
+    return hurries ? SHORT_TURN : TURN;
 }
 
 void TakeTurn() {
     // A free engine has nothing to look after but its input: `go` follows `position` without delay.
-    if (!EngineIsFree() || !LineIsWaiting())
+    if (!EngineIsFree() || !(LineIsWaiting() || InputIsOver()))
         SleepForInput(TurnLength());
     SearchTimeout();
     UserInput();

@@ -13,7 +13,6 @@
 #include "interface/control/uci.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
-#include "platform/clock.h"
 #include "platform/standard_input.h"
 #include "search/search_control.h"
 #include "search/thread_pool.h"
@@ -213,14 +212,11 @@ void PayReadyOk() {
         ShowMessage("readyok");
 }
 
-void UI_Sleep(int milliseconds) { SleepMilliseconds(milliseconds); }
+void UI_Sleep(int milliseconds) { SleepUntilWoken(milliseconds * 1000, false); }
 
 void SleepForInput(int microseconds) {
     // With a whole line at hand, or no room, what arrives changes nothing.
-    if (ended || !HasRoom() || LineIsWaiting())
-        SleepMicroseconds(microseconds);
-    else
-        SleepUntilInput(microseconds);
+    SleepUntilWoken(microseconds, !ended && HasRoom() && !LineIsWaiting());
 }
 
 bool ReadDialogueLine(char* line, int size) {

@@ -36,11 +36,11 @@ bool LineIsHeld();
 void OweReadyOk();
 void PayReadyOk();
 
-// Sleeps for so many milliseconds.
+// Sleeps for so many milliseconds, but wakes when the workers have ended their search.
 void UI_Sleep(int milliseconds);
 
-// Sleeps for so many microseconds, but wakes for input that UserInput can take in. Lines that have arrived already wait
-// their turn.
+// Sleeps for so many microseconds, or UNTIL_WOKEN, but wakes when the workers have ended their search and for input
+// that UserInput can take in. Lines that have arrived already wait their turn.
 void SleepForInput(int microseconds);
 
 // Blocking read of one line for a dialogue, its end cut off: false at the end of the input.

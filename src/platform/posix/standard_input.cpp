@@ -1,6 +1,7 @@
 #include "platform/standard_input.h"
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -12,6 +13,8 @@ namespace vrel {
 namespace {
 
 bool ended = false;  // the end has been seen; it stays
+
+constexpr long BLIND_SLEEP = 1000000;  // nanoseconds between two looks of a sleeper that nobody can wake
 
 // Errors after which a later read may still work.
 bool IsPassing(int error) { return error == EAGAIN || error == EWOULDBLOCK || error == EINTR; }
@@ -40,6 +43,13 @@ int ReadWhenReady(char* buffer, int size, int timeout) {
     return INPUT_ENDED;
 }
 
+// Counts the calls of WakeMainThread since the last sleep. It is made when it is first used, so that it doesn't take
+// the place of a standard stream. Below 0 if there is none.
+int WakeCounter() {
+    static const int counter = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    return counter;
+}
+
 }  // namespace
 
 int ReadInput(char* buffer, int size) { return ReadWhenReady(buffer, size, 0); }
@@ -53,16 +63,20 @@ int WaitForInput(char* buffer, int size) {
     return count;
 }
 
-void SleepUntilInput(int microseconds) {
-    if (ended) {
-        SleepMicroseconds(microseconds);
-        return;
-    }
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    const timespec rest{0, microseconds * 1000L};
-    if (ppoll(&input, 1, &rest, nullptr) < 0)
+void SleepUntilWoken(int microseconds, bool by_input) {
+    const int counter = WakeCounter();
+    const bool may_last = microseconds < 0 && counter >= 0;
+    const timespec rest{0, microseconds < 0 ? BLIND_SLEEP : microseconds * 1000L};
+    // A negative descriptor is passed over.
+    pollfd wakers[] = {{counter, POLLIN, 0}, {by_input && !ended ? STDIN_FILENO : -1, POLLIN, 0}};
+    if (ppoll(wakers, 2, may_last ? nullptr : &rest, nullptr) < 0)
         SleepMilliseconds(1);
+    eventfd_t calls = 0;
+    if (wakers[0].revents != 0)
+        eventfd_read(counter, &calls);
 }
+
+void WakeMainThread() { eventfd_write(WakeCounter(), 1); }
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 

@@ -21,8 +21,8 @@ int StartThread(ThreadBody body, void* argument) {
 
 void LetOthersRun() { sched_yield(); }
 
-void WaitForChange(const std::atomic<uint8_t>& byte, uint8_t value) { byte.wait(value, std::memory_order_acquire); }
+void WaitForChange(const std::atomic<int>& flag, int value) { flag.wait(value, std::memory_order_acquire); }
 
-void WakeWaiter(std::atomic<uint8_t>* byte) { byte->notify_one(); }
+void WakeWaiter(std::atomic<int>* flag) { flag->notify_one(); }
 
 }  // namespace vrel

@@ -39,14 +39,27 @@ private:
     unsigned int period_ = 1;
 };
 
+// Handles to wait for, any of which ends the wait.
+struct WaitList {
+    HANDLE handles[3];
+    DWORD count = 0;
+
+    void Add(HANDLE handle) {
+        if (handle != nullptr)
+            handles[count++] = handle;
+    }
+    void Wait(DWORD milliseconds) const {
+        if (count == 0)
+            Sleep(milliseconds);
+        else
+            WaitForMultipleObjects(count, handles, FALSE, milliseconds);
+    }
+};
+
 // For systems that have no timers of higher resolution.
-void WaitForTick(HANDLE event, int microseconds) {
+void WaitForTick(const WaitList& list, int microseconds) {
     static const FineTicks fine_ticks;
-    const auto milliseconds = static_cast<DWORD>((microseconds + 999LL) / 1000);
-    if (event != nullptr)
-        WaitForSingleObject(event, milliseconds);
-    else
-        Sleep(milliseconds);
+    list.Wait(static_cast<DWORD>((microseconds + 999LL) / 1000));
 }
 
 }  // namespace
@@ -72,18 +85,25 @@ unsigned int TimeOfDaySeed() {
 }
 
 // A timer can be waited for together with an event, which a sleep can't.
-void WaitFor(void* event, int microseconds) {
+void WaitFor(int microseconds, void* event1, void* event2) {
+    WaitList list;
+    list.Add(event1);
+    list.Add(event2);
+    if (microseconds < 0) {
+        list.Wait(INFINITE);
+        return;
+    }
     const HANDLE timer = CreateWaitableTimerExW(nullptr, nullptr, HIGH_RESOLUTION, TIMER_MODIFY_STATE | SYNCHRONIZE);
     if (timer == nullptr) {
-        WaitForTick(event, microseconds);
+        WaitForTick(list, microseconds);
         return;
     }
     // A negative time counts from now on.
     LARGE_INTEGER due;
     due.QuadPart = -10LL * microseconds;
     SetWaitableTimer(timer, &due, 0, nullptr, nullptr, FALSE);
-    const HANDLE either[] = {timer, event};
-    WaitForMultipleObjects(event != nullptr ? 2 : 1, either, FALSE, INFINITE);
+    list.Add(timer);
+    list.Wait(INFINITE);
     CloseHandle(timer);
 }
 
@@ -91,14 +111,14 @@ void WaitFor(void* event, int microseconds) {
 void SleepMilliseconds(int milliseconds) {
     constexpr int longest = std::numeric_limits<int>::max() / 1000;
     for (; milliseconds > longest; milliseconds -= longest)
-        WaitFor(nullptr, longest * 1000);
+        WaitFor(longest * 1000);
     if (milliseconds >= 1)
-        WaitFor(nullptr, milliseconds * 1000);
+        WaitFor(milliseconds * 1000);
 }
 
 void SleepMicroseconds(int microseconds) {
     if (microseconds >= 1)
-        WaitFor(nullptr, microseconds);
+        WaitFor(microseconds);
 }
 
 }  // namespace vrel

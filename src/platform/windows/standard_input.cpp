@@ -87,16 +87,24 @@ int ReadWhenArrived(char* buffer, int size, DWORD timeout) {
     return static_cast<int>(count);
 }
 
+// Signalled by WakeMainThread, until a sleep has ended by it.
+HANDLE WakeEvent() {
+    static const HANDLE event = CreateEventW(nullptr, /*bManualReset=*/FALSE, FALSE, nullptr);
+    return event;
+}
+
 }  // namespace
 
 int ReadInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, 0); }
 
 int WaitForInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, size < 1 ? 0 : INFINITE); }
 
-void SleepUntilInput(int microseconds) {
-    const bool ended = InputAvailable(0) && chunk.empty();
-    WaitFor(ended ? nullptr : arrived, microseconds);
+void SleepUntilWoken(int microseconds, bool by_input) {
+    const bool may_come = by_input && !(HasArrived(0) && chunk.empty());
+    WaitFor(microseconds, WakeEvent(), may_come ? arrived : nullptr);
 }
+
+void WakeMainThread() { SetEvent(WakeEvent()); }
 
 bool InputIsTerminal() { return IsConsole(GetStdHandle(STD_INPUT_HANDLE)); }
 

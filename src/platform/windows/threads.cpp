@@ -40,16 +40,16 @@ int StartThread(ThreadBody body, void* argument) {
 void LetOthersRun() { SwitchToThread(); }
 
 // The C++ library's own waiting loses a wake-up here that comes while the waiter goes to sleep.
-void WaitForChange(const std::atomic<uint8_t>& byte, uint8_t value) {
-    static_assert(sizeof byte == sizeof value);
-    while (byte.load(std::memory_order_acquire) == value)
-        WaitOnAddress(const_cast<std::atomic<uint8_t>*>(&byte), &value, sizeof value, INFINITE);
+void WaitForChange(const std::atomic<int>& flag, int value) {
+    static_assert(sizeof flag == sizeof value);
+    while (flag.load(std::memory_order_acquire) == value)
+        WaitOnAddress(const_cast<std::atomic<int>*>(&flag), &value, sizeof value, INFINITE);
 }
 
-void WakeWaiter(std::atomic<uint8_t>* byte) {
+void WakeWaiter(std::atomic<int>* flag) {
     // The change has to be out before the system looks for waiters.
     std::atomic_thread_fence(std::memory_order_seq_cst);
-    WakeByAddressSingle(byte);
+    WakeByAddressSingle(flag);
 }
 
 }  // namespace vrel

@@ -2,7 +2,8 @@
 
 namespace vrel {
 
-// Waits for so many microseconds but, if `event` isn't null, not longer than until the event is signalled.
-void WaitFor(void* event, int microseconds);
+// Waits for so many microseconds, for ever if negative, but not longer than until one of the two events is signalled.
+// Null stands for no event.
+void WaitFor(int microseconds, void* event1 = nullptr, void* event2 = nullptr);
 
 }  // namespace vrel
