@@ -27,8 +27,18 @@ FileLock log_lock;
 // Workers report while the main thread answers commands: one line at a time, the same order in output and log.
 std::mutex output;
 
+// Characters of the progress line that stands on the terminal. With `output` held, as all that follows.
+size_t progress_shown = 0;
+
+void EraseProgressLine() {
+    if (progress_shown > 0)
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(progress_shown), "");
+    progress_shown = 0;
+}
+
 // With `output` held.
 void WriteOut(const char* text, size_t size, const char* end) {
+    EraseProgressLine();
     if (WriteOutput(text, size, end, std::strlen(end)))
         return;
     // Nobody reads any more.
@@ -101,9 +111,19 @@ void Complain(const char* format, ...) {
     va_start(arguments, format);
     WithFormatted(format, arguments, [](const char* text, size_t size) {
         const std::lock_guard<std::mutex> guard(output);
+        EraseProgressLine();
         std::fprintf(stderr, "%.*s\n", static_cast<int>(size), text);
     });
     va_end(arguments);
+}
+
+void ShowProgressLine(const char* text) {
+    const std::lock_guard<std::mutex> guard(output);
+    const size_t size = std::strlen(text);
+    if (size < progress_shown)
+        EraseProgressLine();
+    std::fprintf(stderr, size > 0 ? "\r%s" : "%s", text);
+    progress_shown = size;
 }
 
 void OpenLog() {
