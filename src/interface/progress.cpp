@@ -14,6 +14,7 @@ namespace vrel {
 namespace {
 
 constexpr double INTERVAL = 0.2;  // seconds
+constexpr double TELLING = 0.5;   // seconds; what took less says nothing about the speed
 constexpr int MINUTE = 60;
 constexpr int HOUR = 3600;
 constexpr double LONGEST = 360000.0;  // seconds; what takes longer shows as this
@@ -32,16 +33,16 @@ Scale ScaleOf(const char* unit, int64_t all) {
 }
 
 // How fast it goes, and the time that the rest takes at that speed: what is slower than one a second is told by the
-// minute. Nothing at the start.
-void WriteSpeed(double done, double rest, double seconds, Text* text) {
-    if (done <= 0.0 || seconds <= 0.0) {
+// minute. Nothing as long as it can't be told.
+void WriteSpeed(double done, double rest, double seconds, const char* unit, Text* text) {
+    if (done <= 0.0 || seconds < TELLING) {
         text->front() = '\0';
         return;
     }
     const double rate = done / seconds;
     const int left = static_cast<int>(std::min(rest / rate, LONGEST));
     const bool slow = rate < 1.0;
-    std::snprintf(text->data(), text->size(), ", %.1f/%s, %d:%02d:%02d left", slow ? rate * MINUTE : rate,
+    std::snprintf(text->data(), text->size(), ", %.1f %s/%s, %d:%02d:%02d left", slow ? rate * MINUTE : rate, unit,
                   slow ? "min" : "s", left / HOUR, left % HOUR / MINUTE, left % MINUTE);
 }
 
@@ -68,7 +69,7 @@ void Progress::Show(int64_t done) {
     const double whole = static_cast<double>(all_) / scale.size;
     const int places = scale.size > 1.0 ? 1 : 0;
     Text speed, line;
-    WriteSpeed(share, whole - share, SecondsSince(start_), &speed);
+    WriteSpeed(share, whole - share, SecondsSince(start_), scale.name, &speed);
     std::snprintf(line.data(), line.size(), "%3.0f %%, %.*f of %.*f %s%s", 100.0 * share / whole, places, share, places,
                   whole, scale.name, speed.data());
     ShowProgressLine(line.data());
