@@ -1,0 +1,59 @@
+// The scores of a game as a curve, centipawns as white sees them.
+import {draw} from './board.js';
+
+const WIDTH = 600, HEIGHT = 180, LEFT = 30, RIGHT = 8, MIDDLE = HEIGHT / 2;
+const TICKS = [-900, -300, -100, 0, 100, 300, 900];
+
+// Scores near zero, where games are decided, get most of the height.
+const heightOf = score => MIDDLE - 1.15 * MIDDLE * Math.atan(score / 300) / (Math.PI / 2) * 0.8;
+export const scoreText = score => `${score < 0 ? '−' : '+'}${(Math.abs(score) / 100).toFixed(2)}`;
+
+function labelOf(moves) {
+  const scored = moves.filter(move => move.score !== undefined);
+  if (!scored.length) return 'Score curve: the game has no scores';
+  const doubtful = moves.filter(move => move.doubtful).map(move => `${move.number} ${move.text}`);
+  return `Score curve of ${moves.length} plies, from ${scoreText(scored[0].score)} to ${scoreText(scored.at(-1).score)}; ` +
+    (doubtful.length ? `doubtful: ${doubtful.join(', ')}` : 'no doubtful moves');
+}
+
+// A line through the plies that have scores.
+function drawLine(svg, moves, xOf) {
+  const points = moves.map((move, i) => [i + 1, move.score]).filter(([, score]) => score !== undefined);
+  draw(svg, 'polyline', {class: 'line', points: points.map(([ply, score]) => `${xOf(ply).toFixed(1)},${heightOf(score).toFixed(1)}`).join(' ')});
+  if (!points.length) draw(svg, 'text', {x: WIDTH / 2 - 40, y: MIDDLE - 8}, 'no scores');
+}
+
+// Draws curves into the host; `pick` is called with the ply that is clicked at, 0 for the start.
+export function createCurve(host, pick) {
+  const svg = draw(host, 'svg', {class: 'curve', viewBox: `0 0 ${WIDTH} ${HEIGHT}`, role: 'img'});
+  let moves = [], here = null;
+  const xOf = ply => LEFT + (WIDTH - LEFT - RIGHT) * ply / Math.max(moves.length, 1);
+  svg.addEventListener('click', event => {
+    const box = svg.getBoundingClientRect();
+    const x = (event.clientX - box.left) / box.width * WIDTH;
+    const ply = Math.round((x - LEFT) / (WIDTH - LEFT - RIGHT) * moves.length);
+    pick(Math.max(0, Math.min(moves.length, ply)));
+  });
+  return {
+    show(newMoves) {
+      moves = newMoves;
+      svg.replaceChildren();
+      svg.setAttribute('aria-label', labelOf(moves));
+      for (const tick of TICKS) {
+        const y = heightOf(tick);
+        draw(svg, 'line', {class: tick ? 'grid' : 'zero', x1: LEFT, x2: WIDTH - RIGHT, y1: y, y2: y});
+        draw(svg, 'text', {x: 4, y: y + 4}, `${tick > 0 ? '+' : tick < 0 ? '−' : ''}${Math.abs(tick / 100)}`);
+      }
+      drawLine(svg, moves, xOf);
+      moves.forEach((move, i) => {
+        if (move.doubtful) draw(svg, 'circle', {class: 'doubtful', cx: xOf(i + 1), cy: heightOf(move.score ?? 0), r: 5});
+      });
+      here = draw(svg, 'line', {class: 'here', y1: 0, y2: HEIGHT});
+      this.mark(0);
+    },
+    mark(ply) {
+      here.setAttribute('x1', xOf(ply));
+      here.setAttribute('x2', xOf(ply));
+    },
+  };
+}
