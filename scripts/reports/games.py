@@ -78,7 +78,8 @@ def read(path):
             text, score, doubtful = found.groups()
             if not games:
                 games.append(Game())
-            games[-1].moves.append(Move(as_text(text), score and round(float(score) * 100), bool(doubtful)))
+            text = text.upper() if text.lower().startswith("o-o") else as_text(text)
+            games[-1].moves.append(Move(text, score and round(float(score) * 100), bool(doubtful)))
     return [game for game in games if game.moves]
 
 

@@ -9,6 +9,7 @@ from reports.tuning import MOST_SHOWN
 
 PACKAGE = "python3-matplotlib"
 SYSTEM_PYTHON = "/usr/bin/python3"
+SHORTEST = 0.001  # seconds
 FIRST_GAMES = 10  # before them a share says nothing
 INK, SECOND, DOUBT = "#1f4e79", "#c05a00", "#b00020"
 
@@ -78,10 +79,11 @@ def of_tuning(tuning):
 
 def of_suite(suite):
     figure, axes = _figure()
-    times = sorted(entry.time for entry in suite.entries if entry.solved)
-    axes.step([0, *times], range(len(times) + 1), where="post", color=INK)
+    times = sorted(max(entry.time, SHORTEST) for entry in suite.entries if entry.solved)
+    axes.step([SHORTEST, *times], range(len(times) + 1), where="post", color=INK)
     axes.set(xlabel="seconds for the position", ylabel=f"solved of {len(suite.entries)}", ylim=(0, None))
-    axes.set_xlim(0, max(times, default=0) * 1.05 or 1)
+    axes.set_xscale("log")
+    axes.set_xlim(SHORTEST, 2 * max(times, default=SHORTEST))
     return figure
 
 

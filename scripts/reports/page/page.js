@@ -56,10 +56,10 @@ function createPlayer(left, right) {
   const moves = {ArrowLeft: () => go(ply - 1), ArrowRight: () => go(ply + 1), Home: () => go(0), End: () => go(boards.length - 1)};
   const add = (text, label, key) => make(steps, 'button', text, {type: 'button', 'aria-label': label, 'aria-keyshortcuts': key})
     .addEventListener('click', moves[key]);
-  add('⏮\ufe0e', 'Start', 'Home');
+  add('|◀\ufe0e', 'Start', 'Home');
   add('◀\ufe0e', 'Move back', 'ArrowLeft');
   add('▶\ufe0e', 'Move on', 'ArrowRight');
-  add('⏭\ufe0e', 'End', 'End');
+  add('▶\ufe0e|', 'End', 'End');
   document.addEventListener('keydown', event => {
     const inSelect = event.target.tagName === 'SELECT' && !event.key.startsWith('Arrow');
     if (!moves[event.key] || inSelect || event.altKey || event.ctrlKey || event.metaKey) return;
