@@ -1,5 +1,5 @@
 """A match: the games of two players, and what they say about the difference between them."""
-from reports import Fault, elo
+from reports import elo
 from reports.games import RESULTS
 
 
@@ -9,8 +9,6 @@ class Match:
     def __init__(self, name, games, text):
         self.players = sorted({game.tag(side) for game in games for side in ("White", "Black")})
         self.games = [game for game in games if game.result in RESULTS]
-        if not self.games:
-            raise Fault(f"{name}: two players, but no game with a result")
         self.name = name
         self.unfinished = len(games) - len(self.games)
         self.without_move = text.count("a1a1")  # what a match writes when there is none to play
@@ -30,8 +28,9 @@ class Match:
 
 
 def is_match(games):
+    """True for several games of two players with names, not all of them without a result."""
     names = {game.tag(side) for game in games for side in ("White", "Black")}
-    return len(games) > 1 and len(names) == 2 and "?" not in names
+    return len(games) > 1 and len(names) == 2 and "?" not in names and any(game.result in RESULTS for game in games)
 
 
 def _share_text(counts):

@@ -1,7 +1,7 @@
 // The scores of a game as a curve, centipawns as white sees them.
 import {draw} from './board.js';
 
-const WIDTH = 600, HEIGHT = 180, LEFT = 30, RIGHT = 8, MIDDLE = HEIGHT / 2;
+const WIDTH = 600, HEIGHT = 180, LEFT = 34, RIGHT = 8, MIDDLE = HEIGHT / 2;
 const TICKS = [-900, -300, -100, 0, 100, 300, 900];
 
 // Scores near zero, where games are decided, get most of the height.
@@ -42,7 +42,7 @@ export function createCurve(host, pick) {
       for (const tick of TICKS) {
         const y = heightOf(tick);
         draw(svg, 'line', {class: tick ? 'grid' : 'zero', x1: LEFT, x2: WIDTH - RIGHT, y1: y, y2: y});
-        draw(svg, 'text', {x: 4, y: y + 4}, `${tick > 0 ? '+' : tick < 0 ? '−' : ''}${Math.abs(tick / 100)}`);
+        draw(svg, 'text', {class: Math.abs(tick) === 100 ? 'minor' : 'major', x: 4, y: y + 4}, `${tick > 0 ? '+' : tick < 0 ? '−' : ''}${Math.abs(tick / 100)}`);
       }
       drawLine(svg, moves, xOf);
       moves.forEach((move, i) => {

@@ -13,10 +13,6 @@ function colourOf(share) {
 }
 
 function drawMarks(svg, evaluation) {
-  evaluation.shares.forEach((share, i) => {
-    const [x, y] = cornerOf(i);
-    if (share !== null) draw(svg, 'text', {class: 'share', x: x + 43, y: y + 42}, String(share));
-  });
   for (const kind of ['hung', 'pinned'])
     for (const name of evaluation[kind]) {
       const [x, y] = cornerOf(squareIndex(name));
@@ -28,6 +24,10 @@ function drawMarks(svg, evaluation) {
     const end = evaluation.board[squareIndex(name)] === 'P' ? 12 : 348;
     draw(svg, 'line', {class: 'path', x1: x + 22.5, x2: x + 22.5, y1: y + (end < y ? -4 : 49), y2: end});
   }
+  evaluation.shares.forEach((share, i) => {
+    const [x, y] = cornerOf(i);
+    if (share !== null) draw(svg, 'text', {class: 'share', x: x + 43, y: y + 42}, String(share));
+  });
 }
 
 // White's bar above black's, each from the middle to the side of its sign.
@@ -49,8 +49,8 @@ function addRow(table, heads, cells) {
 // The material, which is larger by far, has a scale of its own.
 function showTerms(host, terms) {
   const table = make(host, 'table', '', {class: 'terms'});
-  make(table, 'caption', 'Terms, centipawns');
-  addRow(table, ['term', 'white', 'above: white, below: black', 'black', 'difference'], []);
+  make(table, 'caption', 'Terms in centipawns, white’s bar above black’s');
+  addRow(table, ['', 'white', '', 'black', 'ahead'], []);
   const longest = Math.max(1, ...terms.slice(1).flatMap(([, white, black]) => [Math.abs(white), Math.abs(black)]));
   terms.forEach(([name, white, black, difference], i) => {
     const cells = addRow(table, [WORDS[name] || name], [white, '', black, difference]);
