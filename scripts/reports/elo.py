@@ -43,8 +43,8 @@ def sprt_bounds(alpha, beta):
 
 
 def _tilt(counts, mean):
-    """How the frequencies have to be tilted so that the share is `mean` and the results as likely as they can be: each is
-    divided by 1 + tilt * (result - mean)."""
+    """How the frequencies have to be tilted so that the share is `mean` and the results as likely as they can be: each
+    is divided by 1 + tilt * (result - mean)."""
     low, high = -1 / (1 - mean), 1 / mean
     for _ in range(200):
         tilt = (low + high) / 2

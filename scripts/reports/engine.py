@@ -22,8 +22,9 @@ def program():
 def run(*arguments, script="", folder):
     """What the engine prints, line by line, for a script on its input."""
     try:
-        done = subprocess.run([program(), "-nolog", "-hash", "1", *arguments], input=script.encode("latin-1"), cwd=folder,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=PATIENCE, check=True)
+        done = subprocess.run([program(), "-nolog", "-hash", "1", *arguments], input=script.encode("latin-1"),
+                              cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=PATIENCE,
+                              check=True)
     except (OSError, subprocess.SubprocessError) as fault:
         raise Fault(f"the engine failed: {fault}") from fault
     return done.stdout.decode("latin-1").split("\n")

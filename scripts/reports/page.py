@@ -63,6 +63,6 @@ def of_games(name, lines, played, chosen):
 
 def of_position(evaluation):
     """A page with the evaluation as a picture."""
-    shown = {key: getattr(evaluation, key) for key in ("fen", "board", "eval", "qscore", "stage", "draw_adj", "in_check", "hung",
-                                                       "pinned", "free", "terms", "surplus", "shares", "parts")}
+    keys = "fen board eval qscore stage draw_adj in_check hung pinned free terms surplus shares parts".split()
+    shown = {key: getattr(evaluation, key) for key in keys}
     return _page("Evaluation", {"name": "Evaluation", "report": evaluation.lines, "evaluation": shown})

@@ -20,8 +20,8 @@ def _can_draw(python):
 
 
 def prepare():
-    """Sees to matplotlib: this Python's, that of the system's Python, which then goes on with the work, or, where that may
-    be installed, a new one. To be called before anything is printed."""
+    """Sees to matplotlib: this Python's, that of the system's Python, which then goes on with the work, or, where that
+    may be installed, a new one. To be called before anything is printed."""
     if _can_draw(sys.executable):
         return
     if not _can_draw(SYSTEM_PYTHON) and os.path.exists("/usr/bin/apt-get") and os.geteuid() == 0:
@@ -70,7 +70,8 @@ def of_tuning(tuning):
     left.set(xlabel="pass", ylabel="error")
     left.ticklabel_format(useOffset=False)
     rows = [row for row in tuning.changes(tuning.best) if row[3]][:MOST_SHOWN][::-1]
-    right.barh([row[0] for row in rows], [row[3] for row in rows], color=[INK if row[3] > 0 else SECOND for row in rows])
+    colours = [INK if row[3] > 0 else SECOND for row in rows]
+    right.barh([row[0] for row in rows], [row[3] for row in rows], color=colours)
     right.axvline(0, color="gray", linewidth=0.8)
     right.set(xlabel="change")
     right.tick_params(axis="y", labelsize=7, length=0)

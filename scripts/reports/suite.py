@@ -93,7 +93,8 @@ class Suite:
         writer = csv.writer(text, lineterminator="\n")
         writer.writerow(["id", "position", "solved", "move", "depth", "nodes", "time"])
         for entry in self.entries:
-            writer.writerow([entry.id, entry.position, int(entry.solved), entry.move, entry.depth, entry.nodes, entry.time])
+            solved = int(entry.solved)
+            writer.writerow([entry.id, entry.position, solved, entry.move, entry.depth, entry.nodes, entry.time])
         return text.getvalue()
 
 

@@ -10,7 +10,7 @@ import urllib.request
 
 FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",
          "--disable-background-networking", "--disable-component-update", "--disable-sync"]
-KEYS = {"ArrowLeft": "\ue012", "ArrowRight": "\ue014", "ArrowDown": "\ue015", "Home": "\ue011", "End": "\ue010", "Tab": "\ue004"}
+KEYS = {"ArrowLeft": "\ue012", "ArrowRight": "\ue014", "Home": "\ue011", "End": "\ue010"}
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
 HERE = shutil.which("chromium") and shutil.which("chromedriver")
 
@@ -28,7 +28,8 @@ class Browser:
         self.url += "/" + self.ask("", {"capabilities": capabilities})["sessionId"]
 
     def ask(self, path, data):
-        request = urllib.request.Request(self.url + path, json.dumps(data).encode(), {"Content-Type": "application/json"})
+        body = json.dumps(data).encode()
+        request = urllib.request.Request(self.url + path, body, {"Content-Type": "application/json"})
         with urllib.request.urlopen(request, timeout=60) as answer:
             return json.load(answer)["value"]
 
@@ -36,7 +37,8 @@ class Browser:
         return self.ask("/goog/cdp/execute", {"cmd": name, "params": parameters})
 
     def open(self, path, width=1280, scheme="light"):
-        self.command("Emulation.setDeviceMetricsOverride", width=width, height=900, deviceScaleFactor=1, mobile=width < 600)
+        self.command("Emulation.setDeviceMetricsOverride", width=width, height=900, deviceScaleFactor=1,
+                     mobile=width < 600)
         self.command("Emulation.setEmulatedMedia", features=[{"name": "prefers-color-scheme", "value": scheme}])
         self.ask("/url", {"url": "file://" + os.path.abspath(path)})
 
@@ -59,11 +61,6 @@ class Browser:
 
     def complaints(self):
         return [entry["message"] for entry in self.ask("/se/log", {"type": "browser"})]
-
-    def screenshot(self, name):
-        import base64
-        with urllib.request.urlopen(self.url + "/screenshot", timeout=60) as answer, open(name, "wb") as file:
-            file.write(base64.b64decode(json.load(answer)["value"]))
 
     def close(self):
         request = urllib.request.Request(self.url, method="DELETE")

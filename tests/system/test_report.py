@@ -14,7 +14,8 @@ from reports import elo, engine, games, tuning  # noqa: E402
 
 REPORT = os.path.join(ROOT, "scripts/report")
 SUITE = os.path.join(ROOT, "tests/data/tactics.epd")
-CAN_DRAW = not subprocess.run(["/usr/bin/python3", "-c", "import matplotlib"], stderr=subprocess.DEVNULL, check=False).returncode
+CAN_DRAW = subprocess.run(["/usr/bin/python3", "-c", "import matplotlib"], stderr=subprocess.DEVNULL,
+                          check=False).returncode == 0
 
 
 def game(white, black, result, moves="1. e4 {0.10/3} e5 {0.20/3}"):
@@ -42,7 +43,7 @@ class Figures(unittest.TestCase):
         self.assertAlmostEqual(elo.superiority(20, 20), 0.5)
 
     def test_the_sequential_test_as_a_handbook_of_quality_control_works_it_out(self):
-        # Shares of 0.01 and 0.10, alpha 0.05, beta 0.10: accepted below -0.939 + 0.0397 n, rejected above 1.205 + 0.0397 n.
+        # Shares of 0.01 and 0.10, alpha 0.05, beta 0.10: yes up to -0.939 + 0.0397 n, no from 1.205 + 0.0397 n.
         few, many = elo.difference(0.01), elo.difference(0.10)
         low, high = elo.sprt_bounds(0.05, 0.10)
         for n in (12, 23, 24, 40, 49, 50, 100):
@@ -78,7 +79,8 @@ class Reports(unittest.TestCase):
     def report(self, *arguments, status=0):
         """What is printed; with a status of 1, the one line of complaint, and no file comes of it."""
         before = sorted(os.listdir(self.folder.name))
-        done = subprocess.run([REPORT, *arguments], capture_output=True, text=True, cwd=self.folder.name, timeout=120, check=False)
+        done = subprocess.run([REPORT, *arguments], capture_output=True, text=True, cwd=self.folder.name, timeout=120,
+                              check=False)
         self.assertEqual(done.returncode, status, done.stderr)
         if status:
             self.assertRegex(done.stderr, r"\Areport: .+\n\Z")
@@ -89,13 +91,16 @@ class Reports(unittest.TestCase):
         played = (game("A", "B", "1-0") * 6 + game("B", "A", "1-0", "1. d4 d5") * 2 + game("B", "A", "1/2-1/2") * 2 +
                   game("A", "B", "*"))
         text = self.report(self.write("m.pgn", played), "--elo0", "0", "--elo1", "200")
-        for line in ["m.pgn: 10 games, 2 of them different", "A                       10      6      2      2  0.700     1.000     0.250",
+        for line in ["m.pgn: 10 games, 2 of them different",
+                     "A                       10      6      2      2  0.700     1.000     0.250",
                      "share of A: 0.700 +/- 0.248 (95 %)", "difference in Elo: +147.2", "the stronger one: 91.0 %",
-                     "by 200 rather than by 0 Elo: not decided yet", "white won 8, black won 0, 2 drawn", "left out: 1 without"]:
+                     "by 200 rather than by 0 Elo: not decided yet", "white won 8, black won 0, 2 drawn",
+                     "left out: 1 without"]:
             self.assertIn(line, text)
 
     def test_a_tuning_and_the_weights_of_its_best_pass_for_a_match(self):
-        epd = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKB1R w KQkq - tune 0.1;\n4k3/pp6/8/8/8/8/6PP/R3K3 w - - tune 1.0;\n"
+        epd = ("rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKB1R w KQkq - tune 0.1;\n"
+               "4k3/pp6/8/8/8/8/6PP/R3K3 w - - tune 1.0;\n")
         run("-tune", self.write("in.epd", epd), folder=self.folder.name)
         with open(self.path("tune.log"), encoding="ascii") as file:
             log = file.read()
@@ -116,7 +121,8 @@ class Reports(unittest.TestCase):
     def test_a_suite_by_theme_and_as_a_table(self):
         with open(SUITE, encoding="ascii") as file:
             lines = file.read().splitlines()
-        themed = [line.split("id")[0] + f'id "{"fork" if i % 2 else "pin, deep"} {i}";' for i, line in enumerate(lines[:20])]
+        themed = [line.split("id")[0] + f'id "{"fork" if i % 2 else "pin, deep"} {i}";'
+                  for i, line in enumerate(lines[:20])]
         self.write("in.epd", "\n".join(themed) + "\n")
         output = run("-nolog", "-anepd", "in.epd", "-d", "5", folder=self.folder.name)
         self.write("suite.txt", "\n".join(output))
@@ -129,7 +135,8 @@ class Reports(unittest.TestCase):
         self.assertEqual(sum(int(row["solved"]) for row in rows), solved)
         self.assertEqual((rows[0]["id"], rows[0]["depth"]), ("pin, deep 0", "5"))
         os.unlink(self.path("table.csv"))
-        self.assertIn("cut off behind position 19", self.report(self.write("cut.txt", "\n".join(output[:-16])), status=1))
+        cut = self.write("cut.txt", "\n".join(output[:-16]))
+        self.assertIn("cut off behind position 19", self.report(cut, status=1))
         self.write("unsolved.epd", "")
         self.assertIn("another run", self.report("suite.txt", status=1))
         os.unlink(self.path("unsolved.epd"))
@@ -155,8 +162,10 @@ class Reports(unittest.TestCase):
 
     def test_what_is_no_result_is_told_and_leaves_no_file(self):
         cases = {"empty": b"", "blank": b"\n \n", "noise": random.Random(1).randbytes(20000), "folder": None,
-                 "missing": None, "words": b"This is a letter.\n", "tags alone": b'[Event "x"]\n[Result "1-0"]\n\n1-0\n',
-                 "foreign": b'[Event "x"]\n[Variant "Atomic"]\n\n1. e4 e5 *\n', "no legal move": b'[Event "x"]\n\n1. e5 e5 *\n',
+                 "missing": None, "words": b"This is a letter.\n",
+                 "tags alone": b'[Event "x"]\n[Result "1-0"]\n\n1-0\n',
+                 "foreign": b'[Event "x"]\n[Variant "Atomic"]\n\n1. e4 e5 *\n',
+                 "no legal move": b'[Event "x"]\n\n1. e5 e5 *\n',
                  "log": b"** param_0, value= 80\n", "error alone": b"** param_\nerr= 0.12345\n"}
         os.mkdir(self.path("folder"))
         for name, content in cases.items():

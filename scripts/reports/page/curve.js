@@ -5,21 +5,23 @@ const WIDTH = 600, HEIGHT = 180, LEFT = 34, RIGHT = 8, MIDDLE = HEIGHT / 2;
 const TICKS = [-900, -300, -100, 0, 100, 300, 900];
 
 // Scores near zero, where games are decided, get most of the height.
-const heightOf = score => MIDDLE - 1.15 * MIDDLE * Math.atan(score / 300) / (Math.PI / 2) * 0.8;
+const heightOf = score => MIDDLE * (1 - 0.92 * Math.atan(score / 300) / (Math.PI / 2));
 export const scoreText = score => `${score < 0 ? '−' : '+'}${(Math.abs(score) / 100).toFixed(2)}`;
 
 function labelOf(moves) {
   const scored = moves.filter(move => move.score !== undefined);
   if (!scored.length) return 'Score curve: the game has no scores';
   const doubtful = moves.filter(move => move.doubtful).map(move => `${move.number} ${move.text}`);
-  return `Score curve of ${moves.length} plies, from ${scoreText(scored[0].score)} to ${scoreText(scored.at(-1).score)}; ` +
+  const [from, to] = [scored[0], scored.at(-1)].map(move => scoreText(move.score));
+  return `Score curve of ${moves.length} plies, from ${from} to ${to}; ` +
     (doubtful.length ? `doubtful: ${doubtful.join(', ')}` : 'no doubtful moves');
 }
 
 // A line through the plies that have scores.
 function drawLine(svg, moves, xOf) {
-  const points = moves.map((move, i) => [i + 1, move.score]).filter(([, score]) => score !== undefined);
-  draw(svg, 'polyline', {class: 'line', points: points.map(([ply, score]) => `${xOf(ply).toFixed(1)},${heightOf(score).toFixed(1)}`).join(' ')});
+  const points = moves.map((move, i) => [xOf(i + 1), move.score]).filter(([, score]) => score !== undefined)
+    .map(([x, score]) => `${x.toFixed(1)},${heightOf(score).toFixed(1)}`);
+  draw(svg, 'polyline', {class: 'line', points: points.join(' ')});
   if (!points.length) draw(svg, 'text', {x: WIDTH / 2 - 40, y: MIDDLE - 8}, 'no scores');
 }
 
@@ -42,11 +44,14 @@ export function createCurve(host, pick) {
       for (const tick of TICKS) {
         const y = heightOf(tick);
         draw(svg, 'line', {class: tick ? 'grid' : 'zero', x1: LEFT, x2: WIDTH - RIGHT, y1: y, y2: y});
-        draw(svg, 'text', {class: Math.abs(tick) === 100 ? 'minor' : 'major', x: 4, y: y + 4}, `${tick > 0 ? '+' : tick < 0 ? '−' : ''}${Math.abs(tick / 100)}`);
+        const sign = tick > 0 ? '+' : tick < 0 ? '−' : '';
+        const rank = Math.abs(tick) === 100 ? 'minor' : 'major';
+        draw(svg, 'text', {class: rank, x: 4, y: y + 4}, sign + Math.abs(tick / 100));
       }
       drawLine(svg, moves, xOf);
       moves.forEach((move, i) => {
-        if (move.doubtful) draw(svg, 'circle', {class: 'doubtful', cx: xOf(i + 1), cy: heightOf(move.score ?? 0), r: 5});
+        const place = {cx: xOf(i + 1), cy: heightOf(move.score ?? 0)};
+        if (move.doubtful) draw(svg, 'circle', {class: 'doubtful', ...place, r: 5});
       });
       here = draw(svg, 'line', {class: 'here', y1: 0, y2: HEIGHT});
       this.mark(0);

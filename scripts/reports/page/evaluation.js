@@ -16,8 +16,9 @@ function drawMarks(svg, evaluation) {
   for (const kind of ['hung', 'pinned'])
     for (const name of evaluation[kind]) {
       const [x, y] = cornerOf(squareIndex(name));
-      draw(svg, 'rect', {class: kind, x: x + (kind === 'hung' ? 2 : 5), y: y + (kind === 'hung' ? 2 : 5),
-                         width: kind === 'hung' ? 41 : 35, height: kind === 'hung' ? 41 : 35, rx: 4});
+      const inset = kind === 'hung' ? 2 : 5;
+      const size = 45 - 2 * inset;
+      draw(svg, 'rect', {class: kind, x: x + inset, y: y + inset, width: size, height: size, rx: 4});
     }
   for (const name of evaluation.free) {
     const [x, y] = cornerOf(squareIndex(name));
@@ -32,12 +33,14 @@ function drawMarks(svg, evaluation) {
 
 // White's bar above black's, each from the middle to the side of its sign.
 function drawBars(cell, white, black, longest) {
-  const svg = draw(cell, 'svg', {viewBox: `${-BAR - 4} 0 ${2 * BAR + 8} 26`, preserveAspectRatio: 'none', 'aria-hidden': 'true'});
+  const svg = draw(cell, 'svg', {viewBox: `${-BAR - 4} 0 ${2 * BAR + 8} 26`, 'aria-hidden': 'true'});
+  svg.setAttribute('preserveAspectRatio', 'none');
+  const lines = {'vector-effect': 'non-scaling-stroke'};
   [['white', white, 3], ['black', black, 14]].forEach(([side, value, y]) => {
     const width = Math.abs(value) / longest * BAR;
-    draw(svg, 'rect', {class: side, x: Math.min(0, Math.sign(value) * width), y, width, height: 9, 'vector-effect': 'non-scaling-stroke'});
+    draw(svg, 'rect', {class: side, x: Math.min(0, Math.sign(value) * width), y, width, height: 9, ...lines});
   });
-  draw(svg, 'line', {class: 'axis', x1: 0, x2: 0, y1: 0, y2: 26, 'vector-effect': 'non-scaling-stroke'});
+  draw(svg, 'line', {class: 'axis', x1: 0, x2: 0, y1: 0, y2: 26, ...lines});
 }
 
 function addRow(table, heads, cells) {
@@ -63,8 +66,10 @@ function showParts(host, parts) {
   const table = make(host, 'table', '', {class: 'parts'});
   make(table, 'caption', 'As an opening, and as an ending');
   addRow(table, ['', 'opening', 'ending'], []);
-  for (const [name, values] of Object.entries(parts)) addRow(table, [name.replace(/mtl|pos/, word => WORDS[word])], values);
-  const both = i => ['mtl', 'pos'].reduce((sum, part) => sum + parts[`white ${part}`][i] - parts[`black ${part}`][i], 0);
+  for (const [name, values] of Object.entries(parts))
+    addRow(table, [name.replace(/mtl|pos/, word => WORDS[word])], values);
+  const both = i => ['mtl', 'pos'].reduce((sum, part) =>
+    sum + parts[`white ${part}`][i] - parts[`black ${part}`][i], 0);
   addRow(table, ['white ahead by'], [both(0), both(1)]);
 }
 
@@ -80,7 +85,8 @@ function showFigures(host, evaluation) {
   add('hanging', evaluation.hung.join(', ') || 'nothing');
   add('pinned', evaluation.pinned.join(', ') || 'nothing');
   add('free passed pawns', evaluation.free.join(', ') || 'none');
-  if (evaluation.surplus.some(Boolean)) add('more pieces', `white ${evaluation.surplus[0] || '-'}, black ${evaluation.surplus[1] || '-'}`);
+  const [white, black] = evaluation.surplus.map(letters => letters || '-');
+  if (white + black !== '--') add('more pieces', `white ${white}, black ${black}`);
 }
 
 // Fills two hosts: the board, and the figures beside it.
@@ -89,8 +95,8 @@ export function showEvaluation(boardHost, figuresHost, evaluation) {
   figuresHost.replaceChildren();
   const svg = createBoard(boardHost).show(evaluation.board, {colours: evaluation.shares.map(colourOf)});
   drawMarks(svg, evaluation);
-  make(boardHost, 'p', 'Blue squares add to their side, orange ones cost it, centipawns in the corner. A frame: the piece hangs; ' +
-       'dashed: it is pinned; dots: the free path of a passed pawn.', {class: 'legend'});
+  make(boardHost, 'p', 'Blue squares add to their side, orange ones cost it, centipawns in the corner. ' +
+       'A frame: the piece hangs; dashed: it is pinned; dots: the free path of a passed pawn.', {class: 'legend'});
   if (evaluation.in_check) make(figuresHost, 'p', 'The side to move is in check: such a position isn’t evaluated.');
   showFigures(figuresHost, evaluation);
   showTerms(figuresHost, evaluation.terms);

@@ -18,8 +18,8 @@ function announce(game, ply) {
 }
 
 function addMove(list, move, ply, go) {
-  const button = make(make(list, 'li'), 'button', `${move.number.endsWith('...') && ply > 1 ? '' : `${move.number} `}${move.text}`,
-                      {type: 'button', tabindex: -1});
+  const number = move.number.endsWith('...') && ply > 1 ? '' : `${move.number} `;
+  const button = make(make(list, 'li'), 'button', number + move.text, {type: 'button', tabindex: -1});
   if (move.doubtful) make(button, 'span', ' ?', {class: 'doubtful', title: 'doubtful', 'aria-label': 'doubtful'});
   if (move.score !== undefined) make(button, 'span', scoreText(move.score), {class: 'score'});
   button.addEventListener('click', () => go(ply));
@@ -53,9 +53,12 @@ function createPlayer(left, right) {
     list.scrollTop = button.offsetTop - list.clientHeight / 2;
   }
 
-  const moves = {ArrowLeft: () => go(ply - 1), ArrowRight: () => go(ply + 1), Home: () => go(0), End: () => go(boards.length - 1)};
-  const add = (text, label, key) => make(steps, 'button', text, {type: 'button', 'aria-label': label, 'aria-keyshortcuts': key})
-    .addEventListener('click', moves[key]);
+  const moves = {ArrowLeft: () => go(ply - 1), ArrowRight: () => go(ply + 1),
+                 Home: () => go(0), End: () => go(boards.length - 1)};
+  const add = (text, label, key) => {
+    const button = make(steps, 'button', text, {type: 'button', 'aria-label': label, 'aria-keyshortcuts': key});
+    button.addEventListener('click', moves[key]);
+  };
   add('|◀\ufe0e', 'Start', 'Home');
   add('◀\ufe0e', 'Move back', 'ArrowLeft');
   add('▶\ufe0e', 'Move on', 'ArrowRight');
