@@ -27,25 +27,32 @@ FileLock log_lock;
 // Workers report while the main thread answers commands: one line at a time, the same order in output and log.
 std::mutex output;
 
-// Characters of the progress line that stands on the terminal. With `output` held, as all that follows.
-size_t progress_shown = 0;
+// The progress line that stands on the terminal, empty for none. With `output` held, as all that follows.
+std::array<char, 80> progress{};
 
-void EraseProgressLine() {
-    if (progress_shown > 0)
-        std::fprintf(stderr, "\r%*s\r", static_cast<int>(progress_shown), "");
-    progress_shown = 0;
+void EraseProgress() {
+    if (progress[0] != '\0')
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(std::strlen(progress.data())), "");
 }
 
-// With `output` held.
+// Below whole lines the progress stands again; what ends in the middle of one isn't written into.
+void RedrawProgress(bool whole_line) {
+    if (!whole_line)
+        progress[0] = '\0';
+    else if (progress[0] != '\0')
+        std::fputs(progress.data(), stderr);
+}
+
 void WriteOut(const char* text, size_t size, const char* end) {
-    EraseProgressLine();
-    if (WriteOutput(text, size, end, std::strlen(end)))
-        return;
+    EraseProgress();
+    const bool read = WriteOutput(text, size, end, std::strlen(end));
+    RedrawProgress(*end == '\n' || (size > 0 && text[size - 1] == '\n'));
     // Nobody reads any more.
-    PBlock.quit = 1;
+    if (!read)
+        PBlock.quit = 1;
 }
 
-// With `output` held. A log that can't be written is no reason to end: a word about it, and no more of it.
+// A log that can't be written is no reason to end: a word about it, and no more of it.
 void WriteLog(const char* text, size_t size) {
     if (!PBlock.log || !fdlog)
         return;
@@ -111,19 +118,18 @@ void Complain(const char* format, ...) {
     va_start(arguments, format);
     WithFormatted(format, arguments, [](const char* text, size_t size) {
         const std::lock_guard<std::mutex> guard(output);
-        EraseProgressLine();
+        EraseProgress();
         std::fprintf(stderr, "%.*s\n", static_cast<int>(size), text);
+        RedrawProgress(true);
     });
     va_end(arguments);
 }
 
 void ShowProgressLine(const char* text) {
     const std::lock_guard<std::mutex> guard(output);
-    const size_t size = std::strlen(text);
-    if (size < progress_shown)
-        EraseProgressLine();
-    std::fprintf(stderr, size > 0 ? "\r%s" : "%s", text);
-    progress_shown = size;
+    EraseProgress();
+    std::snprintf(progress.data(), progress.size(), "%s", text);
+    RedrawProgress(true);
 }
 
 void OpenLog() {

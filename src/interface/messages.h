@@ -20,8 +20,8 @@ void LogMessage(const char* text);
 // A word on standard error about what went wrong, one line.
 [[gnu::format(printf, 1, 2)]] void Complain(const char* format, ...);
 
-// Puts a line on standard error in the place of the one before. Any other output takes its place; so does an empty
-// text.
+// Keeps a line on standard error, in the place of the one before and below all other output; an empty text takes it
+// away.
 void ShowProgressLine(const char* text);
 
 // Name of the log.

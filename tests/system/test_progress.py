@@ -62,6 +62,8 @@ class Progress(unittest.TestCase):
                 self.assertRegex("\n".join(lines), rf"(?m)^ *{shown} *$")
                 self.assertRegex(seen, r"\r +\r(\n|[^%]*\r\n)?$")
                 self.assertTrue(all(len(line) < 80 for line in lines), lines)
+                if what[0].startswith("-anepd"):  # it stands below all that is shown for a position
+                    self.assertGreater(lines.count(lines[0]), 10)
                 self.assertEqual(result, run(*what, errors))
                 errors.seek(0)
                 self.assertNotIn(b"%", errors.read())

@@ -53,7 +53,7 @@ function addRow(table, heads, cells) {
 function showTerms(host, terms) {
   const table = make(host, 'table', '', {class: 'terms'});
   make(table, 'caption', 'Terms in centipawns, white’s bar above black’s');
-  addRow(table, ['', 'white', '', 'black', 'ahead'], []);
+  addRow(table, ['term', 'white', 'bars', 'black', 'ahead'], []);
   const longest = Math.max(1, ...terms.slice(1).flatMap(([, white, black]) => [Math.abs(white), Math.abs(black)]));
   terms.forEach(([name, white, black, difference], i) => {
     const cells = addRow(table, [WORDS[name] || name], [white, '', black, difference]);
@@ -65,7 +65,7 @@ function showTerms(host, terms) {
 function showParts(host, parts) {
   const table = make(host, 'table', '', {class: 'parts'});
   make(table, 'caption', 'As an opening, and as an ending');
-  addRow(table, ['', 'opening', 'ending'], []);
+  addRow(table, ['part', 'opening', 'ending'], []);
   for (const [name, values] of Object.entries(parts))
     addRow(table, [name.replace(/mtl|pos/, word => WORDS[word])], values);
   const both = i => ['mtl', 'pos'].reduce((sum, part) =>
