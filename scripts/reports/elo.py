@@ -18,7 +18,7 @@ def difference(part):
     """The difference in Elo that makes a player expect this share, infinite for nothing and all."""
     if not 0 < part < 1:
         return math.copysign(math.inf, part - 0.5)
-    return -400 * math.log10(1 / part - 1)
+    return 400 * math.log10(part / (1 - part))
 
 
 def margin(wins, draws, losses):
