@@ -5,7 +5,7 @@ import tempfile
 import threading
 import unittest
 
-from program import Program
+from program import ON_WINDOWS, Program
 from transcript import without_clock
 
 GAME = '[Event "x"]\n[Result "1-0"]\n\n1. e4 {+0.30/9} e5 {-0.20/9} 2. Nf3 {0.25/9} Nc6 {0.10/8} 1-0\n\n'
@@ -53,6 +53,7 @@ def run_at_terminal(*what):
     return result, b"".join(seen).decode()
 
 
+@unittest.skipIf(ON_WINDOWS, "the terminal would be Wine's")
 class Progress(unittest.TestCase):
     def test_a_terminal_sees_one_line_that_goes_and_a_pipe_sees_nothing(self):
         for *what, shown in RUNS:
