@@ -60,6 +60,9 @@ struct EvalReport {
     uint64_t report_hung = 0;
     uint64_t report_pinned = 0;
     std::array<int8_t, 2> report_free_rank{};
+    uint64_t report_free = 0;  // passed pawns of both sides that nothing stops
+    std::array<ScorePair, 2> report_mtl_pair{};
+    std::array<ScorePair, 2> report_pos_pair{};
     double report_draw_adj = 1.0;
 };
 

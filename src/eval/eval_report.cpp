@@ -106,4 +106,17 @@ std::string EvalReportText(const Position& pos, const EvalReport& report, int ev
     return text;
 }
 
+std::string EvalPartsText(const EvalReport& report) {
+    std::string text = "\n              opening   ending\n";
+    for (const Side side : {WHITE, BLACK}) {
+        const char* name = side == WHITE ? "white" : "black";
+        const ScorePair mtl = report.report_mtl_pair[side];
+        const ScorePair pos = report.report_pos_pair[side];
+        Append(&text, "%s mtl=     %6d   %6d\n", name, OpeningOf(mtl), EndingOf(mtl));
+        Append(&text, "%s pos=     %6d   %6d\n", name, OpeningOf(pos), EndingOf(pos));
+    }
+    AppendSquares(&text, "free passed pawns on:", report.report_free);
+    return text;
+}
+
 }  // namespace vrel

@@ -163,6 +163,8 @@ void FinishReport(const EvalContext& ctx, double draw_adj) {
     for (const Side side : {WHITE, BLACK}) {
         report->report_mtl[side] = Narrow(Blend(ctx.material[side], ctx.stage));
         report->report_pos[side] = Narrow(Blend(ctx.score[side], ctx.stage));
+        report->report_mtl_pair[side] = ctx.material[side];
+        report->report_pos_pair[side] = ctx.score[side];
         report->report_free_rank[side] = Narrow(ctx.free_pawn_rank[side]);
     }
     report->report_hung = ctx.hung;

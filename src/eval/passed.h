@@ -78,6 +78,8 @@ template <int Side, bool Root>
     if (free) {
         v += base / 4 + 4;
         ctx->free_pawn_rank[Side] = std::max(ctx->free_pawn_rank[Side], rank);
+        if constexpr (Root)
+            ctx->report->report_free |= Bit(sq);
     }
     if (ctx->occupied & Bit(front))
         v -= base / 8;

@@ -27,15 +27,32 @@ FileLock log_lock;
 // Workers report while the main thread answers commands: one line at a time, the same order in output and log.
 std::mutex output;
 
-// With `output` held.
-void WriteOut(const char* text, size_t size, const char* end) {
-    if (WriteOutput(text, size, end, std::strlen(end)))
-        return;
-    // Nobody reads any more.
-    PBlock.quit = 1;
+// The progress line that stands on the terminal, empty for none. With `output` held, as all that follows.
+std::array<char, 80> progress{};
+
+void EraseProgress() {
+    if (progress[0] != '\0')
+        std::fprintf(stderr, "\r%*s\r", static_cast<int>(std::strlen(progress.data())), "");
 }
 
-// With `output` held. A log that can't be written is no reason to end: a word about it, and no more of it.
+// Below whole lines the progress stands again; what ends in the middle of one isn't written into.
+void RedrawProgress(bool whole_line) {
+    if (!whole_line)
+        progress[0] = '\0';
+    else if (progress[0] != '\0')
+        std::fputs(progress.data(), stderr);
+}
+
+void WriteOut(const char* text, size_t size, const char* end) {
+    EraseProgress();
+    const bool read = WriteOutput(text, size, end, std::strlen(end));
+    RedrawProgress(*end == '\n' || (size > 0 && text[size - 1] == '\n'));
+    // Nobody reads any more.
+    if (!read)
+        PBlock.quit = 1;
+}
+
+// A log that can't be written is no reason to end: a word about it, and no more of it.
 void WriteLog(const char* text, size_t size) {
     if (!PBlock.log || !fdlog)
         return;
@@ -101,9 +118,18 @@ void Complain(const char* format, ...) {
     va_start(arguments, format);
     WithFormatted(format, arguments, [](const char* text, size_t size) {
         const std::lock_guard<std::mutex> guard(output);
+        EraseProgress();
         std::fprintf(stderr, "%.*s\n", static_cast<int>(size), text);
+        RedrawProgress(true);
     });
     va_end(arguments);
+}
+
+void ShowProgressLine(const char* text) {
+    const std::lock_guard<std::mutex> guard(output);
+    EraseProgress();
+    std::snprintf(progress.data(), progress.size(), "%s", text);
+    RedrawProgress(true);
 }
 
 void OpenLog() {

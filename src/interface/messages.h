@@ -20,6 +20,10 @@ void LogMessage(const char* text);
 // A word on standard error about what went wrong, one line.
 [[gnu::format(printf, 1, 2)]] void Complain(const char* format, ...);
 
+// Keeps a line on standard error, in the place of the one before and below all other output; an empty text takes it
+// away.
+void ShowProgressLine(const char* text);
+
 // Name of the log.
 extern const char* const logfile;
 

@@ -21,6 +21,8 @@ void PgnLines::Refill() {
     const size_t room = block_.size() - filled_;
     const size_t count = file_->Read(block_.data() + filled_, room);
     filled_ += count;
+    if (progress_.IsDue())
+        progress_.Show(file_->Place());
     ended_ = count < room;
     if (file_->Failed() && name_ != nullptr)
         Complain("%s: %s", name_, FileTrouble());

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "interface/progress.h"
 #include "platform/file.h"
 
 // The lines of a PGN file, read in blocks. A line ends at LF, and a CR in front of it belongs to the end; a byte order
@@ -18,7 +19,8 @@ class PgnLines {
 public:
     // Reads from the place where the file stands, which is its start. If it can't be read to its end, or isn't text
     // that a reader of PGN understands, a word on standard error names it; null for no such word.
-    PgnLines(File* file, const char* name) : file_(file), name_(name), block_(2 * (LONGEST_PGN_LINE + 1)) {}
+    PgnLines(File* file, const char* name)
+        : file_(file), name_(name), progress_("bytes", file->Size()), block_(2 * (LONGEST_PGN_LINE + 1)) {}
 
     // Goes to the next line. False at the end of the file.
     bool Next();
@@ -35,6 +37,7 @@ private:
 
     File* file_;
     const char* name_;
+    Progress progress_;
     std::vector<char> block_;  // places at_ to filled_ haven't been read yet
     size_t at_ = 0;
     size_t filled_ = 0;

@@ -86,6 +86,8 @@ bool File::Flush() { return stream_ != nullptr && std::fflush(stream_) == 0; }
 
 bool File::Seek(int64_t offset) { return stream_ != nullptr && fseeko(stream_, offset, SEEK_SET) == 0; }
 
+int64_t File::Place() { return stream_ == nullptr ? -1 : ftello(stream_); }
+
 int64_t File::Size() {
     if (stream_ == nullptr)
         return -1;

@@ -51,6 +51,8 @@ public:
 
     // Moves to a place counted in bytes from the start.
     bool Seek(int64_t offset);
+    // The place in bytes from the start, -1 on failure.
+    int64_t Place();
     // Length in bytes, -1 on failure. The place in the file stays.
     int64_t Size();
 

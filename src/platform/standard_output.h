@@ -9,6 +9,9 @@ namespace vrel {
 // any more; output that is lost in another way, such as on a full disk, is no reason to end.
 bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size);
 
+// True if a person looks on at a terminal where standard error shows.
+bool ErrorOutputIsTerminal();
+
 // Gives standard streams that were closed at the start to the null device, so that no file gets their place and with
 // it what is meant for them.
 void OccupyStandardStreams();

@@ -13,6 +13,7 @@
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/pblock.h"
+#include "interface/progress.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/time_control.h"
@@ -71,6 +72,10 @@ public:
     }
 
     bool ReadToItsEnd() const { return set_ != nullptr || !file_.Failed(); }
+
+    // Bytes of the file, and how many of them have been taken.
+    int64_t Size() { return file_.Size(); }
+    int64_t Place() { return file_.Place(); }
 
     const char* line() const { return line_.data(); }
 
@@ -200,8 +205,11 @@ double Analyze_EPD_File(bool show, bool* complete) {
     if (PBlock.max_depth <= TABLE_DEPTH)
         PBlock.use_hash = 0;
     Totals totals;
+    Progress progress("bytes", show ? source.Size() : 0);
     const bool timed = show || PBlock.max_depth > 0;
     while (source.Next()) {
+        if (progress.IsDue())
+            progress.Show(source.Place());
         AnalysePosition(&source, &unsolved, timed, &totals);
         if (PBlock.quit)
             break;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 
 #include "board/position.h"
@@ -27,6 +28,10 @@ public:
     // Reads the next position's line, without its end, into `line`, which has room for EPD_LINE characters; what is
     // longer is cut, and a NUL becomes a blank. False at the end of the file.
     bool Next(char* line);
+
+    // Bytes of the file, and of those how many Next has been through; -1 where that can't be told.
+    int64_t Size() { return file_.Size(); }
+    int64_t Place() { return file_.Place() - static_cast<int64_t>(filled_ - next_); }
 
 private:
     bool ReadWholeLine(char* line, int* length);

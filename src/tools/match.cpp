@@ -14,6 +14,7 @@
 #include "eval/personality.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
+#include "interface/progress.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/time_control.h"
@@ -139,8 +140,10 @@ bool PlayMatch() {
     MatchGame game;
     std::set<uint64_t> different;
     int moves_played = 0;
+    Progress progress("games", GAMES);
     int shown = 0;  // games of the last line of statistics
     for (game.number = 1; game.number <= GAMES; ++game.number) {
+        progress.Show(game.number - 1);
         if (!PlayGame(players, &game, &moves_played))
             break;
         out.Put(GameText(game));

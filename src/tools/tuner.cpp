@@ -13,6 +13,7 @@
 #include "eval/personality.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
+#include "interface/progress.h"
 #include "platform/file.h"
 #include "search/search_control.h"
 #include "tools/epd_analysis.h"
@@ -100,11 +101,13 @@ void BreakOff(int pass, const PersonalityRecord& before) {
 }
 
 // The error with the weights of the pass; not a number if it was broken off.
-double RunPass(int pass, double e0, Vector* x) {
+double RunPass(int pass, double e0, Vector* x, Progress* progress) {
     const PersonalityRecord before = Personality;
     Print("%s", PassLine(pass).c_str());
-    for (int i = 0; i < TUNED_WEIGHTS && !PBlock.quit; ++i)
+    for (int i = 0; i < TUNED_WEIGHTS && !PBlock.quit; ++i) {
+        progress->Show(pass * TUNED_WEIGHTS + i);
         ImproveWeight(i, e0, &(*x)[i]);
+    }
     ApplyWeights(*x);
     const double error = PBlock.quit ? e0 : Analyze_EPD_File(false);
     if (PBlock.quit) {
@@ -170,8 +173,9 @@ bool Tune() {
         x[i] = *TunedWeight(&Personality, i);
     WriteWeights();
     WriteError(e0);
+    Progress progress("slopes", PASSES * TUNED_WEIGHTS);
     for (int pass = 0; pass < PASSES && !PBlock.quit; ++pass)
-        e0 = RunPass(pass, e0, &x);
+        e0 = RunPass(pass, e0, &x, &progress);
     if (fdtune.Close())
         return true;
     Complain("%s: %s", LOG, FileTrouble());

@@ -329,6 +329,7 @@ constexpr Entry later_commands[] = {
     {"perft", "perft N\tcount the leaves of the move tree", FREE_ENGINE, RunPerft},
     {"swap", "swap\tshow the exchanges on the board", BESIDE, ShowSwaps},
     {"help", "help\tthis page", BESIDE, ShowHelp},
+    {"parts", "parts\topening and ending values of the evaluation", WHEN_OVER, [](const Command&) { ShowEvalParts(); }},
     {"move", "move MOVE\tplay a move; the word alone will do: Nf3, e2e4, exd5, O-O", ENDS_SEARCH,
      [](const Command& command) { PlayMoveText(command.Word(2)); }, true, 2},
 };

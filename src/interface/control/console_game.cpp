@@ -130,6 +130,11 @@ void ShowEvalInfo() {
     ShowMessage(EvalReportText(*GamePosition(), PBlock.report, worker.root_eval, worker.score).c_str());
 }
 
+void ShowEvalParts() {
+    SearchAtDepthZero();
+    ShowMessage(EvalPartsText(PBlock.report).c_str());
+}
+
 void ShowGame() {
     if (PBlock.debug)
         ShowEvalInfo();

@@ -6,6 +6,9 @@ namespace vrel {
 // Shows how the evaluation sees the position of the game. Workers must be idle.
 void ShowEvalInfo();
 
+// What the figures of that report are blended from.
+void ShowEvalParts();
+
 // The board, or the evaluation report while `debug` is set.
 void ShowGame();
 

@@ -50,6 +50,8 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
     return true;
 }
 
+bool ErrorOutputIsTerminal() { return isatty(STDERR_FILENO) != 0; }
+
 void OccupyStandardStreams() {
     // Each opening takes the lowest number that is free.
     int descriptor = open("/dev/null", O_RDWR);

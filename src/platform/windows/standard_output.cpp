@@ -50,6 +50,8 @@ bool WriteOutput(const char* text, size_t size, const char* end, size_t end_size
     return true;
 }
 
+bool ErrorOutputIsTerminal() { return IsConsole(GetStdHandle(STD_ERROR_HANDLE)); }
+
 void OccupyStandardStreams() {
     for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE})
         OccupyStream(stream);
