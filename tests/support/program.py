@@ -12,7 +12,7 @@ VREL = os.environ.get("VREL") or os.path.join(ROOT, "build/release/vrel")
 # A fault that a sanitizer finds must not pass for a run that has failed in order.
 for sanitizer in ("ASAN_OPTIONS", "UBSAN_OPTIONS"):
     os.environ[sanitizer] = os.environ.get(sanitizer, "") + ":exitcode=99"
-HANG = float(os.environ.get("HANG", 60))  # seconds: longer than anything that is still to come
+HANG = float(os.environ.get("HANG", 300))  # seconds: longer than anything that is still to come
 
 
 def quiet_terminal():
