@@ -213,6 +213,14 @@ TEST(Walk, LetsOnlyOwnPiecesMoveAndOnlyPawnsPromote) {
     EXPECT_FALSE(MoveCanBeMade(*pos, MakeMoveValue(1, 18) | PROMOTE_QUEEN));
 }
 
+TEST(Walk, WhatIsSetUpHasNoPast) {
+    TestPosition pos("r3k3/8/8/8/8/8/8/4K2R w - -");
+    for (const Move move : {MakeMoveValue(7, 15), MakeMoveValue(56, 48)})
+        PlayGameMove(pos.get(), move);
+    pos.Set(fen_opn);
+    EXPECT_TRUE(SamePosition(*pos, *TestPosition(fen_opn)));
+}
+
 // A game far beyond the undo stack: the newest past is kept, and enough of it for any repetition.
 TEST(Walk, LongGamesKeepTheirRecentPast) {
     TestPosition pos("r3k3/8/8/8/8/8/8/4K2R w - -");

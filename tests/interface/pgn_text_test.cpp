@@ -14,8 +14,8 @@
 #include "book/book_keys.h"
 #include "interface/control/console_game.h"
 #include "interface/move_text.h"
+#include "support/tool_test.h"
 #include "tools/pgn_scan.h"
-#include "tools/tool_test.h"
 
 namespace vrel {
 namespace {

@@ -36,6 +36,16 @@ protected:
         SearchTimeout();
         return PBlock.stop;
     }
+
+    // The same in the first moment of a search, however often the test is held up.
+    static int StopAtOnce() {
+        do {
+            PBlock.stop = 0;
+            GetElapsedTime(0);
+            SearchTimeout();
+        } while (PBlock.elapsed > 0.05);
+        return PBlock.stop;
+    }
 };
 
 TEST_F(Timeout, EndsASearchAtItsTarget) {
@@ -54,28 +64,36 @@ TEST_F(Timeout, EndsASearchAtItsTarget) {
 }
 
 TEST_F(Timeout, WaitsForALineNotWithoutEnd) {
-    PBlock.depth = 0;
-    PBlock.trg_time = -1.9;
-    EXPECT_EQ(StopAfterTurn(), 0);
-    PBlock.trg_time = -2.1;
-    EXPECT_EQ(StopAfterTurn(), STOP_TIME);
+    const struct {
+        int depth, level_moves;
+        double clock, patience;
+    } rows[] = {{0, 1, 1, 2}, {0, 0, 1, 2}, {1, 1, 100, 0.2}, {1, 0, 4, 1}, {1, 0, 100, 2}, {1, 0, 0.5, 0.2}};
+    PBlock.overhead = 0.0;
+    for (const auto& row : rows)
+        for (const bool over : {false, true}) {
+            PBlock.depth = static_cast<int8_t>(row.depth);
+            PBlock.level_moves = static_cast<int8_t>(row.level_moves);
+            PBlock.clock[WHITE] = row.clock;
+            PBlock.trg_time = -row.patience + (over ? -0.1 : 0.1);
+            EXPECT_EQ(StopAtOnce(), over ? STOP_TIME : 0) << row.depth << ' ' << row.level_moves << ' ' << row.clock;
+        }
 }
 
 TEST_F(Timeout, KeepsTheOverheadFree) {
     PBlock.level_moves = 0;
     PBlock.clock[WHITE] = 1000;
     PBlock.trg_time = 5;
-    PBlock.overhead = 4;
-    EXPECT_EQ(StopAfterTurn(), 0);
+    PBlock.overhead = 4.9;
+    EXPECT_EQ(StopAtOnce(), 0);
     PBlock.overhead = 5;
-    EXPECT_EQ(StopAfterTurn(), STOP_TIME);
-    PBlock.stop = 0;
-    PBlock.trg_time = 100;
-    PBlock.overhead = 199;
-    EXPECT_EQ(StopAfterTurn(), STOP_TIME) << "five overheads stay on the clock, the target aside";
+    EXPECT_EQ(StopAtOnce(), STOP_TIME);
+    PBlock.trg_time = 1000;
+    PBlock.overhead = 199.9;
+    EXPECT_EQ(StopAtOnce(), 0);
+    PBlock.overhead = 200;
+    EXPECT_EQ(StopAtOnce(), STOP_TIME) << "five overheads stay on the clock, the target aside";
     PBlock.level_moves = 1;
-    PBlock.stop = 0;
-    EXPECT_EQ(StopAfterTurn(), 0) << "a fixed time is used up";
+    EXPECT_EQ(StopAtOnce(), 0) << "a fixed time is used up";
 }
 
 TEST_F(Timeout, PlaysAnEasyMoveEarly) {

@@ -14,7 +14,7 @@ for sanitizer in ("ASAN_OPTIONS", "UBSAN_OPTIONS"):
     os.environ[sanitizer] = os.environ.get(sanitizer, "") + ":exitcode=99"
 # Under Wine there are neither terminals nor named pipes of this system, and some of its signals reach Wine itself.
 ON_WINDOWS = "WINEPREFIX" in os.environ
-HANG = float(os.environ.get("HANG", 60))  # seconds: longer than anything that is still to come
+HANG = float(os.environ.get("HANG", 300))  # seconds: longer than anything that is still to come
 
 
 def quiet_terminal():

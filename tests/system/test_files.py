@@ -9,7 +9,7 @@ import tempfile
 import threading
 import unittest
 
-from program import ON_WINDOWS, VREL, Program, run
+from program import HANG, ON_WINDOWS, VREL, Program, run
 
 GAMES = '[Event "x"]\n[Result "1-0"]\n\n1. e4 {+0.30/9} e5 {-0.20/9} 2. Nf3 {0.25/9} Nc6 {0.10/8} 1-0\n\n'
 SUITE = '4k3/8/8/8/8/8/4P3/4K3 w - - bm e2e4; tune 0.8; id "one";\n'
@@ -246,13 +246,13 @@ class Surroundings(unittest.TestCase):
                 os.close(program.out)
                 program.out = os.open(os.devnull, os.O_RDONLY)
                 os.write(program.to, script.encode())
-                self.assertIn(program.process.wait(60), (0, 1))
+                self.assertIn(program.process.wait(HANG), (0, 1))
 
     def test_output_that_is_closed_or_full_is_no_reason_to_end(self):
         with tempfile.TemporaryDirectory() as folder:
             for way in [">&-", ">/dev/full"]:
                 script = f'printf "e4\ntrace 1\ngo 2\nsave\n" | "{VREL}" -c -nolog {way}'
-                subprocess.run(["sh", "-c", script], timeout=60, cwd=folder, check=True)
+                subprocess.run(["sh", "-c", script], timeout=HANG, cwd=folder, check=True)
             for name in os.listdir(folder):
                 with open(os.path.join(folder, name), encoding="ascii") as file:
                     self.assertNotIn("black", file.read())
@@ -267,11 +267,11 @@ class Surroundings(unittest.TestCase):
         threading.Event().wait(0.5)  # the pipe is full by now
         with open(read, "rb") as output:
             self.assertEqual(output.read().count(b"\nuciok\n"), 300)
-        self.assertEqual(engine.wait(60), 0)
+        self.assertEqual(engine.wait(HANG), 0)
 
     def test_a_null_device_and_a_closed_input_end_at_once(self):
         for way in ["</dev/null", "<&-"]:
-            subprocess.run(["sh", "-c", f'"{VREL}" -nolog {way}'], timeout=60, check=True)
+            subprocess.run(["sh", "-c", f'"{VREL}" -nolog {way}'], timeout=HANG, check=True)
 
     def test_the_log_belongs_to_the_first_of_several_programs(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -7,11 +7,12 @@ With numbers the clocks are watched as well, for which the machine must have not
 import os
 import random
 import re
+import shutil
 import sys
 import tempfile
 import time
 
-from program import VREL, Program
+from program import ROOT, VREL, Program
 
 START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq -"
 OPENING = 8  # random plies
@@ -102,23 +103,28 @@ def check_match(rules, folder):
     weights = [f"{piece}_value_{stage}" for piece in ("knight", "bishop", "rook", "queen") for stage in ("op", "en")]
     with open(os.path.join(folder, "player2.par"), "w", encoding="ascii") as file:
         file.write("".join(f"{weight} 0\n" for weight in weights))
+    shutil.copy(os.path.join(ROOT, "tests/data/book/line.opn"), os.path.join(folder, "vrel.opn"))
     program = Program("-nolog", "-hash", "1", "-match", "match.pgn", folder=folder)
     # Positions set up meanwhile are none of the match's business.
     program.send("position fen 4k3/8/8/8/8/8/8/4K2R w - -", "ucinewgame", "setoption name Hash value 2")
     score = program.wait_for("  19 games, ")[-1]
     program.send("quit")
+    total = program.rest()[-1]
     assert program.wait() == 0
     with open(os.path.join(folder, "match.pgn"), encoding="ascii") as file:
         games = file.read().split("[Event selfplay]\n")
     assert games[0] == "" and len(games) > 19
-    results, colours = {"wins": 0, "losses": 0, "draws": 0}, set()
+    results, colours, different = {"wins": 0, "losses": 0, "draws": 0}, set(), set()
     for number, game in enumerate(games[1:], 1):
         head = re.match(rf'\[Game {number}\]\n\[White "Player([12])"\]\n\[Black "Player([12])"\]\n'
                         r'\[Result "(1-0|0-1|1/2-1/2)"\]\n', game)
         assert head and head[1] != head[2], game[:200]
         moves = re.findall(r"(\w{4}) \{(-?\d+\.\d\d)/(\d+)\}", game)
         assert re.sub(r"\w{4} \{\S+\}(   \w{4} \{\S+\}(\n|$))?", "", game[head.end():]) == "\n\n", game
+        from_book = [(score, depth) == ("0.00", "0") for _, score, depth in moves]
+        assert all(from_book[:12]) and not any(from_book[12:]) and len(moves) > 12, game
         texts = [move for move, _, _ in moves]
+        different.add(tuple(texts))
         played = texts[:-1]
         promotions = [i for i, move in enumerate(played) if not rules.is_legal(played[:i + 1])]
         assert not promotions or played[promotions[0]][3] in "18", game
@@ -131,6 +137,7 @@ def check_match(rules, folder):
             results["draws" if "/" in head[3] else "wins" if first_won else "losses"] += 1
     rate = (results["wins"] + results["draws"] / 2) / 19
     assert results["wins"] > results["losses"] and len(colours) == 2, results
+    assert total == f"{len(games) - 1} games, {len(different)} of them different", total
     assert score == f"  19 games,  {results['wins']:3} {results['losses']:3} {results['draws']:3}  {rate:.3f} (+/- 0.404)  "
 
 
@@ -148,7 +155,7 @@ def main():
         if len(sys.argv) > 1:
             soak(rules, folder, *(int(word) for word in sys.argv[1:]))
         for workers in (1, 2):
-            assert play(rules, 0.5, 0.01, workers, workers, folder)[0] > 20
+            assert play(rules, 0.5, 0.01, workers, workers, folder)[0] > OPENING
         check_match(rules, folder)
 
 

@@ -5,7 +5,7 @@ import shutil
 import tempfile
 import unittest
 
-from program import ON_WINDOWS, ROOT, Program, run
+from program import HANG, ON_WINDOWS, ROOT, Program, run
 
 LIMIT = 65536  # characters of a line
 MATE_IN_FEW = "fen 7k/8/5K2/8/8/8/8/R7 w - -\ndepth 5\nself\n"
@@ -211,7 +211,7 @@ class Terminal(unittest.TestCase):
         self.program.wait_for("01] 03")
         for end in (self.program.to, self.program.out):
             os.close(end)
-        self.program.process.wait(60)
+        self.program.process.wait(HANG)
 
 
 if __name__ == "__main__":
