@@ -1,10 +1,13 @@
 #include "interface/control/options.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 
 #include "board/search_thread.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
@@ -48,6 +51,16 @@ Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
 
+void DeclareOption(const UciOption& option) {
+    if (option.type == SPIN)
+        ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset, option.lowest,
+                      option.highest);
+    else if (option.type == CHECK)
+        ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
+    else
+        ShowFormatted("option name %s type button", option.name);
+}
+
 }  // namespace
 
 const std::array<UciOption, 8> uci_options = {{
@@ -66,22 +79,16 @@ const std::array<UciOption, 8> uci_options = {{
 }};
 
 const UciOption* FindOption(std::string_view name) {
-    for (const UciOption& option : uci_options)
-        if (name == option.name)
-            return &option;
+    for (const std::span<const UciOption> options : {std::span<const UciOption>(uci_options), TuningOptions()})
+        for (const UciOption& option : options)
+            if (name == option.name)
+                return &option;
     return nullptr;
 }
 
 void DeclareOptions() {
-    for (const UciOption& option : uci_options) {
-        if (option.type == SPIN)
-            ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset,
-                          option.lowest, option.highest);
-        else if (option.type == CHECK)
-            ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
-        else
-            ShowFormatted("option name %s type button", option.name);
-    }
+    std::for_each(uci_options.begin(), uci_options.end(), DeclareOption);
+    std::for_each(TuningOptions().begin(), TuningOptions().end(), DeclareOption);
 }
 
 int ReadOption(const UciOption& option, const char* text) {
