@@ -27,7 +27,6 @@ namespace vrel {
 namespace {
 
 constexpr const char* PLAYER_FILE = "player2.par";
-constexpr int GAMES = 8000;
 constexpr int BOOK_PLIES = 12;
 constexpr int POLL_INTERVAL = 16;  // moves between looks at the input
 constexpr int DECIDED_SCORE = 900;
@@ -115,7 +114,7 @@ void ShowScore(const MatchScore& score, int games) {
 
 }  // namespace
 
-bool PlayMatch() {
+bool PlayMatch(int games) {
     Players players = {DefaultPersonality, DefaultPersonality};
     if (!ReadPlayerFile(PLAYER_FILE, &players[1]))
         return false;
@@ -136,7 +135,7 @@ bool PlayMatch() {
     std::set<uint64_t> different;
     int moves_played = 0;
     int shown = 0;  // games of the last line of statistics
-    for (game.number = 1; game.number <= GAMES; ++game.number) {
+    for (game.number = 1; game.number <= games; ++game.number) {
         if (!PlayGame(players, &game, &moves_played))
             break;
         CountResult(game, &score);
@@ -149,12 +148,12 @@ bool PlayMatch() {
         if (!out.Flush())  // whoever looks on sees whole games
             break;
     }
-    const int games = game.number - 1;
-    if (games == 0)
+    const int played = game.number - 1;
+    if (played == 0)
         return out.Close();
-    if (games > shown)
-        ShowScore(score, games);
-    ShowFormatted("%d games, %d of them different", games, static_cast<int>(different.size()));
+    if (played > shown)
+        ShowScore(score, played);
+    ShowFormatted("%d games, %d of them different", played, static_cast<int>(different.size()));
     return out.Close();
 }
 
