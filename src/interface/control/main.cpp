@@ -7,6 +7,7 @@
 #include "interface/control/command_line.h"
 #include "interface/control/game_loop.h"
 #include "interface/control/input.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/arguments.h"
@@ -33,7 +34,7 @@ constexpr int FAILED = 1;  // exit status
 
 // What needs neither workers nor a log of its own.
 bool IsAnsweredAtOnce(const CommandLine& line) {
-    return !line.fault.empty() || line.help || line.version || line.bench_depth > 0;
+    return !line.fault.empty() || line.help || line.version || line.tune_spec || line.bench_depth > 0;
 }
 
 // The file that a tool would read while it or the log is written to it, or the other way round; null if there is none.
@@ -41,11 +42,14 @@ const char* FileUsedTwice(const CommandLine& line) {
     const char* positions = PBlock.epd_file.data();
     const char* file = line.file.data();
     const char* book = PBlock.book_file.data();
+    const char* figures = PBlock.figures_file.data();
     // Names may differ and mean one file all the same.
     if (NameOneFile(positions, logfile) || (line.tune && NameOneFile(positions, "tune.log")))
         return positions;
     if (NameOneFile(file, logfile) || (line.match && (NameOneFile(file, "player2.par") || NameOneFile(file, book))))
         return file;
+    if (NameOneFile(figures, positions) || NameOneFile(figures, logfile) || NameOneFile(figures, "unsolved.epd"))
+        return figures;
     return nullptr;
 }
 
@@ -71,6 +75,14 @@ bool StartUp(int argc, char** argv, CommandLine* line) {
 }
 
 // Returns the exit status.
+int AnswerTuneSpec() {
+    if (ShowTuneSpec())
+        return 0;
+    Complain("tune_spec: weights are options of the tuning build alone, cmake -DVREL_TUNE=ON");
+    return FAILED;
+}
+
+// The same.
 int AnswerAtOnce(const CommandLine& line) {
     if (!line.fault.empty()) {
         Complain("%s", line.fault.c_str());
@@ -80,6 +92,8 @@ int AnswerAtOnce(const CommandLine& line) {
         ShowCommandLineHelp();
     else if (line.version)
         Print("%s\n", version);
+    else if (line.tune_spec)
+        return AnswerTuneSpec();
     else if (RunBench(line.bench_depth) == 0)
         return FAILED;
     return 0;
@@ -97,12 +111,14 @@ bool RunTool(const CommandLine& line, int* status) {
     } else if (line.match) {
         PBlock.match_file = line.file;
         PBlock.noise = TOOL_NOISE;
-        *status = PlayMatch() ? 0 : FAILED;
+        if (line.seed)
+            std::srand(*line.seed);
+        *status = PlayMatch(line.games) ? 0 : FAILED;
     } else if (line.tune) {
         PBlock.noise = TOOL_NOISE;
         *status = Tune() ? 0 : FAILED;
     } else if (line.openings > 0) {
-        *status = WriteOpenings(line.file.data(), line.openings, line.seed) ? 0 : FAILED;
+        *status = WriteOpenings(line.file.data(), line.openings, line.seed.value_or(1)) ? 0 : FAILED;
     } else {
         return false;
     }

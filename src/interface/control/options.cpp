@@ -1,11 +1,14 @@
 #include "interface/control/options.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 
 #include "board/search_thread.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
@@ -53,6 +56,16 @@ Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
 
+void DeclareOption(const UciOption& option) {
+    if (option.type == SPIN)
+        ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset, option.lowest,
+                      option.highest);
+    else if (option.type == CHECK)
+        ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
+    else
+        ShowFormatted("option name %s type button", option.name);
+}
+
 // In the order in which they are declared.
 constexpr auto uci_options = std::to_array<UciOption>({
     {"Hash", SPIN, 64, 0, 8192, "info string Hash size set to %dM bytes", NeedsFreeEngine, SetHashSize},
@@ -72,23 +85,17 @@ constexpr auto uci_options = std::to_array<UciOption>({
 }  // namespace
 
 const UciOption* FindOption(std::string_view name) {
-    for (const UciOption& option : uci_options)
-        if (name == option.name)
-            return &option;
+    for (const std::span<const UciOption> options : {std::span<const UciOption>(uci_options), TuningOptions()})
+        for (const UciOption& option : options)
+            if (name == option.name)
+                return &option;
     return nullptr;
 }
 
 // In the words of the protocol, for which a switch is a "check" and a number a "spin".
 void DeclareOptions() {
-    for (const UciOption& option : uci_options) {
-        if (option.type == SPIN)
-            ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset,
-                          option.lowest, option.highest);
-        else if (option.type == CHECK)
-            ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
-        else
-            ShowFormatted("option name %s type button", option.name);
-    }
+    std::for_each(uci_options.begin(), uci_options.end(), DeclareOption);
+    std::for_each(TuningOptions().begin(), TuningOptions().end(), DeclareOption);
 }
 
 int ReadOption(const UciOption& option, const char* text) {
