@@ -119,6 +119,7 @@ constexpr Option options[] = {
          line->openings = words->TakeNumber(1, MOST_OPENINGS, OPENINGS);
          line->seed = static_cast<uint32_t>(words->TakeNumber(0, INT32_MAX, 1));
      }},
+    {"tune_spec", false, nullptr, [](Words*, CommandLine* line) { line->tune_spec = true; }},  // for a tuning build
     {"--help", false, "\tthis page", [](Words*, CommandLine* line) { line->help = true; }},
     {"-help", false, nullptr, [](Words*, CommandLine* line) { line->help = true; }},
     {"--version", false, "\tname and version", [](Words*, CommandLine* line) { line->version = true; }},

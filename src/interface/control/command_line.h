@@ -13,6 +13,7 @@ struct CommandLine {
     std::string fault;  // a word that can't be used: told, and the program ends
     bool help = false;
     bool version = false;
+    bool tune_spec = false;
     bool analyse_epd = false;
     int scan_kind = 0;  // 0 none
     bool match = false;

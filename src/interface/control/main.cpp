@@ -7,6 +7,7 @@
 #include "interface/control/command_line.h"
 #include "interface/control/game_loop.h"
 #include "interface/control/input.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/pblock.h"
 #include "platform/arguments.h"
@@ -33,7 +34,7 @@ constexpr int FAILED = 1;  // exit status
 
 // What needs neither workers nor a log of its own.
 bool IsAnsweredAtOnce(const CommandLine& line) {
-    return !line.fault.empty() || line.help || line.version || line.bench_depth > 0;
+    return !line.fault.empty() || line.help || line.version || line.tune_spec || line.bench_depth > 0;
 }
 
 // The file that a tool would read while it or the log is written to it, or the other way round; null if there is none.
@@ -71,6 +72,14 @@ bool StartUp(int argc, char** argv, CommandLine* line) {
 }
 
 // Returns the exit status.
+int AnswerTuneSpec() {
+    if (ShowTuneSpec())
+        return 0;
+    Complain("tune_spec: weights are options of the tuning build alone, cmake -DVREL_TUNE=ON");
+    return FAILED;
+}
+
+// The same.
 int AnswerAtOnce(const CommandLine& line) {
     if (!line.fault.empty()) {
         Complain("%s", line.fault.c_str());
@@ -80,6 +89,8 @@ int AnswerAtOnce(const CommandLine& line) {
         ShowCommandLineHelp();
     else if (line.version)
         Print("%s\n", version);
+    else if (line.tune_spec)
+        return AnswerTuneSpec();
     else if (RunBench(line.bench_depth) == 0)
         return FAILED;
     return 0;

@@ -1,11 +1,14 @@
 #include "interface/control/options.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 
 #include "board/search_thread.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
@@ -69,26 +72,30 @@ constexpr auto uci_options = std::to_array<UciOption>({
      [](int on) { PBlock.log = static_cast<int16_t>(on); }},
 });
 
+// In the words of the protocol, for which a switch is a "check" and a number a "spin".
+void DeclareOption(const UciOption& option) {
+    if (option.type == SPIN)
+        ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset, option.lowest,
+                      option.highest);
+    else if (option.type == CHECK)
+        ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
+    else
+        ShowFormatted("option name %s type button", option.name);
+}
+
 }  // namespace
 
 const UciOption* FindOption(std::string_view name) {
-    for (const UciOption& option : uci_options)
-        if (name == option.name)
-            return &option;
+    for (const std::span<const UciOption> options : {std::span<const UciOption>(uci_options), TuningOptions()})
+        for (const UciOption& option : options)
+            if (name == option.name)
+                return &option;
     return nullptr;
 }
 
-// In the words of the protocol, for which a switch is a "check" and a number a "spin".
 void DeclareOptions() {
-    for (const UciOption& option : uci_options) {
-        if (option.type == SPIN)
-            ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset,
-                          option.lowest, option.highest);
-        else if (option.type == CHECK)
-            ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
-        else
-            ShowFormatted("option name %s type button", option.name);
-    }
+    std::for_each(uci_options.begin(), uci_options.end(), DeclareOption);
+    std::for_each(TuningOptions().begin(), TuningOptions().end(), DeclareOption);
 }
 
 int ReadOption(const UciOption& option, const char* text) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "board/fen.h"
 #include "board/letters.h"
@@ -11,6 +12,7 @@
 #include "board/search_thread.h"
 #include "interface/control/game_loop.h"
 #include "interface/control/options.h"
+#include "interface/control/tuning_options.h"
 #include "interface/messages.h"
 #include "interface/numbers.h"
 #include "interface/pblock.h"
@@ -60,13 +62,25 @@ struct OptionChange {
     std::string value;
 };
 
+// The names of weights hold the word "value": the place behind such a name, null if the text doesn't begin with one.
+const char* BehindTuningName(const char* text) {
+    const size_t length = std::strcspn(text, " ");
+    for (const UciOption& option : TuningOptions())
+        if (std::string_view(text, length) == option.name)
+            return text + length;
+    return nullptr;
+}
+
 OptionChange ReadOptionLine(const char* rest) {
     // Both words may stand anywhere, so that interfaces with manners of their own are understood.
     const char* name = std::strstr(rest, "name");
-    const char* value = std::strstr(rest, "value");
-    if (name == nullptr || (value != nullptr && value < name))
+    if (name == nullptr)
         return {nullptr, ""};
     const char* name_text = SkipBlanks(name + 4);
+    const char* behind = BehindTuningName(name_text);
+    const char* value = std::strstr(behind != nullptr ? behind : rest, "value");
+    if (value != nullptr && value < name)
+        return {nullptr, ""};
     // Without a value only a button can be meant; any other option keeps what it has.
     if (value == nullptr) {
         const UciOption* option = FindOption(Trimmed(name_text));
