@@ -75,6 +75,7 @@ struct ControlBlock {
     std::array<Relaxed<Move>, FRAMES> pv{};  // published line; pv[1] the best move, pv[2] the ponder move
 
     std::array<char, FILE_NAME> epd_file{};
+    std::array<char, FILE_NAME> figures_file{};  // of the analysis of epd_file, empty for none
     std::array<char, FILE_NAME> match_file{};
     std::array<char, FILE_NAME> book_file{};
     Move epd_best = 0;  // expected best move of an EPD position, 0xffff for none

@@ -3,8 +3,10 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "board/fen.h"
 #include "board/search_thread.h"
@@ -33,15 +35,23 @@ constexpr int WORKER_DEPTH = 5;    // deeper searches run on the workers
 constexpr int TABLE_DEPTH = 1;     // so do those that profit from the table
 constexpr int POLL_INTERVAL = 16;  // positions between looks at the input
 
-// Sums over the positions analysed.
-struct Totals {
-    int positions = 0;
-    int correct = 0;
+// What the search of a position came to; and sums over the positions analysed.
+struct Figures {
     double time = 0.0;
     double nodes = 0.0;
     double depth = 0.0;
     double branching = 0.0;
     double error = 0.0;
+};
+struct Totals {
+    int positions = 0;
+    int correct = 0;
+    Figures sums;
+};
+
+struct Outputs {
+    RecordFile unsolved;
+    RecordFile figures;  // if they were asked for
 };
 
 bool IsSilent() { return PBlock.noise == SILENT; }
@@ -121,17 +131,30 @@ void SearchPosition(int number) {
 }
 
 // The error is that of the score as a forecast of the result.
-void AddSearch(Totals* totals, double target) {
+Figures FiguresOfSearch(double target) {
     Collect();
-    totals->time += PBlock.elapsed;
-    totals->nodes += static_cast<double>(sstats[STAT_NODES]);
-    totals->depth += PBlock.depth;
-    totals->branching += EffectiveBranchingFactor();
-    totals->error += std::fabs(target - ExpectedResult(PBlock.score));
+    return {PBlock.elapsed, static_cast<double>(sstats[STAT_NODES]), static_cast<double>(PBlock.depth),
+            EffectiveBranchingFactor(), std::fabs(target - ExpectedResult(PBlock.score))};
+}
+
+void Add(const Figures& figures, Figures* sums) {
+    sums->time += figures.time;
+    sums->nodes += figures.nodes;
+    sums->depth += figures.depth;
+    sums->branching += figures.branching;
+    sums->error += figures.error;
+}
+
+// With all digits, so that the sums over parts of a suite are those over the whole.
+std::string FiguresText(int number, bool solved, const Figures& f) {
+    std::array<char, 256> text;
+    std::snprintf(text.data(), text.size(), "%d %d %.17g %.0f %.0f %.17g %.17g\n", number, static_cast<int>(solved),
+                  f.time, f.nodes, f.depth, f.branching, f.error);
+    return text.data();
 }
 
 // With a search, what isn't solved is kept for another look; without one, the score alone is of interest.
-void AnalysePosition(Source* source, RecordFile* unsolved, bool timed, Totals* totals) {
+void AnalysePosition(Source* source, Outputs* outputs, bool timed, Totals* totals) {
     ++totals->positions;
     const double target = source->SetUp();
     PBlock.epd_best = PBlock.max_depth > 0 ? ReadBestMove(source->line()) : NOT_LOOKED_FOR;
@@ -144,11 +167,15 @@ void AnalysePosition(Source* source, RecordFile* unsolved, bool timed, Totals* t
     // Reading the clock takes a good part of the time of a position without a search.
     if (timed || !IsSilent())
         GetElapsedTime(1);
-    AddSearch(totals, target);
-    if (PBlock.pv[1] == PBlock.epd_best)
+    const Figures figures = FiguresOfSearch(target);
+    Add(figures, &totals->sums);
+    const bool solved = PBlock.pv[1] == PBlock.epd_best;
+    if (solved)
         ++totals->correct;
-    else if (*unsolved)
-        unsolved->Put(std::string(source->line()) + '\n');
+    else if (outputs->unsolved)
+        outputs->unsolved.Put(std::string(source->line()) + '\n');
+    if (outputs->figures)
+        outputs->figures.Put(FiguresText(totals->positions, solved, figures));
     if (!IsSilent())
         ShowResult();
     CloseSearch();
@@ -158,21 +185,21 @@ void AnalysePosition(Source* source, RecordFile* unsolved, bool timed, Totals* t
 struct Means {
     explicit Means(const Totals& totals) {
         const double n = totals.positions > 0 ? totals.positions : 1;
-        depth = totals.depth / n;
-        nodes = totals.nodes / n;
-        branching = totals.branching / n;
-        error = totals.error / n;
+        depth = totals.sums.depth / n;
+        nodes = totals.sums.nodes / n;
+        branching = totals.sums.branching / n;
+        error = totals.sums.error / n;
     }
     double depth, nodes, branching, error;
 };
 
 void ShowSummary(const Totals& totals, const Means& means) {
     ShowFormatted("%d / %d correct best moves", totals.correct, totals.positions);
-    ShowFormatted("total nodes= %0.0f", totals.nodes);
-    ShowFormatted("total time= %0.2f seconds", totals.time);
+    ShowFormatted("total nodes= %0.0f", totals.sums.nodes);
+    ShowFormatted("total time= %0.2f seconds", totals.sums.time);
     ShowFormatted("avg depth= %0.1f", means.depth);
     ShowFormatted("avg nodes= %0.1f", means.nodes);
-    ShowFormatted("node_rate= %0.0f", totals.nodes / (totals.time + 0.01));
+    ShowFormatted("node_rate= %0.0f", totals.sums.nodes / (totals.sums.time + 0.01));
     ShowFormatted("avg bf= %0.2f", means.branching);
     ShowFormatted("avg error= %0.5f\n", means.error);
 }
@@ -186,18 +213,26 @@ double Analyze_EPD_File(bool show) {
 
 double Analyze_EPD_File(bool show, bool* complete) {
     const char* name = PBlock.epd_file.data();
+    const char* figures = show ? PBlock.figures_file.data() : "";
     *complete = false;
     Source source(name, !show);
     if (!source) {
         Complain("%s: %s", name, FileTrouble());
         return 1.0;
     }
+    const auto create = [name](const char* output, bool wanted) {
+        File file = wanted ? CreateOutput(output, name) : File();
+        if (wanted && !file)
+            Complain("%s: %s", output, FileTrouble());
+        return RecordFile(std::move(file), output);
+    };
     // The file of the unsolved may be the suite itself, which is then read to its end all the same.
-    RecordFile unsolved(PBlock.max_depth > 0 ? CreateOutput(UNSOLVED, name) : File(), UNSOLVED);
-    if (PBlock.max_depth > 0 && !unsolved) {
-        Complain("%s: %s", UNSOLVED, FileTrouble());
+    const bool searched = PBlock.max_depth > 0;
+    const bool recorded = *figures != '\0';
+    Outputs outputs = {create(UNSOLVED, searched), create(figures, recorded)};
+    if ((searched && !outputs.unsolved) || (recorded && !outputs.figures))
         return 1.0;
-    }
+    outputs.figures.Put("pos solved time nodes depth bf error\n");
     InitEval();
     if (show)
         ShowFormatted("Analyzing %s...", name);
@@ -206,18 +241,19 @@ double Analyze_EPD_File(bool show, bool* complete) {
         PBlock.use_hash = 0;
     Totals totals;
     Progress progress("bytes", show ? source.Size() : 0);
-    const bool timed = show || PBlock.max_depth > 0;
+    const bool timed = show || searched;
     while (source.Next()) {
         if (progress.IsDue())
             progress.Show(source.Place());
-        AnalysePosition(&source, &unsolved, timed, &totals);
+        AnalysePosition(&source, &outputs, timed, &totals);
         if (PBlock.quit)
             break;
     }
     const bool read = source.ReadToItsEnd();
     if (!read)
         Complain("%s: %s", name, FileTrouble());
-    *complete = unsolved.Close() && read;
+    const bool written = outputs.unsolved.Close();
+    *complete = outputs.figures.Close() && written && read;
     const Means means(totals);
     if (show)
         ShowSummary(totals, means);

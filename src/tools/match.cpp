@@ -28,7 +28,6 @@ namespace vrel {
 namespace {
 
 constexpr const char* PLAYER_FILE = "player2.par";
-constexpr int GAMES = 8000;
 constexpr int BOOK_PLIES = 12;      // from here on both play by themselves, whatever the book knows
 constexpr int POLL_INTERVAL = 16;   // moves between looks at the input
 constexpr int DECIDED_SCORE = 900;  // centipawns that nobody loses any more
@@ -119,7 +118,7 @@ void ShowScore(const MatchScore& score, int games) {
 
 }  // namespace
 
-bool PlayMatch() {
+bool PlayMatch(int games) {
     // The first player is the engine as it is; what is tried out is the second.
     Players players = {DefaultPersonality, DefaultPersonality};
     if (!ReadPlayerFile(PLAYER_FILE, &players[1]))
@@ -140,9 +139,9 @@ bool PlayMatch() {
     MatchGame game;
     std::set<uint64_t> different;
     int moves_played = 0;
-    Progress progress("games", GAMES);
+    Progress progress("games", games);
     int shown = 0;  // games of the last line of statistics
-    for (game.number = 1; game.number <= GAMES; ++game.number) {
+    for (game.number = 1; game.number <= games; ++game.number) {
         progress.Show(game.number - 1);
         if (!PlayGame(players, &game, &moves_played))
             break;
@@ -156,12 +155,12 @@ bool PlayMatch() {
             shown = game.number;
         }
     }
-    const int games = game.number - 1;
-    if (games == 0)
+    const int played = game.number - 1;
+    if (played == 0)
         return out.Close();
-    if (games > shown)
-        ShowScore(score, games);
-    ShowFormatted("%d games, %d of them different", games, static_cast<int>(different.size()));
+    if (played > shown)
+        ShowScore(score, played);
+    ShowFormatted("%d games, %d of them different", played, static_cast<int>(different.size()));
     return out.Close();
 }
 

@@ -7,6 +7,7 @@
 #include "interface/numbers.h"
 #include "interface/words.h"
 #include "tools/bench.h"
+#include "tools/match.h"
 #include "tools/scanned_game.h"
 
 namespace vrel {
@@ -30,6 +31,11 @@ struct Words {
     bool NumberIsNext() const { return count > 0 && (*next)[0] >= '0' && (*next)[0] <= '9'; }
     int TakeNumber(int lowest, int highest, int otherwise) {
         return NumberIsNext() ? ReadInteger(Take(), lowest, highest) : otherwise;
+    }
+    std::optional<uint32_t> TakeSeed() {
+        if (!NumberIsNext())
+            return std::nullopt;
+        return static_cast<uint32_t>(ReadInteger(Take(), 0, INT32_MAX));
     }
 };
 
@@ -100,11 +106,15 @@ constexpr Option options[] = {
          TakeFile(words, &PBlock.epd_file, line);
          line->analyse_epd = true;
      }},
+    {"-figures", true, "FILE\tof each position of a suite, into a file: solved, seconds, nodes, depth, bf, error",
+     [](Words* words, CommandLine* line) { TakeFile(words, &PBlock.figures_file, line); }},
     {nullptr, true, nullptr, nullptr},  // the place of the kinds of scans, which have a table of their own
-    {"-match", true, "FILE\tplay a match of the engine against itself, its games into the file",
+    {"-match", true, "FILE [N] [SEED]\tplay a match of the engine against itself, N games at most, into the file",
      [](Words* words, CommandLine* line) {
          TakeFile(words, &line->file, line);
          line->match = true;
+         line->games = words->TakeNumber(1, MATCH_GAMES, MATCH_GAMES);
+         line->seed = words->TakeSeed();
      }},
     {"-tune", true, "FILE\ttune the evaluation to the positions of the file",
      [](Words* words, CommandLine* line) {
@@ -117,7 +127,7 @@ constexpr Option options[] = {
      [](Words* words, CommandLine* line) {
          TakeFile(words, &line->file, line);
          line->openings = words->TakeNumber(1, MOST_OPENINGS, OPENINGS);
-         line->seed = static_cast<uint32_t>(words->TakeNumber(0, INT32_MAX, 1));
+         line->seed = words->TakeSeed();
      }},
     {"tune_spec", false, nullptr, [](Words*, CommandLine* line) { line->tune_spec = true; }},  // for a tuning build
     {"--help", false, "\tthis page", [](Words*, CommandLine* line) { line->help = true; }},

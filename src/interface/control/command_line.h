@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "interface/pblock.h"
@@ -20,7 +21,8 @@ struct CommandLine {
     bool tune = false;
     int bench_depth = 0;                 // 0 none
     int openings = 0;                    // how many; 0 none
-    uint32_t seed = 1;                   // of the openings
+    int games = 0;                       // of a match
+    std::optional<uint32_t> seed;        // of openings or a match
     std::array<char, FILE_NAME> file{};  // of scan, match or openings, whichever was named last
 };
 

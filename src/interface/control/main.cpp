@@ -42,11 +42,14 @@ const char* FileUsedTwice(const CommandLine& line) {
     const char* positions = PBlock.epd_file.data();
     const char* file = line.file.data();
     const char* book = PBlock.book_file.data();
+    const char* figures = PBlock.figures_file.data();
     // Names may differ and mean one file all the same.
     if (NameOneFile(positions, logfile) || (line.tune && NameOneFile(positions, "tune.log")))
         return positions;
     if (NameOneFile(file, logfile) || (line.match && (NameOneFile(file, "player2.par") || NameOneFile(file, book))))
         return file;
+    if (NameOneFile(figures, positions) || NameOneFile(figures, logfile) || NameOneFile(figures, "unsolved.epd"))
+        return figures;
     return nullptr;
 }
 
@@ -108,12 +111,14 @@ bool RunTool(const CommandLine& line, int* status) {
     } else if (line.match) {
         PBlock.match_file = line.file;
         PBlock.noise = TOOL_NOISE;
-        *status = PlayMatch() ? 0 : FAILED;
+        if (line.seed)
+            std::srand(*line.seed);
+        *status = PlayMatch(line.games) ? 0 : FAILED;
     } else if (line.tune) {
         PBlock.noise = TOOL_NOISE;
         *status = Tune() ? 0 : FAILED;
     } else if (line.openings > 0) {
-        *status = WriteOpenings(line.file.data(), line.openings, line.seed) ? 0 : FAILED;
+        *status = WriteOpenings(line.file.data(), line.openings, line.seed.value_or(1)) ? 0 : FAILED;
     } else {
         return false;
     }
