@@ -116,7 +116,8 @@ class Spread(unittest.TestCase):
         games = "\n".join([
             game, '[Event "a"]', "", ' [Round "1"]', fen, '[White "w"]', '[Result "1-0"]', "\t", game + " 1-0", "", "{ open",
             '[Event "b"]', f"\t{fen}\r", '[Result "0-1"]', "", game + " { a", '[Event "c" ]', ' [Event "d"]', "} 0-1",
-            "[%clk 3]", game, fen, '[Result "0-1"]', game + " { c", "d", '[Event"i"]', "} 0-1", '[Event "e"]', '[Event "f"]', fen, "x" * 65537 + f'[Event "g"] {game}', game,
+            "[%clk 3]", game, fen, '[Result "0-1"]', game + " { c", "d", '[Event"i"]', "} 0-1", '[Event "e"]', '[Event "f"]',
+            fen, "x" * 65537 + f'[Event "g"] {game}', game,
             '[Event\t"h"]', fen, game])
         with open(self.path("games.pgn"), "w", encoding="ascii", newline="") as file:
             file.write(games + "\n" + games)
