@@ -226,9 +226,9 @@ double Analyze_EPD_File(bool show, bool* complete) {
             Complain("%s: %s", output, FileTrouble());
         return RecordFile(std::move(file), output);
     };
+    // The file of the unsolved may be the suite itself, which is then read to its end all the same.
     const bool searched = PBlock.max_depth > 0;
     const bool recorded = *figures != '\0';
-    // The file of the unsolved may be the suite itself, which is then read to its end all the same.
     Outputs outputs = {create(UNSOLVED, searched), create(figures, recorded)};
     if ((searched && !outputs.unsolved) || (recorded && !outputs.figures))
         return 1.0;

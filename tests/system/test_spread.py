@@ -109,16 +109,22 @@ class Spread(unittest.TestCase):
         self.assertEqual(self.left(), [])
 
     def test_scans_are_cut_where_games_begin(self):
-        with open(os.path.join(DATA, "pgn/texts.txt"), "rb") as file:
-            games = file.read()
-        tricks = (b'{ a comment\n[Event "in it"]\n\n1. e4 {+0.1/9} e5 {\n[Event "x" ] }\n  [Event "y"]\n}\n[%clk "1"]\n'
-                  b'[FEN "4k3/8/8/8/8/8/4P3/4K3 w - -"]\n1. e4 {0.2/8}\t\n\t\n[Event\t"z"]\r\n\r\n1. d4 d5\n'
-                  + b"x" * 70000 + b'\n[Event "long"]\n1. c4 {0.1/2} e5')
-        with open(self.path("games.pgn"), "wb") as file:
-            file.write(b"\xef\xbb\xbf" + games + tricks + games + b"\n" + tricks)
+        # Tags that belong together, tags in comments, what looks like a tag behind the longest line that is read.
+        fen = '[FEN "rnb1kbnr/pppppppp/8/8/8/8/PPPPPPPP/RNB1KBNR w KQkq - 0 1"]'
+        game = " ".join(f"{file}{white} {{0.3/9}} {file}{black} {{0.1/8}}"
+                        for white, black in ("36", "45") for file in "abcdefgh")
+        games = "\n".join([
+            game, '[Event "a"]', "", ' [Round "1"]', fen, '[White "w"]', '[Result "1-0"]', "\t", game + " 1-0", "", "{ open",
+            '[Event "b"]', f"\t{fen}\r", '[Result "0-1"]', "", game + " { a", '[Event "c" ]', ' [Event "d"]', "} 0-1",
+            "[%clk 3]", game, fen, '[Result "0-1"]', game + " { c", "d", '[Event"i"]', "} 0-1", '[Event "e"]', '[Event "f"]',
+            fen, "x" * 65537 + f'[Event "g"] {game}', game,
+            '[Event\t"h"]', fen, game])
+        with open(self.path("games.pgn"), "w", encoding="ascii", newline="") as file:
+            file.write(games + "\n" + games)
         for kind in "23":
             expected = self.whole(f"-scan_pgn{kind}", "games.pgn"), self.read("tmp.epd")
-            for words in (["-j", "1", "--piece", "100000"], ["-j", "2", "--piece", "3000"]):
+            self.assertGreater(len(expected[1]), 1000)
+            for words in (["-j", "1", "--piece", "1000000"], ["-j", "2", "--piece", "1"]):
                 os.unlink(self.path("tmp.epd"))
                 self.assertEqual((self.spread(*words, f"scan{kind}", "games.pgn"), self.read("tmp.epd")), expected)
         self.assertEqual(self.left(), [])

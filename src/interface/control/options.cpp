@@ -82,6 +82,17 @@ constexpr auto uci_options = std::to_array<UciOption>({
      [](int on) { PBlock.log = static_cast<int16_t>(on); }},
 });
 
+// In the words of the protocol, for which a switch is a "check" and a number a "spin".
+void DeclareOption(const UciOption& option) {
+    if (option.type == SPIN)
+        ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset, option.lowest,
+                      option.highest);
+    else if (option.type == CHECK)
+        ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
+    else
+        ShowFormatted("option name %s type button", option.name);
+}
+
 }  // namespace
 
 const UciOption* FindOption(std::string_view name) {
@@ -92,7 +103,6 @@ const UciOption* FindOption(std::string_view name) {
     return nullptr;
 }
 
-// In the words of the protocol, for which a switch is a "check" and a number a "spin".
 void DeclareOptions() {
     std::for_each(uci_options.begin(), uci_options.end(), DeclareOption);
     std::for_each(TuningOptions().begin(), TuningOptions().end(), DeclareOption);
