@@ -273,6 +273,13 @@ class Surroundings(unittest.TestCase):
         for way in ["</dev/null", "<&-"]:
             subprocess.run(["sh", "-c", f'"{VREL}" -nolog {way}'], timeout=HANG, check=True)
 
+    def test_a_match_without_the_weights_that_are_asked_for_is_none(self):
+        with tempfile.TemporaryDirectory() as folder:
+            os.mkdir(os.path.join(folder, "player2.par"))
+            lines = run("-nolog", "-match", "out.pgn", folder=folder, script="quit\n", statuses=(1,))
+            self.assertEqual(lines, ["can't open player2.par"])
+            self.assertFalse(os.path.exists(os.path.join(folder, "out.pgn")))
+
     def test_the_log_belongs_to_the_first_of_several_programs(self):
         with tempfile.TemporaryDirectory() as folder:
             first = Program(folder=folder)
