@@ -56,16 +56,6 @@ Need NeedsFreeEngine() { return FREE_ENGINE; }
 Need NeedsNoTool() { return NO_TOOL; }
 Need NeedsNothing() { return BESIDE; }
 
-void DeclareOption(const UciOption& option) {
-    if (option.type == SPIN)
-        ShowFormatted("option name %s type spin default %d min %d max %d", option.name, option.preset, option.lowest,
-                      option.highest);
-    else if (option.type == CHECK)
-        ShowFormatted("option name %s type check default %s", option.name, option.preset ? "true" : "false");
-    else
-        ShowFormatted("option name %s type button", option.name);
-}
-
 // In the order in which they are declared.
 constexpr auto uci_options = std::to_array<UciOption>({
     {"Hash", SPIN, 64, 0, 8192, "info string Hash size set to %dM bytes", NeedsFreeEngine, SetHashSize},
