@@ -35,7 +35,6 @@ struct EvalContext {
     PerSide double_attacks;          // squares attacked at least twice
     PerSide mobility_area;           // squares that count for mobility
     PerSide outpost;
-    std::array<bool, 2> rank7_target;   // there is something for heavy pieces on the seventh rank
     std::array<int, 2> king_attackers;  // against the king of the side
     PerSide king_zone;                  // the box around the king, moved off the rim
     PerSide king_lines;                 // open ground on the files of the king

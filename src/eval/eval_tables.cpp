@@ -22,7 +22,7 @@ std::array<int16_t, 8> PP_ADVANCE;
 std::array<int16_t, 16> KnightMobility, BishopMobility, RookMobility;
 std::array<int16_t, 32> QueenMobility;
 std::array<int16_t, 32> KingDanger;
-std::array<std::array<ScorePair, 16>, 6> MaterialPairs;
+std::array<std::array<MaterialShare, 256>, 3> MaterialShares;
 std::array<std::array<std::array<ScorePair, 64>, 7>, 2> SquarePairs;
 std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
 uint64_t weights_signature = 0;
@@ -50,13 +50,20 @@ void InitMaterial() {
         MtlRookEn[i] = Narrow(i * p.rook_value_en - spare_rook);
         MtlQueenOp[i] = Narrow(i * p.queen_value_op);
         MtlQueenEn[i] = Narrow(i * p.queen_value_en - spare_queen);
-        MaterialPairs[PAWN][i] = MakePair(MtlPawnOp[i], MtlPawnEn[i]);
-        MaterialPairs[KNIGHT][i] = MakePair(MtlKnightOp[i], MtlKnightEn[i]);
-        MaterialPairs[BISHOP][i] = MakePair(MtlBishopOp[i], MtlBishopEn[i]);
-        MaterialPairs[ROOK][i] = MakePair(MtlRookOp[i], MtlRookEn[i]);
-        MaterialPairs[QUEEN][i] = MakePair(MtlQueenOp[i], MtlQueenEn[i]);
+    }
+    for (int counts = 0; counts < 256; ++counts) {
+        // The lower type first, as in the signature.
+        const int a = counts & 0xf;
+        const int b = counts >> 4;
+        MaterialShares[0][counts] = {MakePair(MtlPawnOp[a], MtlPawnEn[a]) + MakePair(MtlKnightOp[b], MtlKnightEn[b]),
+                                     b};
+        MaterialShares[1][counts] = {MakePair(MtlBishopOp[a], MtlBishopEn[a]) + MakePair(MtlRookOp[b], MtlRookEn[b]),
+                                     a + 2 * b};
+        MaterialShares[2][counts] = {MakePair(MtlQueenOp[a], MtlQueenEn[a]), 4 * a};
     }
 }
+static_assert(msig_unit[PAWN] == 1 && msig_unit[KNIGHT] == 1 << 4 && msig_unit[BISHOP] == 1 << 8 &&
+              msig_unit[ROOK] == 1 << 12 && msig_unit[QUEEN] == 1 << 16);
 
 // Shapes of the piece-square tables, in sixteenths of a weight. Rooks look at the file alone, kings in the opening at
 // their own mixture, and all others like to stand in the centre.

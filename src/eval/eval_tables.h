@@ -24,9 +24,15 @@ extern std::array<int16_t, 16> KnightMobility, BishopMobility, RookMobility;  //
 extern std::array<int16_t, 32> QueenMobility;
 extern std::array<int16_t, 32> KingDanger;  // by the danger index of a king, see KingSafety
 
-// The same values as pairs, laid out for the terms: material by type and count, piece-square values by side, type
-// and real square, mobility by type and count.
-extern std::array<std::array<ScorePair, 16>, 6> MaterialPairs;
+// Material of two types at once, by a byte of the material signature: pawns and knights, bishops and rooks, queens.
+struct MaterialShare {
+    ScorePair value;
+    int force;  // knights and bishops 1, rooks 2, queens 4
+};
+extern std::array<std::array<MaterialShare, 256>, 3> MaterialShares;
+
+// The other values as pairs, laid out for the terms: piece-square values by side, type and real square, mobility by
+// type and count.
 extern std::array<std::array<std::array<ScorePair, 64>, 7>, 2> SquarePairs;
 extern std::array<std::array<ScorePair, 32>, 6> MobilityPairs;
 

@@ -56,15 +56,12 @@ int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending
 // heavy pieces lose; no other imbalance counts.
 template <int Side>
 [[gnu::always_inline]] inline void EvalMaterial(EvalContext* ctx) {
-    const Position& pos = *ctx->pos;
-    const int pawns = CountOf(pos, Side, PAWN);
-    const int knights = CountOf(pos, Side, KNIGHT);
-    const int bishops = CountOf(pos, Side, BISHOP);
-    const int rooks = CountOf(pos, Side, ROOK);
-    const int queens = CountOf(pos, Side, QUEEN);
-    ctx->material[Side] = MaterialPairs[PAWN][pawns] + MaterialPairs[KNIGHT][knights] + MaterialPairs[BISHOP][bishops] +
-                          MaterialPairs[ROOK][rooks] + MaterialPairs[QUEEN][queens];
-    ctx->weight[Side] = knights + bishops + 2 * rooks + 4 * queens;
+    const uint32_t counts = ctx->pos->msig[Side];
+    const MaterialShare& light = MaterialShares[0][counts & 0xff];
+    const MaterialShare& middle = MaterialShares[1][counts >> 8 & 0xff];
+    const MaterialShare& heavy = MaterialShares[2][counts >> 16 & 0xff];
+    ctx->material[Side] = light.value + middle.value + heavy.value;
+    ctx->weight[Side] = light.force + middle.force + heavy.force;
 }
 
 // The pawn entry of the position, from the cache if it is there. At the root it is computed afresh for the report.

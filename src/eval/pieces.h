@@ -80,9 +80,6 @@ template <int Side>
     ctx->rook_checks[Side] = GenAttacksR(king, ctx->occupied) & enemy_area;
     // On the way up, where no enemy pawn can come to attack.
     ctx->outpost[Side] = Ranks<Side>(4, 7) & ~(FILE_A | FILE_H) & ~ctx->pawn->attack_span[Enemy];
-    // Pawns at home to be taken, or a king to be cut off.
-    ctx->rank7_target[Side] =
-        ((pos.bb[Enemy][PAWN] & Ranks<Enemy>(2, 2)) | (pos.bb[Enemy][KING] & Ranks<Enemy>(1, 1))) != 0;
     // Enemy pawns before the king open the list of its attackers.
     ctx->king_attackers[Side] = CountBits(Forward<Side>(kKingZones[king]) & pos.bb[Enemy][PAWN]);
 }
@@ -151,6 +148,14 @@ template <int Side>
     return score;
 }
 
+// A heavy piece likes its seventh rank where there are pawns at home to be taken, or a king to be cut off.
+template <int Side>
+[[gnu::always_inline]] inline bool RulesSeventhRank(const Position& pos, Square sq) {
+    constexpr int Enemy = Side ^ 1;
+    return RelativeRank(Side, sq) == SEVENTH_RANK &&
+           ((pos.bb[Enemy][PAWN] & Ranks<Enemy>(2, 2)) | (pos.bb[Enemy][KING] & Ranks<Enemy>(1, 1))) != 0;
+}
+
 // A rook looks along its file, best without own pawns, and at the enemy's half of it.
 template <int Side>
 [[gnu::always_inline]] inline ScorePair EvalRook(EvalContext* ctx, Square sq) {
@@ -178,7 +183,7 @@ template <int Side>
     } else if (moves <= 4 && (BBTF[sq] & (pos.bb[Side][PAWN] | pos.bb[Side][KING]))) {
         score += MakePair(Personality.rook_trapped, 0);
     }
-    if (RelativeRank(Side, sq) == SEVENTH_RANK && ctx->rank7_target[Side])
+    if (RulesSeventhRank<Side>(pos, sq))
         score += BothPair(Personality.rook_rank7);
     return score;
 }
@@ -207,7 +212,7 @@ template <int Side>
         ctx->king_attackers[Enemy] += 2;
     else if (attacks & (ctx->king_lines[Enemy] | ctx->bishop_checks[Enemy] | ctx->rook_checks[Enemy]))
         ctx->king_attackers[Enemy] += 1;
-    if (RelativeRank(Side, sq) == SEVENTH_RANK && ctx->rank7_target[Side])
+    if (RulesSeventhRank<Side>(pos, sq))
         score += BothPair(Personality.queen_rank7);
     return score;
 }
