@@ -68,7 +68,8 @@ void Progress::Show(int64_t done) {
     const double share = static_cast<double>(done) / scale.size;
     const double whole = static_cast<double>(all_) / scale.size;
     const int places = scale.size > 1.0 ? 1 : 0;
-    Text speed, line;
+    Text speed;
+    std::array<char, 2 * sizeof(Text)> line;
     WriteSpeed(share, whole - share, SecondsSince(start_), scale.name, &speed);
     std::snprintf(line.data(), line.size(), "%3.0f %%, %.*f of %.*f %s%s", 100.0 * share / whole, places, share, places,
                   whole, scale.name, speed.data());
