@@ -92,16 +92,6 @@ uint64_t HighWord(uint64_t a, uint64_t b) {
 // First entry of the bucket of a key. Buckets overlap: a slot may be any entry of its half.
 TTEntry* Bucket(uint64_t key, Side stm) { return htable[stm] + SlotOf(key); }
 
-// An entry that is in use stays young. Only the age changes, and only if the entry is still what was read: an older
-// first word put back under another writer's check word would pass for its own.
-void Refresh(TTEntry* entry, TTData* data, uint16_t age) {
-    if (data->age == age)
-        return;
-    uint64_t read = Pack(*data);
-    data->age = age;
-    entry->data.compare_exchange_strong(read, Pack(*data), std::memory_order_relaxed);
-}
-
 // One game ply counts as much as 32 plies of depth.
 int ValueOf(const TTData& data) { return static_cast<int16_t>(data.age) * 32 + data.depth; }
 
@@ -167,7 +157,7 @@ void Find(const Position& pos, TTData* result) {
         return;
     const uint64_t check = LoadCheck(*entry);
     *result = Load(*entry);
-    Refresh(entry, result, PBlock.tt_age);
+    RefreshAge(entry, result, PBlock.tt_age);
     if (CheckWord(*result, key) != check)
         result->depth = TORN;
     else if (result->move && !MoveCanBeMade(pos, result->move))
@@ -183,6 +173,16 @@ uint64_t SlotOf(uint64_t key) {
     // than 1: the quotient is right or one too small.
     const uint64_t rest = key - HighWord(key, slot_reciprocal) * slots;
     return rest < slots ? rest : rest - slots;
+}
+
+// Only the age changes, and only if the entry is still what was read: an older first word put back under another
+// writer's check word would pass for its own.
+void RefreshAge(TTEntry* entry, TTData* data, uint16_t age) {
+    if (data->age == age)
+        return;
+    uint64_t read = Pack(*data);
+    data->age = age;
+    entry->data.compare_exchange_strong(read, Pack(*data), std::memory_order_relaxed);
 }
 
 int InitTTable() {
@@ -247,7 +247,7 @@ void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType typ
         target = LeastOfBucket(bucket);
     TTData old = Load(*target);
     if (known)
-        Refresh(target, &old, age);
+        RefreshAge(target, &old, age);
     if (old.depth > depth + PROTECTED_MARGIN && old.depth >= PBlock.depth - PROTECTED_BELOW_ITERATION && old.age == age)
         return;
     // The fill is counted as it grows; nobody goes through the table for it.

@@ -44,6 +44,10 @@ void CheckTTable();
 // none.
 void ProbeTTable(Position* pos, TTData* result);
 
+// Gives an entry that was read, and the copy, the age of now: what is in use stays young. Nothing if another thread has
+// written the entry since.
+void RefreshAge(TTEntry* entry, TTData* data, uint16_t age);
+
 // `score` as the search sees it at `ply`.
 void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType type, Move move);
 

@@ -75,6 +75,23 @@ TEST_F(Table, TornEntryIsNeverFound) {
     EXPECT_LT(Probe(pos.get()).depth, TT_FOUND);
 }
 
+// Between the look at an entry and its new age another thread may have stored something better.
+TEST_F(Table, RefreshingBringsNothingOldBack) {
+    Resize(1);
+    TestPosition pos(fen_opn);
+    Store(pos.get(), 5);
+    TTEntry* entry = hashtable;
+    while (entry->check == 0)
+        ++entry;
+    TTData seen = Probe(pos.get());
+    TTData current = seen;
+    RefreshAge(entry, &current, static_cast<uint16_t>(seen.age + 1));
+    EXPECT_EQ(Probe(pos.get()).depth, 5) << "only the age is new";
+    Store(pos.get(), 6);
+    RefreshAge(entry, &seen, static_cast<uint16_t>(seen.age + 2));
+    EXPECT_EQ(Probe(pos.get()).depth, 6);
+}
+
 TEST_F(Table, MoveThatCannotBeMadeIsNotFound) {
     TestPosition pos(fen_opn);
     const Move knight = MakeMoveValue(1, 18);
