@@ -86,6 +86,7 @@ void SetSlots(uint64_t number) {
 
 uint64_t HighWord(uint64_t a, uint64_t b) {
     __extension__ using Product = unsigned __int128;
+    // cppcheck-suppress shiftTooManyBits ; the product has twice as many bits
     return static_cast<uint64_t>((Product{a} * b) >> 64);
 }
 

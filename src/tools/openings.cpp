@@ -104,8 +104,9 @@ std::string TextOf(Position* pos, const Opening& opening) {
 std::string GamesOf(const std::string& moves) {
     std::string text;
     for (int i = 0; i < 2 * WINS_EACH; ++i) {
-        const std::string result = i % 2 == 0 ? "1-0" : "0-1";
-        text += "[Event \"Opening\"]\n[Result \"" + result + "\"]\n\n" + moves + result + "\n\n";
+        const char* result = i % 2 == 0 ? "1-0" : "0-1";
+        text.append("[Event \"Opening\"]\n[Result \"").append(result).append("\"]\n\n");
+        text.append(moves).append(result).append("\n\n");
     }
     return text;
 }
