@@ -99,9 +99,11 @@ int ReadInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, 0);
 
 int WaitForInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, size < 1 ? 0 : INFINITE); }
 
+// A sleep without an end is one that is broken off every millisecond: whoever sleeps looks again and sleeps on.
 void SleepUntilWoken(int microseconds, bool by_input) {
-    const bool may_come = by_input && !(HasArrived(0) && chunk.empty());
-    WaitFor(microseconds, WakeEvent(), may_come ? arrived : nullptr);
+    constexpr int LONGEST = 1000;
+    const bool may_come = by_input && !(InputAvailable(0) && chunk.empty());
+    WaitFor(microseconds < 0 ? LONGEST : microseconds, WakeEvent(), may_come ? arrived : nullptr);
 }
 
 void WakeMainThread() { SetEvent(WakeEvent()); }
