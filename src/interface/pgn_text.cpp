@@ -109,7 +109,7 @@ std::string_view PassedTurn(std::string_view word) {
 // A word without what annotators glue to it.
 std::string_view WithoutSigns(std::string_view word) {
     const auto end = std::find_if(word.begin(), word.end(), [](char c) { return IsSign(c); });
-    word = word.substr(0, static_cast<size_t>(end - word.begin()));
+    word = word.substr(0, end - word.begin());
     // Most words end in the digit of a rank.
     if (word.ends_with('.') || word.ends_with('p'))
         for (const std::string_view sign : {"e.p.", "ep"})
@@ -259,7 +259,7 @@ bool PgnReader::ReadText(PgnItem* item) {
 // In a game of which nothing more is wanted: only comments can still hide what looks like a tag. False at the end of
 // the line.
 bool PgnReader::GoToNextComment() {
-    const std::string_view rest(at_, static_cast<size_t>(end_ - at_));
+    const std::string_view rest(at_, end_ - at_);
     at_ += std::min({rest.find('{'), rest.find(';'), rest.size()});
     return at_ != end_;
 }
