@@ -6,8 +6,8 @@
 
 #include "board/position.h"
 
-// Who attacks what. Attack sets come from tables; yes-or-no questions build no set but walk the few sliders on the
-// lines of a square. All functions take "no square": nothing attacks it.
+// Who attacks what. Attack sets come from tables; what asks for a few sliders alone walks along their lines. All
+// functions take "no square": nothing attacks it.
 namespace vrel {
 
 // How the attack sets of a rook or bishop on one square are looked up ("magic bitboards"): of the occupied squares

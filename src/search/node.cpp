@@ -231,11 +231,9 @@ int Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, 
     if (ply > MAX_PLY || MoveStackIsFull(*pos, *frame))
         return node.in_check ? 0 : FailHard(node.eval, a, b);
 
-    // Most quiet nodes stand pat, without a call.
-    if (node.depth <= 0 && !node.in_check && node.eval >= b)
-        return b;
+    // Most quiet nodes stand pat, which needs no call.
     if (node.depth <= 0 && !node.in_check)
-        return FailHard(Q_Search(pos, side, ply, node.depth, a, b, node_type, pv), a, b);
+        return node.eval >= b ? b : FailHard(Q_Search(pos, side, ply, node.depth, a, b, node_type, pv), a, b);
 
     ProbeTable(&node);
     int result = 0;

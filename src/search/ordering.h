@@ -68,8 +68,8 @@ inline void PickRest(SearchThread* thread, PlyFrame* frame, MoveEntry* entry) {
         frame->stage = STAGE_IN_ORDER;
 }
 
-// Ends the stages in which something is generated: the first call of GetNextMoveFW for a node and those that follow, up
-// to the first move of what remains.
+// The part of GetNextMoveFW in which moves are generated: hash move, active moves, and the first of what remains. Only
+// that function calls it.
 MoveEntry* GetEarlyMoveFW(Position* pos, bool in_check, const LegalityContext& legality);
 
 // Next entry of frames[pos->ply], or null at the end; `current` is left on it. An entry with move 0 is void: the

@@ -39,8 +39,8 @@ class TuningOptions(unittest.TestCase):
         self.assertEqual(tuning[:len(ordinary) - 1], ordinary[:-1])
         options = [re.fullmatch(r"option name (\S+) type spin default (\S+) min (\S+) max (\S+)", line).groups()
                    for line in tuning[len(ordinary) - 1:-1]]
-        spec = subprocess.run([TUNE, "tune_spec"], stdout=subprocess.PIPE, text=True, check=True, timeout=60).stdout
-        rows = [line.split(", ") for line in spec.splitlines()]
+        listed = subprocess.run([TUNE, "tune_spec"], stdout=subprocess.PIPE, text=True, check=True, timeout=60).stdout
+        rows = [line.split(", ") for line in listed.splitlines()]
         self.assertEqual([(row[0], *row[2:5]) for row in rows], options)
         for name, kind, *numbers in rows:
             value, least, most, step, rate = map(float, numbers)
@@ -62,10 +62,10 @@ class TuningOptions(unittest.TestCase):
         self.assertNotEqual(plain, changed)
 
     def test_all_values_at_their_ends_can_be_searched_with(self):
-        spec = subprocess.run([TUNE, "tune_spec"], stdout=subprocess.PIPE, text=True, check=True, timeout=60).stdout
+        listed = subprocess.run([TUNE, "tune_spec"], stdout=subprocess.PIPE, text=True, check=True, timeout=60).stdout
         for column, beyond in ((3, -99999), (4, 99999)):
             engine = Engine()
-            rows = [line.split(", ") for line in spec.splitlines()]
+            rows = [line.split(", ") for line in listed.splitlines()]
             self.assertEqual(engine.set(**{row[0]: beyond for row in rows}),
                              [f"info string {row[0]} set to {row[column]}" for row in rows])
             self.assertTrue(engine.search()[-1].startswith("bestmove "))
