@@ -60,6 +60,12 @@ const indexOf = square => (8 - Number(square[1])) * 8 + 'abcdefgh'.indexOf(squar
 const moveOf = (uci, text, fen) =>
   ({uci, text, from: indexOf(uci.slice(0, 2)), to: indexOf(uci.slice(2, 4)), promotion: uci.slice(4), fen});
 
+/** The castling rights whose king and rook stand at home. @param {string} castling @param {string} board */
+const possible = (castling, board) => ['K', 'Q', 'k', 'q'].filter(right => {
+  const row = right < 'a' ? 56 : 0, king = right < 'a' ? 'K' : 'k', rook = right < 'a' ? 'R' : 'r';
+  return castling.includes(right) && board[row + 4] === king && board[row + ('Kk'.includes(right) ? 7 : 0)] === rook;
+}).join('') || '-';
+
 /**
  * A pasted FEN or EPD in its four fields, and its two counters; a word about what is wrong with it instead.
  * @param {string} text
@@ -76,7 +82,7 @@ export function readFen(text) {
     return {trouble: NO_FEN};
   const counter = (/** @type {string} */ digits, /** @type {number} */ lowest) =>
     /^\d{1,4}$/.test(digits) ? Math.max(lowest, Number(digits)) : lowest;
-  return {fen: [board, side, castling, passant].join(' '), halfmove: counter(halfmove, 0),
+  return {fen: [board, side, possible(castling, boardOf(board)), passant].join(' '), halfmove: counter(halfmove, 0),
           fullmove: counter(fullmove, 1), trouble: ''};
 }
 
@@ -217,7 +223,7 @@ export async function createRules(start) {
         if (word === 'position') position.fen = line.slice(9);
         else if (word === 'state') Object.assign(position, {state: first, check: second === 'check'});
         else if (word === 'legal') position.moves.push(moveOf(first, second, fen.join(' ')));
-        else if (line.startsWith('can\'t parse')) rules.trouble = `${line.split('\'')[1]} is against the rules.`;
+        else if (line.startsWith('can\'t parse')) rules.trouble = `${line.slice(18, -1)} is against the rules.`;
       }
       position.board = boardOf(position.fen);
       position.whiteToMove = position.fen.split(' ')[1] === 'w';
