@@ -101,9 +101,9 @@ function drawNames(svg, inside, flipped) {
   for (let i = 0; i < 8; ++i) {
     const rank = String(flipped ? i + 1 : 8 - i), file = FILES[flipped ? 7 - i : i];
     const dark = isDark(i * 8);
-    draw(svg, 'text', inside ? {x: MARGIN + 2, y: i * SIZE + 10, class: dark ? 'on-dark' : 'on-light'}
+    draw(svg, 'text', inside ? {x: MARGIN + 1.5, y: i * SIZE + 8, class: dark ? 'on-dark' : 'on-light'}
                              : {x: 2, y: i * SIZE + 26}, rank);
-    draw(svg, 'text', inside ? {x: i * SIZE + MARGIN + 38, y: 357, class: dark ? 'on-light' : 'on-dark'}
+    draw(svg, 'text', inside ? {x: i * SIZE + MARGIN + 39.5, y: 358, class: dark ? 'on-light' : 'on-dark'}
                              : {x: i * SIZE + 32, y: 371}, file);
   }
 }
