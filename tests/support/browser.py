@@ -74,6 +74,9 @@ class Browser:
     def to_tab(self, handle):
         self.ask("/window", {"handle": handle})
 
+    def close_tab(self):
+        urllib.request.urlopen(urllib.request.Request(self.url + "/window", method="DELETE"), timeout=60).close()
+
     def texts(self, selector):
         return self.value(f"[...document.querySelectorAll({json.dumps(selector)})].map(e => e.textContent)")
 
