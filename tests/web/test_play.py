@@ -11,7 +11,7 @@ ARROWS = ("ArrowLeft", "ArrowUp", "ArrowRight", "ArrowDown")
 LADDER = "8/8/8/7k/R7/1R6/8/K7 w - - 0 1"  # whatever black does, he is mate in four
 LADDER_MOVES = ["b3b5", "a4a6", "b5b7", "a6a8"]
 PAWN = "7k/P7/8/8/8/8/8/K7 w - - 0 1"
-LATE = "7k/8/8/8/8/8/8/KR6 b - - 0 1"
+START = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1"
 STRENGTH = {"way": "depth", "seconds": 1, "depth": 3, "minutes": 5, "increment": 0}
 
 
@@ -41,14 +41,17 @@ class Play(unittest.TestCase):
         self.browser.open("about:blank")
         self.browser.open(self.site.address + self.query, **look)
 
-    def begin(self, start=None, side="w", strength=None, plies=(), **look):
-        """A game as it was kept from an earlier visit."""
-        times = {"w": 300000, "b": 300000}
-        game = {"start": start, "side": side, "strength": {**STRENGTH, **(strength or {})}, "plies": list(plies),
-                "times": times, "flagged": "", "turned": False}
-        # Leaving a page keeps its game, so the other one is written where no page runs.
+    def keep(self, text):
+        """Writes what an earlier visit would have left; where no page runs, since a page that is left keeps its game."""
         self.browser.open(self.site.address + "icon.svg")
-        self.browser.value(f"localStorage.setItem('vrel.play', {json.dumps(json.dumps(game))})")
+        self.browser.value(f"localStorage.setItem('vrel.play', {json.dumps(text)})")
+
+    def begin(self, start=START, strength=None, moves=(), left=300000, **look):
+        times = {"w": left, "b": 300000}
+        game = {"fen": start, "ply": len(moves), "tags": {}, "scores": [], "doubtful": [],
+                "moves": [dict(zip(("uci", "text", "fen"), move)) for move in moves]}
+        self.keep(json.dumps({"side": "w", "strength": {**STRENGTH, **(strength or {})}, "now": times,
+                              "times": [times] * (len(moves) + 1), "flagged": "", "turned": False, "game": game}))
         self.open(**look)
 
     def state(self, text):
@@ -56,9 +59,6 @@ class Play(unittest.TestCase):
 
     def moves(self):
         return [text.split()[-1] for text in self.browser.texts(".moves button")]
-
-    def kept(self):
-        return self.browser.value("JSON.parse(localStorage.getItem('vrel.play'))")
 
     def by_drag(self, move):
         self.browser.drag(square(move[:2]), square(move[2:4]))
@@ -105,8 +105,8 @@ class Play(unittest.TestCase):
         for piece, name in [("K", "a1"), ("k", "h8"), ("R", "b1"), ("R", "c2")]:
             self.browser.click(f".pieces [data-piece={piece}]")
             self.browser.click(f'.setup [aria-label^="{name}"]')
-        self.browser.drag('.setup [aria-label^="c2"]', '.setup [aria-label^="g3"]')
-        self.assertTrue(self.browser.value("document.querySelector('.setup [name=fen]').value.startsWith('7k/8/8/8/8/6R1/8/KR6 w - - ')"))
+        self.browser.drag('.setup [aria-label^="c2"]', '.setup [aria-label^="c3"]')
+        self.assertTrue(self.browser.value("document.querySelector('.setup [name=fen]').value.startsWith('7k/8/8/8/8/2R5/8/KR6 w - - ')"))
         self.browser.click(".setup .row .main")
         self.browser.click(".newgame .row .main")
         self.browser.wait("document.querySelectorAll('.moves button').length === 1")
@@ -180,15 +180,8 @@ class Play(unittest.TestCase):
         self.state("Vrel is thinking, depth")
 
     def test_a_clock_that_has_run_out_ends_the_game(self):
-        self.begin(LADDER, strength={"way": "clock", "minutes": 0.5})
-        self.state("Your move")
-        game = self.kept()
-        game["plies"] = [{"uci": "b3b5", "text": "Rb5+", "fen": "8/8/8/1R5k/R7/8/8/K7 b - - 1 1", "times": {"w": 300, "b": 9e5}},
-                         {"uci": "h5g6", "text": "Kg6", "fen": "8/8/6k1/1R6/R7/8/8/K7 w - - 2 2", "times": {"w": 300, "b": 9e5}}]
-        game["times"] = {"w": 300, "b": 900000}
-        self.browser.open(self.site.address + "icon.svg")
-        self.browser.value(f"localStorage.setItem('vrel.play', {json.dumps(json.dumps(game))})")
-        self.open()
+        moves = [("b3b5", "Rb5+", "8/8/8/1R5k/R7/8/8/K7 b - -"), ("h5g6", "Kg6", "8/8/6k1/1R6/R7/8/8/K7 w - -")]
+        self.begin(LADDER, {"way": "clock"}, moves, left=300)
         self.state("Your time is up: a draw, a lone king can’t mate")
         self.by_drag("a4a6")
         self.assertEqual(len(self.moves()), 2)
@@ -228,12 +221,12 @@ class Play(unittest.TestCase):
             self.browser.to_tab(first[0])
 
     def test_what_was_kept_and_makes_no_sense_is_no_dead_page(self):
-        pawnless = {"uci": "e2e5", "text": "e5", "fen": "8/8/8/8/8/8/8/8 w - - 0 1", "times": {"w": 0, "b": 0}}
-        for kept in ["{", "null", "[1]", '{"plies": 3}', json.dumps({"start": "8/8/8/8/8/8/8/8 w - - 0 1", "side": "w", "plies": [], "times": {"w": 0, "b": 0}}),
-                     json.dumps({"start": None, "side": "w", "plies": [pawnless], "times": {"w": 0, "b": 0}})]:
+        empty = "8/8/8/8/8/8/8/8 w - - 0 1"
+        jump = {"uci": "e2e5", "text": "e5", "fen": "rnbqkbnr/pppppppp/8/4P3/8/8/PPPP1PPP/RNBQKBNR b KQkq -"}
+        for kept in ["{", "null", "[1]", '{"game": 3}', {"fen": empty, "moves": []}, {"fen": START, "moves": [jump]},
+                     {"fen": "4k2R/8/8/8/8/8/8/4K3 w - - 0 1", "moves": []}]:
             with self.subTest(kept):
-                self.browser.open(self.site.address + "icon.svg")
-                self.browser.value(f"localStorage.setItem('vrel.play', {json.dumps(kept)})")
+                self.keep(kept if isinstance(kept, str) else json.dumps({"game": kept}))
                 self.open()
                 self.state("Your move")
                 self.by_typing("e4")

@@ -64,7 +64,7 @@ async function startEngine(options = {}) {
   return start(single ? {...options, shared: false} : options);
 }
 
-const rules = createRules();
+const rules = createRules(startEngine);
 rules.catch(error => tell(`The engine can’t be started: ${error.message || error}. Reloading the page may help.`));
 
 /** @type {App} */

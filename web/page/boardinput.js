@@ -259,7 +259,6 @@ export function createInput(host, {move, refuse = () => {}}) {
       dropped = -1;
     },
     choose,
-    /** @param {string} square such as "e2" */
     focus: () => cells.find(cell => cell.tabIndex === 0).focus({preventScroll: true}),
   };
 }

@@ -35,8 +35,12 @@ export function createOpponent(app) {
     }
   }
 
-  /** Lines of the engine up to the one that begins so; null if the engine ends before. */
-  function linesUntil(from, word, act = () => {}) {
+  /**
+   * The engine's next line that begins so, null if it ends before. `act` gets every line.
+   * @param {import('./module/vrel.js').Engine} from @param {string} word @param {(line: string) => void} act
+   * @returns {Promise<string | null>}
+   */
+  function lineOf(from, word, act = () => {}) {
     return new Promise(resolve => {
       const quit = from.listen(line => {
         act(line);
@@ -63,7 +67,7 @@ export function createOpponent(app) {
       const answer = {uci: ''};
       searching = true;
       asked.send(position);
-      const end = linesUntil(asked, 'bestmove', line => {
+      const end = lineOf(asked, 'bestmove', line => {
         readInfo(line, answer);
         if (mine === question && answer.depth) progress(answer.depth);
       });
@@ -86,10 +90,10 @@ export function createOpponent(app) {
       searching = false;
       const asked = engine;
       quiet = (async () => {
-        const answer = linesUntil(asked, 'bestmove');
+        const answer = lineOf(asked, 'bestmove');
         asked.send('stop');
         await answer;
-        const ready = linesUntil(asked, 'readyok');
+        const ready = lineOf(asked, 'readyok');
         asked.send('isready');
         await ready;
       })();

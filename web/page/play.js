@@ -2,23 +2,23 @@
 import {make} from './board.js';
 import {createInput} from './boardinput.js';
 import {createClocks} from './clock.js';
+import {createGame} from './game.js';
 import {askForGame, soundStrength, strengthText} from './newgame.js';
 import {createOpponent} from './opponent.js';
-import {boardOf, START_FEN} from './setup.js';
+import {boardOf, START_FEN} from './rules.js';
 import {createClaim} from './tabs.js';
 import {clockText, movesTyped, spoken} from './words.js';
 
 /** @typedef {import('./rules.js').Move} Move */
 /** @typedef {import('./rules.js').Position} Position */
 /** @typedef {{w: number, b: number}} Times   milliseconds: left with a clock, else spent */
-/** @typedef {{uci: string, text: string, fen: string, times: Times, score?: number, depth?: number}} Ply */
 /**
- * @typedef {object} Game
- * @property {string | null} start null for the start position
+ * What is kept beside the game itself.
+ * @typedef {object} Match
  * @property {string} side the person's, 'w' or 'b'
  * @property {import('./newgame.js').Strength} strength
- * @property {Ply[]} plies
- * @property {Times} times
+ * @property {Times[]} times by ply, the start's first
+ * @property {Times} now
  * @property {string} flagged the side whose time has run out, or ''
  * @property {boolean} turned the board is seen from the engine's side
  */
@@ -28,28 +28,21 @@ const OTHER = {w: 'b', b: 'w'};
 const DRAWS = {stalemate: 'Stalemate: a draw', repetition: 'A draw: the position has been repeated',
                fifty: 'A draw: fifty moves without a capture or a pawn’s move', material: 'A draw: nobody can mate'};
 
-/** @returns {Times} */
-function timesAtStart(strength) {
+/** @returns {Match} */
+function newMatch(side, strength) {
   const time = strength.way === 'clock' ? strength.minutes * 60000 : 0;
-  return {w: time, b: time};
-}
-
-/** @returns {Game} */
-function newGame(side, strength, start) {
-  return {start, side, strength, plies: [], times: timesAtStart(strength), flagged: '', turned: false};
+  return {side, strength, times: [{w: time, b: time}], now: {w: time, b: time}, flagged: '', turned: false};
 }
 
 const isTimes = times => Number.isFinite(times?.w) && Number.isFinite(times?.b);
-const isPly = ply => typeof ply?.uci === 'string' && typeof ply.text === 'string' && boardOf(String(ply.fen)) && isTimes(ply.times);
 
-/** The game as it was kept, a new one if that can't be read. @returns {Game} */
-function soundGame(kept) {
-  const sound = kept && (kept.start === null || boardOf(String(kept.start))) && Array.isArray(kept.plies) &&
-                kept.plies.every(isPly) && isTimes(kept.times);
-  const game = newGame(kept?.side === 'b' ? 'b' : 'w', soundStrength(kept?.strength), null);
-  if (!sound) return game;
-  const {start, plies, times} = kept;
-  return {...game, start, plies, times, flagged: OTHER[kept.flagged] ? kept.flagged : '', turned: kept.turned === true};
+/** The match as it was kept with so many plies, with times of its own where those can't be read. @returns {Match} */
+function soundMatch(kept, plies) {
+  const match = newMatch(kept?.side === 'b' ? 'b' : 'w', soundStrength(kept?.strength));
+  const times = kept?.times;
+  const sound = Array.isArray(times) && times.length === plies + 1 && times.every(isTimes) && isTimes(kept.now);
+  if (!sound) return {...match, times: Array(plies + 1).fill(match.now)};
+  return {...match, times, now: kept.now, flagged: OTHER[kept.flagged] ? kept.flagged : '', turned: kept.turned === true};
 }
 
 /** A position known by its FEN alone: what can be shown before the rules have been asked. @returns {Position} */
@@ -64,13 +57,13 @@ const squaresOf = uci => [uci.slice(0, 2), uci.slice(2, 4)].map(name => (8 - Num
  * @param {import('./app.js').App} app
  */
 export function createPlay(host, app) {
-  let game = soundGame(app.load(KEY, null));
-  let seen = -1;            // the ply that is looked at, -1 for the game itself
-  let position = latest();
+  const game = createGame();
+  let match = restored();
+  let position = shownPly();  // of the game's last ply
   let turnNumber = 0;       // answers to questions of earlier turns are dropped
   let shown = false, thinking = 0, trouble = '';
   const opponent = createOpponent(app);
-  const clocks = createClocks(showTimes, side => { game.flagged = side; settle(); });
+  const clocks = createClocks(showTimes, side => { match.flagged = side; settle(); });
   const claim = createClaim('vrel-play', claimChanged);
 
   const columns = make(host, 'div', '', {class: 'columns'});
@@ -90,8 +83,8 @@ export function createPlay(host, app) {
   const buttons = {
     game: button('New game', () => ask()),
     back: button('Take back', takeBack),
-    flip: button('Flip', () => { game.turned = !game.turned; save(); render(); }),
-    analyse: button('Analyse', () => app.goTo('analyse', {start: game.start, moves: game.plies.map(ply => ply.uci)})),
+    flip: button('Flip', () => { match.turned = !match.turned; save(); render(); }),
+    analyse: button('Analyse', () => app.goTo('analyse', {start: game.fullFen(0), moves: allMoves()})),
   };
   make(elsewhere, 'p', 'This game is being played in another tab.');
   make(elsewhere, 'button', 'Play here', {type: 'button', class: 'main'}).addEventListener('click', () => claim.take());
@@ -102,34 +95,41 @@ export function createPlay(host, app) {
     return made;
   }
 
-  // The position of the game, or the one that is looked at, as far as it is known without the rules.
-  function latest() {
-    const ply = game.plies[seen >= 0 ? seen : game.plies.length - 1];
-    return ply ? positionShown(ply.fen, ply.text) : positionShown(game.start || START_FEN);
+  // The game and the match as they were kept, new ones if that can't be read.
+  function restored() {
+    const kept = app.load(KEY, null);
+    if (!game.restore(kept?.game)) {
+      game.setPosition();
+      return newMatch(kept?.side === 'b' ? 'b' : 'w', soundStrength(kept?.strength));
+    }
+    game.go(game.moves.length);
+    return soundMatch(kept, game.moves.length);
   }
 
+  // The position of the ply that is shown, as far as it is known without the rules.
+  function shownPly() {
+    return positionShown(game.fen(), game.moves[game.ply - 1]?.text);
+  }
+
+  const allMoves = () => game.uciMoves(game.moves.length);
   const turn = () => position.whiteToMove ? 'w' : 'b';
   const known = () => position.moves.length > 0 || position.state !== 'play';
-  const over = () => game.flagged !== '' || position.state !== 'play';
-  const bottom = () => game.turned ? OTHER[game.side] : game.side;
-  const canTakeBack = () => game.plies.some((ply, i) => moverOf(i) === game.side);
-
-  // The side that made a ply.
-  function moverOf(i) {
-    const first = (game.start || START_FEN).split(' ')[1] === 'b' ? 'b' : 'w';
-    return i % 2 ? OTHER[first] : first;
-  }
+  const over = () => match.flagged !== '' || position.state !== 'play';
+  const live = () => game.ply === game.moves.length;
+  const bottom = () => match.turned ? OTHER[match.side] : match.side;
+  const moverOf = ply => game.whiteToMove(ply - 1) ? 'w' : 'b';
+  const canTakeBack = () => game.moves.length > 1 || game.moves.length > 0 && moverOf(1) === match.side;
 
   function save() {
-    if (claim.held()) app.save(KEY, {...game, times: clocks.now()});
+    if (claim.held()) app.save(KEY, {...match, now: clocks.now(), game: game.save()});
   }
 
   function resultText() {
-    const person = winner => winner === game.side ? 'you win' : 'Vrel wins';
-    if (game.flagged) {
-      const winner = OTHER[game.flagged];
+    const person = winner => winner === match.side ? 'you win' : 'Vrel wins';
+    if (match.flagged) {
+      const winner = OTHER[match.flagged];
       const bare = !/[PNBRQ]/i.test([...position.board].filter(piece => (piece === piece.toUpperCase()) === (winner === 'w')).join(''));
-      const whose = game.flagged === game.side ? 'Your time is up' : 'Vrel’s time is up';
+      const whose = match.flagged === match.side ? 'Your time is up' : 'Vrel’s time is up';
       return `${whose}: ${bare ? 'a draw, a lone king can’t mate' : person(winner)}`;
     }
     return position.state === 'mate' ? `Checkmate: ${person(OTHER[turn()])}` : DRAWS[position.state] || '';
@@ -137,65 +137,58 @@ export function createPlay(host, app) {
 
   function stateText() {
     if (trouble) return trouble;
-    if (seen >= 0) return `After ${numberOf(seen)} ${game.plies[seen].text}`;
+    if (!live()) return game.ply ? `After ${game.numberText(game.ply)} ${game.moves[game.ply - 1].text}` : 'Start';
     if (over()) return resultText();
-    if (turn() === game.side) return position.check ? 'Check. Your move' : 'Your move';
+    if (turn() === match.side) return position.check ? 'Check. Your move' : 'Your move';
     return `Vrel is thinking${thinking ? `, depth ${thinking}` : ''}`;
-  }
-
-  function numberOf(i) {
-    const first = moverOf(0) === 'b' ? 1 : 0;
-    const start = Number((game.start || START_FEN).split(' ')[5]) || 1;
-    return `${start + Math.floor((i + first) / 2)}${moverOf(i) === 'w' ? '.' : '…'}`;
   }
 
   function showTimes(times) {
     const sides = [OTHER[bottom()], bottom()];
     players.forEach(({clock}, i) => {
-      const text = clockText(times[sides[i]], game.strength.way === 'clock');
+      const text = clockText(times[sides[i]], match.strength.way === 'clock');
       if (clock.textContent !== text) clock.textContent = text;
     });
   }
 
   function showMoves() {
-    while (list.children.length > game.plies.length) list.lastChild.remove();
-    game.plies.forEach((ply, i) => {
-      const text = (moverOf(i) === 'w' || i === 0 ? `${numberOf(i)} ` : '') + ply.text;
+    while (list.children.length > game.moves.length) list.lastChild.remove();
+    game.moves.forEach((move, i) => {
+      const text = (game.whiteToMove(i) || i === 0 ? `${game.numberText(i + 1)} ` : '') + move.text;
       const item = list.children[i] || make(list, 'li');
-      const knob = item.firstChild || make(item, 'button', '', {type: 'button'});
+      const knob = /** @type {HTMLElement} */ (item.firstChild || make(item, 'button', '', {type: 'button'}));
       if (knob.textContent !== text) {
         knob.textContent = text;
-        knob.onclick = () => look(i);
+        knob.onclick = () => look(i + 1);
       }
-      if (i === (seen >= 0 ? seen : game.plies.length - 1)) knob.setAttribute('aria-current', 'true');
+      if (i + 1 === game.ply) knob.setAttribute('aria-current', 'true');
       else knob.removeAttribute('aria-current');
     });
-    const current = list.querySelector('[aria-current]');
+    const current = /** @type {HTMLElement} */ (list.querySelector('[aria-current]'));
     if (current) list.scrollTo({top: current.offsetTop - list.clientHeight / 2, left: current.offsetLeft - list.clientWidth / 2});
-    list.hidden = !game.plies.length;
+    list.hidden = !game.moves.length;
   }
 
   function render(animate = false) {
-    const ply = game.plies[seen >= 0 ? seen : game.plies.length - 1];
-    const view = seen >= 0 ? latest() : position;
-    const mine = shown && claim.held() && seen < 0 && !over() && turn() === game.side;
-    board.show(view, {last: ply ? squaresOf(ply.uci) : [], side: mine ? game.side : '', flipped: bottom() === 'b', animate});
+    const move = game.moves[game.ply - 1];
+    const mine = shown && claim.held() && live() && !over() && turn() === match.side;
+    board.show(live() ? position : shownPly(), {last: move ? [move.from, move.to] : [], side: mine ? match.side : '', flipped: bottom() === 'b', animate});
     players.forEach(({name}, i) => {
       const side = i ? bottom() : OTHER[bottom()];
-      name.textContent = side === game.side ? 'You' : `Vrel, ${strengthText(game.strength)}`;
+      name.textContent = side === match.side ? 'You' : `Vrel, ${strengthText(match.strength)}`;
       name.parentElement.classList.toggle('on-move', !over() && turn() === side);
     });
     showTimes(clocks.now());
     state.textContent = stateText();
-    state.classList.toggle('over', over() && seen < 0);
+    state.classList.toggle('over', over() && live());
     elsewhere.hidden = claim.held() || !shown;
     for (const made of [buttons.game, buttons.back, field]) made.disabled = !claim.held();
     buttons.back.disabled ||= !canTakeBack();
     showMoves();
   }
 
-  function look(i) {
-    seen = i === game.plies.length - 1 ? -1 : i;
+  function look(ply) {
+    game.go(ply);
     render(true);
     app.announce(stateText());
   }
@@ -207,8 +200,7 @@ export function createPlay(host, app) {
     thinking = 0;
     render();
     const rules = await app.rules.catch(() => null);
-    const moves = game.plies.map(ply => ply.uci);
-    const found = await rules?.position(game.start, moves);
+    const found = await rules?.position(game.fullFen(0), allMoves());
     if (mine !== turnNumber) return;
     if (found === null) return recover();
     if (!found) return;
@@ -224,21 +216,22 @@ export function createPlay(host, app) {
 
   // What was kept can't be played to its end: goes back to where it can.
   function recover() {
-    if (game.plies.length) game.plies.pop();
-    else game.start = null;
+    if (game.moves.length) game.takeBack();
+    else game.setPosition();
+    match.times.length = game.moves.length + 1;
     app.tell('The game that was kept can’t be played on from its last position; it goes on from an earlier one.');
-    position = latest();
+    position = shownPly();
     settle();
   }
 
   function goOn() {
     if (!shown || !claim.held() || over() || !known()) return;
-    if (turn() !== game.side) think();
-    else if (game.plies.length) clocks.run(game.side);
+    if (turn() !== match.side) think();
+    else if (game.moves.length) clocks.run(match.side);
   }
 
   function limits(times) {
-    const {way, seconds, depth, increment} = game.strength;
+    const {way, seconds, depth, increment} = match.strength;
     if (way === 'depth') return `depth ${depth}`;
     // A depth given before would stay, so it is lifted by the greatest.
     if (way === 'time') return `depth 66 movetime ${Math.round(seconds * 1000)}`;
@@ -249,15 +242,15 @@ export function createPlay(host, app) {
   async function think() {
     const mine = turnNumber;
     trouble = '';
-    const moves = game.plies.map(ply => ply.uci).join(' ');
+    const moves = allMoves();
     clocks.run(turn());
     try {
-      const answer = await opponent.think(`position ${game.start ? `fen ${game.start}` : 'startpos'}${moves ? ` moves ${moves}` : ''}`,
-        limits(clocks.now()), depth => {
-          if (mine !== turnNumber || depth === thinking) return;
-          thinking = depth;
-          if (seen < 0) state.textContent = stateText();
-        });
+      const line = `position fen ${game.fullFen(0)}${moves.length ? ` moves ${moves.join(' ')}` : ''}`;
+      const answer = await opponent.think(line, limits(clocks.now()), depth => {
+        if (mine !== turnNumber || depth === thinking) return;
+        thinking = depth;
+        if (live()) state.textContent = stateText();
+      });
       if (!answer || mine !== turnNumber) return;
       const move = position.moves.find(each => each.uci === answer.uci);
       if (!move) throw new Error(`it answers “${answer.uci}”`);
@@ -276,48 +269,45 @@ export function createPlay(host, app) {
     app.announce(trouble);
   }
 
-  /** @param {Move} move @param {{score?: number, depth?: number}} answer */
+  /** @param {Move} move @param {{score?: number, depth?: number}} answer the score as the engine sees it */
   function add(move, {score, depth} = {}) {
     const mover = turn();
-    const times = clocks.running ? clocks.moved() : clocks.now();
-    game.plies.push({uci: move.uci, text: move.text, fen: move.fen, times, ...(score !== undefined && {score, depth})});
-    position = positionShown(move.fen, move.text);
-    app.announce(mover === game.side ? `You: ${spoken(move.text)}` : `Vrel: ${spoken(move.text)}`);
-    const next = settle();
+    match.times.push(clocks.running ? clocks.moved() : clocks.now());
+    if (score !== undefined) game.setScore(game.moves.length, {centipawns: mover === 'w' ? score : -score, depth});
+    game.go(game.moves.length);
+    game.play(move);
+    position = shownPly();
+    app.announce(`${mover === match.side ? 'You' : 'Vrel'}: ${spoken(move.text)}`);
+    settle();
     render(true);
-    return next;
   }
 
   /** @param {Move} move */
   function played(move) {
-    if (over() || turn() !== game.side || !position.moves.includes(move) || !claim.held()) return render();
+    if (over() || turn() !== match.side || !position.moves.includes(move) || !claim.held()) return render();
     add(move);
   }
 
   function takeBack() {
     if (!canTakeBack() || !claim.held()) return;
-    for (let mover = ''; mover !== game.side;) {
-      mover = moverOf(game.plies.length - 1);
-      game.plies.pop();
-    }
-    const ply = game.plies.at(-1);
-    game.flagged = trouble = '';
-    clocks.set(ply ? ply.times : timesAtStart(game.strength), game.strength.way === 'clock', game.strength.increment * 1000);
-    seen = -1;
-    position = latest();
-    app.announce(`Taken back. ${ply ? `Last move: ${spoken(ply.text)}` : 'Start of the game'}`);
-    const next = settle();
+    game.takeBack(moverOf(game.moves.length) === match.side ? 1 : 2);
+    match.times.length = game.moves.length + 1;
+    match.now = match.times.at(-1);
+    match.flagged = trouble = '';
+    setClocks();
+    position = shownPly();
+    app.announce(`Taken back. ${game.ply ? `Last move: ${spoken(game.moves[game.ply - 1].text)}` : 'Start of the game'}`);
+    settle();
     render(true);
-    return next;
   }
 
   function begin({side, strength, start}) {
     opponent.abandon();
-    game = newGame(side, strength, start === START_FEN ? null : start);
-    seen = -1;
+    game.setPosition(start || START_FEN);
+    match = newMatch(side, strength);
     trouble = '';
-    clocks.set(game.times, strength.way === 'clock', strength.increment * 1000);
-    position = latest();
+    setClocks();
+    position = shownPly();
     opponent.newGame();
     app.announce(`New game. You play ${side === 'w' ? 'white' : 'black'}.`);
     settle();
@@ -325,13 +315,14 @@ export function createPlay(host, app) {
 
   /** @param {string | null} from a position that is offered first */
   async function ask(from = null) {
-    const here = game.plies.length ? position.fen : game.start;
-    const wish = await askForGame({side: from ? from.split(' ')[1] : game.side, strength: game.strength, start: from}, here, app.setUp);
+    const here = game.fullFen(game.ply);
+    const wish = await askForGame({side: from ? from.split(' ')[1] : match.side, strength: match.strength, start: from},
+                                  here === START_FEN ? null : here, app.setUp);
     if (wish) begin(wish);
   }
 
   function setClocks() {
-    clocks.set(game.times, game.strength.way === 'clock', game.strength.increment * 1000);
+    clocks.set(match.now, match.strength.way === 'clock', match.strength.increment * 1000);
   }
 
   // Another tab has taken the game, or this one has.
@@ -341,16 +332,15 @@ export function createPlay(host, app) {
   }
 
   function reread() {
-    game = soundGame(app.load(KEY, null));
-    seen = -1;
+    match = restored();
     setClocks();
-    position = latest();
+    position = shownPly();
     settle();
   }
 
   typed.addEventListener('submit', event => {
     event.preventDefault();
-    const mine = seen < 0 && !over() && turn() === game.side;
+    const mine = live() && !over() && turn() === match.side;
     const found = mine ? movesTyped(field.value, position.moves) : [];
     const one = found.length === 1, promotions = new Set(found.map(move => move.from * 64 + move.to)).size === 1;
     field.setCustomValidity('');
@@ -379,12 +369,12 @@ export function createPlay(host, app) {
       await claim.ask();
       reread();
       if (!what) return;
-      const from = await (await app.rules).position(what.start, what.moves);
+      const from = await (await app.rules).position(what.start || START_FEN, what.moves);
       if (from) ask(from.fen);
     },
     hide() {
       clocks.stop();
-      game.times = clocks.now();
+      match.now = clocks.now();
       save();
       shown = false;
       ++turnNumber;

@@ -1,16 +1,15 @@
 // A position set up by hand: pieces are taken from two rows and put on the board, or the FEN is typed.
 import {createBoard, draw, drawPiece, make, squareName} from './board.js';
 import {holdPiece, makeCells, pieceName, squareAt} from './boardinput.js';
+import {boardOf, readFen, START_FEN} from './rules.js';
 
-const EMPTY = '.'.repeat(64);
-export const START_BOARD = 'rnbqkbnrpppppppp................................PPPPPPPPRNBQKBNR';
-export const START_FEN = 'rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1';
+const EMPTY = '8/8/8/8/8/8/8/8 w - - 0 1';
 const RIGHTS = [['K', 'White O-O', 'e1K h1R'], ['Q', 'White O-O-O', 'e1K a1R'],
                 ['k', 'Black O-O', 'e8k h8r'], ['q', 'Black O-O-O', 'e8k a8r']];
 
-/** The letters of a FEN's squares, whatever they are; null if they aren't 64. @param {string} fen */
-export function boardOf(fen) {
-  const board = fen.trim().split(/\s/)[0].replace(/\//g, '').replace(/[1-8]/g, digit => '.'.repeat(Number(digit)));
+/** The letters of a FEN's squares, null if they aren't 64 of pieces. @param {string} fen */
+function readBoard(fen) {
+  const board = boardOf(fen.trim());
   return /^[.pnbrqkPNBRQK]{64}$/.test(board) ? board : null;
 }
 
@@ -32,7 +31,7 @@ function pieceButton(parent, piece, label) {
  * @param {string | null} fen where to begin
  * @param {import('./rules.js').Rules} rules
  * @param {(text: string) => void} announce
- * @returns {Promise<string | null>} the position as the engine writes it, null if the dialog was left
+ * @returns {Promise<string | null>} the position in six fields, null if the dialog was left
  */
 export function setUpPosition(fen, rules, announce) {
   const dialog = make(document.body, 'dialog', '', {class: 'setup', 'aria-labelledby': 'setup-title'});
@@ -49,7 +48,7 @@ export function setUpPosition(fen, rules, announce) {
   const field = make(make(form, 'label', 'FEN', {class: 'wide'}), 'input', '', {spellcheck: false, autocomplete: 'off', name: 'fen'});
   const trouble = make(form, 'p', '', {class: 'trouble', role: 'alert'});
   const buttons = make(form, 'div', '', {class: 'row'});
-  let board = START_BOARD, chosen = '.', rest = '- 0 1', svg = drawing.show(board);
+  let board = boardOf(START_FEN), chosen = '.', rest = '- 0 1', svg = drawing.show(board);
 
   const add = (text, act, attributes = {}) =>
     make(buttons, 'button', text, {type: 'button', ...attributes}).addEventListener('click', act);
@@ -73,7 +72,7 @@ export function setUpPosition(fen, rules, announce) {
 
   // Takes what can be taken of a FEN; the engine looks at the rest when it is used.
   function read(text) {
-    const words = text.trim().split(/\s+/), found = boardOf(text);
+    const words = text.trim().split(/\s+/), found = readBoard(text);
     if (!found) return;
     board = found;
     (words[1] === 'b' ? black : white).checked = true;
@@ -159,11 +158,13 @@ export function setUpPosition(fen, rules, announce) {
     form.addEventListener('submit', async event => {
       event.preventDefault();
       const position = await rules.position(field.value.trim(), []);
-      if (position) return end(position.fen);
+      // The engine's form of the position, with the counters that were typed.
+      const read = readFen(field.value);
+      if (position && 'fen' in read) return end(`${position.fen} ${read.halfmove} ${read.fullmove}`);
       trouble.textContent = `This position can’t be used: ${rules.trouble || 'the engine doesn’t take it.'}`;
     });
     dialog.addEventListener('cancel', () => end(null));
-    add('Empty board', () => { read(`${rowsOf(EMPTY)} w - - 0 1`); write(); });
+    add('Empty board', () => { read(EMPTY); write(); });
     add('Start position', () => { read(START_FEN); write(); });
     add('Cancel', () => end(null), {class: 'apart'});
     make(buttons, 'button', 'Use it', {class: 'main'});
