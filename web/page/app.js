@@ -9,6 +9,7 @@ import {setUpPosition} from './setup.js';
 /**
  * @typedef {object} App
  * @property {Promise<import('./rules.js').Rules>} rules
+ * @property {() => void} restartRules after their engine has ended
  * @property {boolean} shared threads can be had
  * @property {(options?: object) => Promise<import('./module/vrel.js').Engine>} startEngine
  * @property {(text: string) => void} announce says it to those who listen to the page
@@ -59,17 +60,30 @@ function save(key, value) {
   }
 }
 
+// A browser may have shared memory and refuse it all the same, phones above all: then the build without it runs.
 async function startEngine(options = {}) {
   const {startEngine: start} = await import('./module/vrel.js');
-  return start(single ? {...options, shared: false} : options);
+  if (!app.shared || options.shared === false) return start({...options, shared: false});
+  return start(options).catch(error => {
+    app.shared = false;
+    tell(`This browser gives no shared memory (${error.message}), so Vrel goes on with one thread.`);
+    return start({...options, shared: false});
+  });
 }
 
-const rules = createRules(startEngine);
-rules.catch(error => tell(`The engine can’t be started: ${error.message || error}. Reloading the page may help.`));
+function startRules() {
+  const rules = createRules(startEngine);
+  rules.catch(error => tell(`The engine can’t be started: ${error.message || error}. Reloading the page may help.`));
+  return rules;
+}
 
 /** @type {App} */
-const app = {rules, shared: self.crossOriginIsolated && !single, startEngine, announce, tell, load, save, keyOf, goTo,
-             setUp: async fen => setUpPosition(fen, await rules, announce)};
+const app = {
+  rules: null, shared: self.crossOriginIsolated && !single, startEngine, announce, tell, load, save, keyOf, goTo,
+  restartRules() { app.rules = startRules(); },
+  setUp: async fen => setUpPosition(fen, await app.rules, announce),
+};
+app.restartRules();
 
 /** @type {Record<string, Promise<Mode>>} */
 const made = {};

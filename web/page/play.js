@@ -199,12 +199,15 @@ export function createPlay(host, app) {
     opponent.abandon();
     thinking = 0;
     render();
-    const rules = await app.rules.catch(() => null);
-    const found = await rules?.position(game.fullFen(0), allMoves());
-    if (mine !== turnNumber) return;
-    if (found === null) return recover();
-    if (!found) return;
-    position = found;
+    try {
+      const found = await (await app.rules).position(game.fullFen(0), allMoves());
+      if (mine !== turnNumber) return;
+      if (!found) return recover();
+      position = found;
+    } catch (error) {
+      if (mine === turnNumber) failed(error, app.restartRules);
+      return;
+    }
     if (over()) {
       clocks.stop();
       app.announce(resultText());
@@ -260,12 +263,16 @@ export function createPlay(host, app) {
     }
   }
 
-  function failed(error) {
+  function failed(error, mend = () => {}) {
     clocks.stop();
     trouble = `The engine can’t go on: ${error instanceof Error ? error.message : error}. `;
     render();
     const again = make(state, 'button', 'Try again', {type: 'button'});
-    again.addEventListener('click', () => { trouble = ''; settle(); });
+    again.addEventListener('click', () => {
+      trouble = '';
+      mend();
+      settle();
+    });
     app.announce(trouble);
   }
 
