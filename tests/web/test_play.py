@@ -34,8 +34,7 @@ class Play(unittest.TestCase):
         cls.site.close()
 
     def setUp(self):
-        self.open()
-        self.browser.value("localStorage.clear()")
+        self.keep("null")
 
     def open(self, **look):
         self.browser.open("about:blank")
@@ -215,7 +214,7 @@ class Play(unittest.TestCase):
             moves = self.moves()
             self.browser.close_tab()
             self.browser.to_tab(first[0])
-            self.browser.wait("document.querySelector('.of-text .panel:not([hidden])')")
+            self.browser.wait("!document.querySelector('.typed input').disabled")
             self.assertEqual(self.moves(), moves)
         finally:
             self.browser.to_tab(first[0])

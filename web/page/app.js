@@ -96,22 +96,20 @@ function modeOf(name) {
   return made[name];
 }
 
+// The mode before stays until the new one is there.
 async function showMode(name) {
-  const what = handed;
+  const what = handed, before = current;
   handed = undefined;
-  const changes = current !== name;
   current = name;
-  if (changes) {
-    live?.hide();
-    live = null;
-  }
   const mode = await modeOf(name).catch(error => {
     delete made[name];
     hosts[name].replaceChildren();
     tell(`This part of the page can’t be loaded: ${error.message}.`);
+    if (before) location.hash = before;
   });
   if (!mode || current !== name) return;
   const again = live === mode;
+  if (!again) live?.hide();
   live = mode;
   for (const [each, host] of Object.entries(hosts)) host.hidden = each !== name;
   for (const link of document.querySelectorAll('nav a'))

@@ -181,7 +181,7 @@ export function createPlay(host, app) {
     showTimes(clocks.now());
     state.textContent = stateText();
     state.classList.toggle('over', over() && live());
-    elsewhere.hidden = claim.held() || !shown;
+    elsewhere.hidden = !claim.lost();
     for (const made of [buttons.game, buttons.back, field]) made.disabled = !claim.held();
     buttons.back.disabled ||= !canTakeBack();
     showMoves();
@@ -372,9 +372,7 @@ export function createPlay(host, app) {
     /** @param {{start: string | null, moves: string[]}} [what] a position to play from */
     async show(what) {
       shown = true;
-      render();
-      await claim.ask();
-      reread();
+      claim.ask();
       if (!what) return;
       const from = await (await app.rules).position(what.start || START_FEN, what.moves);
       if (from) ask(from.fen);

@@ -1,36 +1,44 @@
 // A game is played in one tab at a time; the others look on until they take it over.
 
+const PATIENCE = 400;  // milliseconds that a page which is being left may still hold its claim
+
 /**
  * @param {string} name of what is claimed
- * @param {() => void} changed called when the claim is got or lost
+ * @param {() => void} changed called when the claim is got or lost, or another tab turns out to have it
  */
 export function createClaim(name, changed) {
-  let held = false;
+  let held = false, asked = false, late = false;
 
   // Holds the lock until another tab takes it away or this one goes.
-  function ask(options) {
-    return new Promise(resolve => {
-      const got = lock => {
-        held = lock !== null;
-        resolve(held);
-        if (!held) return undefined;
-        changed();
-        return new Promise(() => {});
-      };
-      navigator.locks.request(name, options, got).catch(() => {
-        held = false;
-        changed();
-        resolve(false);
-      });
+  function request(options) {
+    const got = () => {
+      held = true;
+      changed();
+      return new Promise(() => {});
+    };
+    navigator.locks.request(name, options, got).catch(() => {
+      held = false;
+      changed();
+      request({});
     });
   }
 
-  if (!navigator.locks) return {held: () => true, ask: async () => true, take: async () => true};
+  if (!navigator.locks) return {held: () => true, lost: () => false, ask: changed, take: () => {}};
   return {
     held: () => held,
-    /** Claims what nobody else holds. */
-    ask: () => held ? Promise.resolve(true) : ask({ifAvailable: true}),
+    /** True if another tab has it. */
+    lost: () => late && !held,
+    /** Claims it as soon as nobody else holds it. */
+    ask() {
+      if (asked) return changed();
+      asked = true;
+      request({});
+      setTimeout(() => {
+        late = true;
+        if (!held) changed();
+      }, PATIENCE);
+    },
     /** Claims it from whoever holds it. */
-    take: () => held ? Promise.resolve(true) : ask({steal: true}),
+    take: () => { if (!held) request({steal: true}); },
   };
 }
