@@ -53,13 +53,15 @@ std::string TextOf(const LegalMoves& moves, const MoveEntry& entry) {
     const int type = TypeOf(entry.piece);
     if (type == KING && (to - from == 2 || from - to == 2))
         return to > from ? "O-O" : "O-O-O";
-    const std::string target = (entry.captured ? "x" : "") + SquareName(to);
-    if (type != PAWN)
-        return fen_letters[type] + MarkAmongRivals(moves, entry) + target;
+    std::string text;
     // A pawn that leaves its file takes, en passant as well.
-    std::string text = FileOf(from) == FileOf(to) ? target : SquareName(from).substr(0, 1) + "x" + SquareName(to);
+    if (type != PAWN)
+        text.append(1, fen_letters[type]).append(MarkAmongRivals(moves, entry)).append(entry.captured ? "x" : "");
+    else if (FileOf(from) != FileOf(to))
+        text.append(1, FileLetter(from)).append("x");
+    text.append(algbr(to));
     if (entry.move & PROMOTION_BITS)
-        text += "=" + PromotionText(entry.move);
+        text.append("=").append(PromotionText(entry.move));
     return text;
 }
 
