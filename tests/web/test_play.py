@@ -59,13 +59,19 @@ class Play(unittest.TestCase):
     def moves(self):
         return [text.split()[-1] for text in self.browser.texts(".moves button")]
 
-    def by_drag(self, move):
-        self.browser.drag(square(move[:2]), square(move[2:4]))
+    def by_drag(self, move, pointer="mouse"):
+        self.browser.drag(square(move[:2]), square(move[2:4]), pointer)
 
-    def by_clicks(self, move):
-        self.browser.click(square(move[:2]))
+    def by_finger(self, move):
+        self.by_drag(move, "touch")
+
+    def by_clicks(self, move, pointer="mouse"):
+        self.browser.click(square(move[:2]), pointer=pointer)
         self.assertIn("can be moved to", self.browser.value(f"document.querySelector('{square(move[2:4])}').ariaLabel"))
-        self.browser.click(square(move[2:4]))
+        self.browser.click(square(move[2:4]), pointer=pointer)
+
+    def by_taps(self, move):
+        self.by_clicks(move, "touch")
 
     def by_arrows(self, move):
         for name in (move[:2], move[2:4]):
@@ -79,7 +85,9 @@ class Play(unittest.TestCase):
         self.browser.press(*move, "Enter")
 
     def test_a_game_is_played_to_mate_by_each_way_of_moving(self):
-        for way, look in [(self.by_drag, {}), (self.by_clicks, {"width": 360, "height": 740}), (self.by_arrows, {}), (self.by_typing, {})]:
+        phone = {"width": 360, "height": 740}
+        for way, look in [(self.by_drag, {}), (self.by_clicks, {}), (self.by_arrows, {}), (self.by_typing, {}),
+                          (self.by_finger, phone), (self.by_taps, phone)]:
             with self.subTest(way.__name__):
                 self.begin(LADDER, **look)
                 self.state("Your move")

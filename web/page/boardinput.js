@@ -51,12 +51,16 @@ export function squareAt(grid, flipped, x, y) {
   return flipped ? 63 - rank * 8 - file : rank * 8 + file;
 }
 
-/** Puts a drawn piece under a point of the page. */
-export function holdPiece(svg, group, x, y) {
-  const box = svg.getBoundingClientRect(), scale = 360 / box.width;
+/** Puts a drawn piece under a pointer, larger where a finger hides it. @param {PointerEvent} event */
+export function holdPiece(svg, group, event) {
+  const box = svg.getBoundingClientRect(), unit = 360 / box.width, finger = event.pointerType === 'touch';
+  const scale = finger ? 1.8 : 1.1;
   const [left, top] = cornerOf(0);
-  group.setAttribute('transform', `translate(${left + (x - box.left) * scale - SIZE / 2} ` +
-                                  `${top + (y - box.top) * scale - SIZE / 2})`);
+  const x = left + (event.clientX - box.left) * unit - SIZE * scale / 2;
+  const y = top + (event.clientY - box.top) * unit - SIZE * scale * (finger ? 0.75 : 0.5);
+  group.classList.add('held');
+  if (group !== svg.lastElementChild) svg.append(group);
+  group.setAttribute('transform', `translate(${x} ${y}) scale(${scale})`);
 }
 
 /** Squares where a piece has come from and gone to, between two boards. */
@@ -147,6 +151,7 @@ export function createInput(host, {move, refuse = () => {}}) {
                      targets.includes(square) ? 'can be moved to' : ''];
       cell.setAttribute('aria-label', words.filter(Boolean).join(', '));
       cell.setAttribute('aria-selected', String(square === selected));
+      cell.classList.remove('over');
       cell.classList.toggle('movable', movesFrom(square).length > 0 || targets.includes(square));
     });
   }
@@ -223,9 +228,9 @@ export function createInput(host, {move, refuse = () => {}}) {
     drag.moved ||= Math.hypot(event.clientX - drag.x, event.clientY - drag.y) > DRAGGED;
     const group = svg.querySelector(`[data-square="${drag.square}"]`);
     if (!drag.moved || !group) return;
-    if (group !== svg.lastElementChild) svg.append(group);
-    group.classList.add('held');
-    holdPiece(svg, group, event.clientX, event.clientY);
+    const over = squareAt(grid, look.flipped, event.clientX, event.clientY);
+    cells.forEach((cell, at) => cell.classList.toggle('over', over >= 0 && at === (look.flipped ? 63 - over : over)));
+    holdPiece(svg, group, event);
   });
   grid.addEventListener('pointerup', event => {
     if (!drag || event.pointerId !== drag.id) return;

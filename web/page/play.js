@@ -135,6 +135,13 @@ export function createPlay(host, app) {
     return position.state === 'mate' ? `Checkmate: ${person(OTHER[turn()])}` : DRAWS[position.state] || '';
   }
 
+  // The result as PGN has it.
+  function resultTag() {
+    const text = resultText();
+    if (!/win/.test(text)) return '1/2-1/2';
+    return text.includes('you win') === (match.side === 'w') ? '1-0' : '0-1';
+  }
+
   function stateText() {
     if (trouble) return trouble;
     if (!live()) return game.ply ? `After ${game.numberText(game.ply)} ${game.moves[game.ply - 1].text}` : 'Start';
@@ -180,6 +187,7 @@ export function createPlay(host, app) {
     });
     showTimes(clocks.now());
     state.textContent = stateText();
+    if (!live()) make(state, 'button', 'Back to the game', {type: 'button'}).addEventListener('click', () => look(game.moves.length));
     state.classList.toggle('over', over() && live());
     elsewhere.hidden = !claim.lost();
     for (const made of [buttons.game, buttons.back, field]) made.disabled = !claim.held();
@@ -210,6 +218,7 @@ export function createPlay(host, app) {
     }
     if (over()) {
       clocks.stop();
+      game.setTag('Result', resultTag());
       app.announce(resultText());
     }
     save();
@@ -312,6 +321,7 @@ export function createPlay(host, app) {
     opponent.abandon();
     game.setPosition(start || START_FEN);
     match = newMatch(side, strength);
+    game.setTag(side === 'w' ? 'Black' : 'White', 'Vrel');
     trouble = '';
     setClocks();
     position = shownPly();

@@ -109,9 +109,7 @@ export function setUpPosition(fen, rules, announce) {
       if (!group && Math.hypot(event.clientX - start.clientX, event.clientY - start.clientY) < 5) return;
       if (!group && square >= 0) put(square, '.');
       group ||= drawPiece(svg, piece, 0, 0);
-      if (!group.isConnected) svg.append(group);
-      group.classList.add('held');
-      holdPiece(svg, group, event.clientX, event.clientY);
+      holdPiece(svg, group, event);
     };
     const end = event => {
       host.removeEventListener('pointermove', move);
