@@ -87,19 +87,22 @@ class Browser:
     def element(self, selector):
         return {ELEMENT: self.ask("/element", {"using": "css selector", "value": selector})[ELEMENT]}
 
+    def point(self, pointer, *actions):
+        """What a "mouse", "touch" or "pen" does."""
+        self.ask("/actions", {"actions": [{"type": "pointer", "id": pointer, "parameters": {"pointerType": pointer},
+                                           "actions": actions}]})
+
     def drag(self, start, end, pointer="mouse"):
         """From the middle of one element to that of another."""
-        self.ask("/actions", {"actions": [{"type": "pointer", "id": pointer, "parameters": {"pointerType": pointer}, "actions": [
-            {"type": "pointerMove", "origin": self.element(start), "x": 0, "y": 0},
-            {"type": "pointerDown", "button": 0},
-            {"type": "pointerMove", "duration": 30, "origin": self.element(end), "x": 0, "y": 0},
-            {"type": "pointerUp", "button": 0}]}]})
+        self.point(pointer, {"type": "pointerMove", "origin": self.element(start), "x": 0, "y": 0},
+                   {"type": "pointerDown", "button": 0},
+                   {"type": "pointerMove", "duration": 30, "origin": self.element(end), "x": 0, "y": 0},
+                   {"type": "pointerUp", "button": 0})
 
     def click(self, selector, right=0, down=0, pointer="mouse"):
         """Clicks so far from the middle of the element."""
-        self.ask("/actions", {"actions": [{"type": "pointer", "id": pointer, "parameters": {"pointerType": pointer}, "actions": [
-            {"type": "pointerMove", "origin": self.element(selector), "x": right, "y": down},
-            {"type": "pointerDown", "button": 0}, {"type": "pointerUp", "button": 0}]}]})
+        self.point(pointer, {"type": "pointerMove", "origin": self.element(selector), "x": right, "y": down},
+                   {"type": "pointerDown", "button": 0}, {"type": "pointerUp", "button": 0})
 
     def complaints(self):
         return [entry["message"] for entry in self.ask("/se/log", {"type": "browser"})]

@@ -43,9 +43,11 @@ class Access(unittest.TestCase):
                     self.assertLessEqual(self.browser.value("document.documentElement.scrollWidth"), width)
 
     def findings(self):
-        script = self.axe + ("; const done = arguments[0]; axe.run().then(found => done(found.violations.flatMap(each => "
-                             "each.nodes.map(node => each.id + ': ' + node.html + ' ' + node.failureSummary))), String)")
-        return self.browser.ask("/execute/async", {"script": script, "args": []})
+        run = """
+            const done = arguments[0];
+            const words = each => each.nodes.map(node => `${each.id}: ${node.html} ${node.failureSummary}`);
+            axe.run().then(found => done(found.violations.flatMap(words)), error => done([String(error)]));"""
+        return self.browser.ask("/execute/async", {"script": self.axe + run, "args": []})
 
     def test_the_game(self):
         self.open()

@@ -4,7 +4,10 @@ import {createPlay} from './play.js';
 import {createRules} from './rules.js';
 import {setUpPosition} from './setup.js';
 
-/** @typedef {{start: string | null, moves: string[]}} Line   a start position, null for the usual one, and moves */
+/**
+ * A start position, null for the usual one, and moves; the whole game if it is known.
+ * @typedef {{start: string | null, moves: string[], game?: import('./game.js').SavedGame}} Line
+ */
 /** @typedef {{show: (what?: Line) => void, hide: () => void}} Mode */
 /**
  * @typedef {object} App
@@ -134,8 +137,8 @@ function route() {
 addEventListener('hashchange', route);
 addEventListener('pagehide', () => live?.hide());
 addEventListener('pageshow', event => { if (event.persisted) live?.show(); });
-addEventListener('error', event => tell(`Something went wrong: ${event.message}. Nothing of the game is lost; reload the page.`));
-addEventListener('unhandledrejection', event =>
-  tell(`Something went wrong: ${event.reason?.message || event.reason}. Nothing of the game is lost; reload the page.`));
+const wrong = word => tell(`Something went wrong: ${word}. Nothing of the game is lost; reload the page.`);
+addEventListener('error', event => wrong(event.message));
+addEventListener('unhandledrejection', event => wrong(event.reason?.message || event.reason));
 document.getElementById('waiting').remove();
 route();

@@ -81,14 +81,15 @@ function slide(svg, before, after, flipped, dropped) {
   if (calm.matches) return;
   for (const [from, to] of travels(before, after)) {
     if (to === dropped) continue;
-    const frames = [from, to].map(square => cornerOf(square, flipped)).map(([x, y]) => ({transform: `translate(${x}px, ${y}px)`}));
+    const frames = [from, to].map(square => ({transform: `translate(${cornerOf(square, flipped).join('px, ')}px)`}));
     svg.querySelector(`[data-square="${to}"]`)?.animate(frames, {duration: 160, easing: 'ease-out'});
   }
 }
 
 /** Asks what a pawn becomes; the answer goes to `chosen`, null if the question was left. */
 function askPromotion(host, moves, white, place, chosen) {
-  const dialog = make(host, 'div', '', {class: 'promotion', role: 'dialog', 'aria-modal': 'true', 'aria-label': 'Promote to'});
+  const dialog = make(host, 'div', '',
+    {class: 'promotion', role: 'dialog', 'aria-modal': 'true', 'aria-label': 'Promote to'});
   dialog.style.left = `${place.file * 12.5}%`;
   if (place.down) dialog.style.top = '0';
   else dialog.style.bottom = '0';
@@ -97,10 +98,16 @@ function askPromotion(host, moves, white, place, chosen) {
     document.removeEventListener('pointerdown', leave, true);
     chosen(move);
   };
-  const leave = event => { if (!dialog.contains(event.target)) { event.stopPropagation(); event.preventDefault(); end(null); } };
+  const leave = event => {
+    if (dialog.contains(event.target)) return;
+    event.stopPropagation();
+    event.preventDefault();
+    end(null);
+  };
   const buttons = [...moves].sort((a, b) => ORDER.indexOf(a.promotion) - ORDER.indexOf(b.promotion)).map(move => {
     const button = make(dialog, 'button', '', {type: 'button', 'aria-label': NAMES[move.promotion]});
-    drawPiece(draw(button, 'svg', {viewBox: '0 0 45 45', 'aria-hidden': 'true'}), white ? move.promotion.toUpperCase() : move.promotion, 0, 0);
+    const piece = white ? move.promotion.toUpperCase() : move.promotion;
+    drawPiece(draw(button, 'svg', {viewBox: '0 0 45 45', 'aria-hidden': 'true'}), piece, 0, 0);
     button.addEventListener('click', () => end(move));
     return button;
   });
@@ -144,7 +151,8 @@ export function createInput(host, {move, refuse = () => {}}) {
   function redraw() {
     const targets = movesFrom(selected).map(each => each.to);
     const king = position.check ? position.board.indexOf(position.whiteToMove ? 'K' : 'k') : -1;
-    svg = drawing.show(position.board, {flipped: look.flipped, marked: look.last || [], targets, selected, check: king});
+    const marked = look.last || [];
+    svg = drawing.show(position.board, {flipped: look.flipped, marked, targets, selected, check: king});
     cells.forEach((cell, at) => {
       const square = look.flipped ? 63 - at : at, piece = position.board[square];
       const words = [squareName(square), piece === '.' ? '' : pieceName(piece), square === king ? 'in check' : '',
@@ -219,7 +227,8 @@ export function createInput(host, {move, refuse = () => {}}) {
     dropped = -1;
     if (selected >= 0 && selected !== square && makeMove(selected, square)) return;
     if (!movesFrom(square).length) return select(-1);
-    drag = {square, x: event.clientX, y: event.clientY, moved: false, wasSelected: selected === square, id: event.pointerId};
+    const {clientX: x, clientY: y, pointerId: id} = event;
+    drag = {square, x, y, id, moved: false, wasSelected: selected === square};
     select(square);
     grid.setPointerCapture(event.pointerId);
   });
@@ -248,7 +257,7 @@ export function createInput(host, {move, refuse = () => {}}) {
 
   redraw();
   return {
-    /** Shows a position and its look; what was taken up is put down. @param {Position} newPosition @param {Look} newLook */
+    /** Shows a position; in another one what was taken up is put down. @param {Position} newPosition @param {Look} newLook */
     show(newPosition, newLook = {}) {
       const before = position.board, same = look.flipped === newLook.flipped;
       if (newPosition.fen !== position.fen || !newPosition.moves.length) {

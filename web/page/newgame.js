@@ -44,7 +44,7 @@ function group(form, title) {
 function figure(parent, name, text, value) {
   const [min, max, step] = BOUNDS[name];
   const label = make(parent, 'label', text, {class: 'figure'});
-  const input = make(label, 'input', '', {type: 'number', inputmode: 'decimal', name, min, max, step: name === 'seconds' ? 'any' : step});
+  const input = make(label, 'input', '', {type: 'number', inputmode: 'decimal', name, min, max, step});
   input.value = String(value);
   return label;
 }

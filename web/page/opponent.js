@@ -55,7 +55,8 @@ export function createOpponent(app) {
   return {
     /**
      * The engine's move, null if it was abandoned; fails if there is no engine or it ends while it thinks.
-     * @param {string} position the line of UCI @param {string} limits behind `go` @param {(depth: number) => void} progress
+     * @param {string} position the line of UCI @param {string} limits behind `go`
+     * @param {(depth: number) => void} progress
      * @returns {Promise<Answer | null>}
      */
     async think(position, limits, progress = () => {}) {
@@ -83,7 +84,7 @@ export function createOpponent(app) {
       return answer;
     },
 
-    /** Forgets the open question. A stop that comes too late is answered again, so the engine is asked if it is ready. */
+    /** Forgets the open question. A late stop is answered again, so the engine is asked whether it is ready. */
     abandon() {
       ++question;
       if (!searching || !engine) return;

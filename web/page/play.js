@@ -3,7 +3,8 @@ import {make} from './board.js';
 import {createInput} from './boardinput.js';
 import {createClocks} from './clock.js';
 import {createGame} from './game.js';
-import {askForGame, soundStrength, strengthText} from './newgame.js';
+import {endOf, newMatch, OTHER, soundMatch} from './match.js';
+import {askForGame, strengthText} from './newgame.js';
 import {createOpponent} from './opponent.js';
 import {boardOf, START_FEN} from './rules.js';
 import {createClaim} from './tabs.js';
@@ -11,46 +12,14 @@ import {clockText, movesTyped, spoken} from './words.js';
 
 /** @typedef {import('./rules.js').Move} Move */
 /** @typedef {import('./rules.js').Position} Position */
-/** @typedef {{w: number, b: number}} Times   milliseconds: left with a clock, else spent */
-/**
- * What is kept beside the game itself.
- * @typedef {object} Match
- * @property {string} side the person's, 'w' or 'b'
- * @property {import('./newgame.js').Strength} strength
- * @property {Times[]} times by ply, the start's first
- * @property {Times} now
- * @property {string} flagged the side whose time has run out, or ''
- * @property {boolean} turned the board is seen from the engine's side
- */
 
 const KEY = 'play';
-const OTHER = {w: 'b', b: 'w'};
-const DRAWS = {stalemate: 'Stalemate: a draw', repetition: 'A draw: the position has been repeated',
-               fifty: 'A draw: fifty moves without a capture or a pawn’s move', material: 'A draw: nobody can mate'};
-
-/** @returns {Match} */
-function newMatch(side, strength) {
-  const time = strength.way === 'clock' ? strength.minutes * 60000 : 0;
-  return {side, strength, times: [{w: time, b: time}], now: {w: time, b: time}, flagged: '', turned: false};
-}
-
-const isTimes = times => Number.isFinite(times?.w) && Number.isFinite(times?.b);
-
-/** The match as it was kept with so many plies, with times of its own where those can't be read. @returns {Match} */
-function soundMatch(kept, plies) {
-  const match = newMatch(kept?.side === 'b' ? 'b' : 'w', soundStrength(kept?.strength));
-  const times = kept?.times;
-  const sound = Array.isArray(times) && times.length === plies + 1 && times.every(isTimes) && isTimes(kept.now);
-  if (!sound) return {...match, times: Array(plies + 1).fill(match.now)};
-  return {...match, times, now: kept.now, flagged: OTHER[kept.flagged] ? kept.flagged : '', turned: kept.turned === true};
-}
 
 /** A position known by its FEN alone: what can be shown before the rules have been asked. @returns {Position} */
 function positionShown(fen, text = '') {
-  return {fen, board: boardOf(fen), whiteToMove: fen.split(' ')[1] !== 'b', check: /[+#]/.test(text), state: 'play', moves: []};
+  const whiteToMove = fen.split(' ')[1] !== 'b';
+  return {fen, board: boardOf(fen), whiteToMove, check: /[+#]/.test(text), state: 'play', moves: []};
 }
-
-const squaresOf = uci => [uci.slice(0, 2), uci.slice(2, 4)].map(name => (8 - Number(name[1])) * 8 + name.charCodeAt(0) - 97);
 
 /**
  * @param {HTMLElement} host
@@ -60,7 +29,7 @@ export function createPlay(host, app) {
   const game = createGame();
   let match = restored();
   let position = shownPly();  // of the game's last ply
-  let turnNumber = 0;       // answers to questions of earlier turns are dropped
+  let turnNumber = 0;         // answers to questions of earlier turns are dropped
   let shown = false, thinking = 0, trouble = '';
   const opponent = createOpponent(app);
   const clocks = createClocks(showTimes, side => { match.flagged = side; settle(); });
@@ -72,19 +41,20 @@ export function createPlay(host, app) {
   const above = make(left, 'div', '', {class: 'player'});
   const board = createInput(left, {move: played, refuse: app.announce});
   const below = make(left, 'div', '', {class: 'player'});
-  const players = [above, below].map(line => ({name: make(line, 'span'), clock: make(line, 'span', '', {class: 'clock', role: 'timer'})}));
+  const players = [above, below].map(line =>
+    ({name: make(line, 'span'), clock: make(line, 'span', '', {class: 'clock', role: 'timer'})}));
   const state = make(right, 'p', '', {class: 'state'});
   const elsewhere = make(right, 'div', '', {class: 'panel', hidden: ''});
   const list = make(right, 'ol', '', {class: 'moves', 'aria-label': 'Moves'});
   const typed = make(right, 'form', '', {class: 'typed'});
-  const field = make(typed, 'input', '', {'aria-label': 'Type a move', placeholder: 'Type a move: e4, Nf3, e2e4', enterkeyhint: 'go',
-                                          autocomplete: 'off', autocapitalize: 'off', spellcheck: false});
+  const field = make(typed, 'input', '', {'aria-label': 'Type a move', placeholder: 'Type a move: e4, Nf3, e2e4',
+    enterkeyhint: 'go', autocomplete: 'off', autocapitalize: 'off', spellcheck: false});
   const actions = make(right, 'div', '', {class: 'actions', role: 'group', 'aria-label': 'Game'});
   const buttons = {
     game: button('New game', () => ask()),
     back: button('Take back', takeBack),
     flip: button('Flip', () => { match.turned = !match.turned; save(); render(); }),
-    analyse: button('Analyse', () => app.goTo('analyse', {start: game.fullFen(0), moves: allMoves()})),
+    analyse: button('Analyse', () => app.goTo('analyse', {start: game.fullFen(0), moves: allMoves(), game: game.save()})),
   };
   make(elsewhere, 'p', 'This game is being played in another tab.');
   make(elsewhere, 'button', 'Play here', {type: 'button', class: 'main'}).addEventListener('click', () => claim.take());
@@ -95,12 +65,16 @@ export function createPlay(host, app) {
     return made;
   }
 
+  function stateButton(text, act) {
+    make(state, 'button', text, {type: 'button'}).addEventListener('click', act);
+  }
+
   // The game and the match as they were kept, new ones if that can't be read.
   function restored() {
     const kept = app.load(KEY, null);
     if (!game.restore(kept?.game)) {
       game.setPosition();
-      return newMatch(kept?.side === 'b' ? 'b' : 'w', soundStrength(kept?.strength));
+      return soundMatch({side: kept?.side, strength: kept?.strength}, 0);
     }
     game.go(game.moves.length);
     return soundMatch(kept, game.moves.length);
@@ -114,7 +88,7 @@ export function createPlay(host, app) {
   const allMoves = () => game.uciMoves(game.moves.length);
   const turn = () => position.whiteToMove ? 'w' : 'b';
   const known = () => position.moves.length > 0 || position.state !== 'play';
-  const over = () => match.flagged !== '' || position.state !== 'play';
+  const over = () => endOf(match, position) !== null;
   const live = () => game.ply === game.moves.length;
   const bottom = () => match.turned ? OTHER[match.side] : match.side;
   const moverOf = ply => game.whiteToMove(ply - 1) ? 'w' : 'b';
@@ -124,28 +98,10 @@ export function createPlay(host, app) {
     if (claim.held()) app.save(KEY, {...match, now: clocks.now(), game: game.save()});
   }
 
-  function resultText() {
-    const person = winner => winner === match.side ? 'you win' : 'Vrel wins';
-    if (match.flagged) {
-      const winner = OTHER[match.flagged];
-      const bare = !/[PNBRQ]/i.test([...position.board].filter(piece => (piece === piece.toUpperCase()) === (winner === 'w')).join(''));
-      const whose = match.flagged === match.side ? 'Your time is up' : 'Vrel’s time is up';
-      return `${whose}: ${bare ? 'a draw, a lone king can’t mate' : person(winner)}`;
-    }
-    return position.state === 'mate' ? `Checkmate: ${person(OTHER[turn()])}` : DRAWS[position.state] || '';
-  }
-
-  // The result as PGN has it.
-  function resultTag() {
-    const text = resultText();
-    if (!/win/.test(text)) return '1/2-1/2';
-    return text.includes('you win') === (match.side === 'w') ? '1-0' : '0-1';
-  }
-
   function stateText() {
     if (trouble) return trouble;
     if (!live()) return game.ply ? `After ${game.numberText(game.ply)} ${game.moves[game.ply - 1].text}` : 'Start';
-    if (over()) return resultText();
+    if (over()) return endOf(match, position).text;
     if (turn() === match.side) return position.check ? 'Check. Your move' : 'Your move';
     return `Vrel is thinking${thinking ? `, depth ${thinking}` : ''}`;
   }
@@ -172,14 +128,15 @@ export function createPlay(host, app) {
       else knob.removeAttribute('aria-current');
     });
     const current = /** @type {HTMLElement} */ (list.querySelector('[aria-current]'));
-    if (current) list.scrollTo({top: current.offsetTop - list.clientHeight / 2, left: current.offsetLeft - list.clientWidth / 2});
+    if (current) list.scrollTo(current.offsetLeft - list.clientWidth / 2, current.offsetTop - list.clientHeight / 2);
     list.hidden = !game.moves.length;
   }
 
   function render(animate = false) {
     const move = game.moves[game.ply - 1];
     const mine = shown && claim.held() && live() && !over() && turn() === match.side;
-    board.show(live() ? position : shownPly(), {last: move ? [move.from, move.to] : [], side: mine ? match.side : '', flipped: bottom() === 'b', animate});
+    const last = move ? [move.from, move.to] : [];
+    board.show(live() ? position : shownPly(), {last, side: mine ? match.side : '', flipped: bottom() === 'b', animate});
     players.forEach(({name}, i) => {
       const side = i ? bottom() : OTHER[bottom()];
       name.textContent = side === match.side ? 'You' : `Vrel, ${strengthText(match.strength)}`;
@@ -187,7 +144,7 @@ export function createPlay(host, app) {
     });
     showTimes(clocks.now());
     state.textContent = stateText();
-    if (!live()) make(state, 'button', 'Back to the game', {type: 'button'}).addEventListener('click', () => look(game.moves.length));
+    if (!live()) stateButton('Back to the game', () => look(game.moves.length));
     state.classList.toggle('over', over() && live());
     elsewhere.hidden = !claim.lost();
     for (const made of [buttons.game, buttons.back, field]) made.disabled = !claim.held();
@@ -216,10 +173,11 @@ export function createPlay(host, app) {
       if (mine === turnNumber) failed(error, app.restartRules);
       return;
     }
-    if (over()) {
+    const end = endOf(match, position);
+    if (end) {
       clocks.stop();
-      game.setTag('Result', resultTag());
-      app.announce(resultText());
+      game.setTag('Result', {w: '1-0', b: '0-1'}[end.winner] || '1/2-1/2');
+      app.announce(end.text);
     }
     save();
     render();
@@ -276,8 +234,7 @@ export function createPlay(host, app) {
     clocks.stop();
     trouble = `The engine can’t go on: ${error instanceof Error ? error.message : error}. `;
     render();
-    const again = make(state, 'button', 'Try again', {type: 'button'});
-    again.addEventListener('click', () => {
+    stateButton('Try again', () => {
       trouble = '';
       mend();
       settle();
@@ -312,7 +269,8 @@ export function createPlay(host, app) {
     match.flagged = trouble = '';
     setClocks();
     position = shownPly();
-    app.announce(`Taken back. ${game.ply ? `Last move: ${spoken(game.moves[game.ply - 1].text)}` : 'Start of the game'}`);
+    const last = game.moves.at(-1);
+    app.announce(`Taken back. ${last ? `Last move: ${spoken(last.text)}` : 'Start of the game'}`);
     settle();
     render(true);
   }
@@ -365,8 +323,8 @@ export function createPlay(host, app) {
       field.value = '';
       return one ? played(found[0]) : board.choose(found);
     }
-    const word = !mine ? 'It isn’t your move.' : found.length ? `“${field.value}” may mean ${found.map(move => move.text).join(' or ')}.`
-                                                              : `“${field.value}” is no move here.`;
+    const word = !mine ? 'It isn’t your move.' : !found.length ? `“${field.value}” is no move here.`
+      : `“${field.value}” may mean ${found.map(move => move.text).join(' or ')}.`;
     app.announce(word);
     field.setCustomValidity(word);
     field.reportValidity();

@@ -45,7 +45,8 @@ export function setUpPosition(fen, rules, announce) {
   const white = make(make(settings, 'label', 'White to move'), 'input', '', {type: 'radio', name: 'turn'});
   const black = make(make(settings, 'label', 'Black to move'), 'input', '', {type: 'radio', name: 'turn'});
   const rights = RIGHTS.map(([, text]) => make(make(settings, 'label', text), 'input', '', {type: 'checkbox'}));
-  const field = make(make(form, 'label', 'FEN', {class: 'wide'}), 'input', '', {spellcheck: false, autocomplete: 'off', name: 'fen'});
+  const field = make(make(form, 'label', 'FEN', {class: 'wide'}), 'input', '',
+    {spellcheck: false, autocomplete: 'off', name: 'fen'});
   const trouble = make(form, 'p', '', {class: 'trouble', role: 'alert'});
   const buttons = make(form, 'div', '', {class: 'row'});
   let board = boardOf(START_FEN), chosen = '.', rest = '- 0 1', svg = drawing.show(board);

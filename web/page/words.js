@@ -5,7 +5,8 @@ const SPOKEN = {N: 'knight ', B: 'bishop ', R: 'rook ', Q: 'queen ', K: 'king '}
 /** A move's text for the ear: "Nxf3+" is "knight takes f3, check". @param {string} text */
 export function spoken(text) {
   const castling = text.startsWith('O-O-O') ? 'castles queenside' : text.startsWith('O-O') ? 'castles kingside' : '';
-  const said = castling || text.replace(/[+#]/g, '').replace(/=(.)/, (_, piece) => ` promotes to ${SPOKEN[piece].trim()}`)
+  const said = castling || text.replace(/[+#]/g, '')
+    .replace(/=(.)/, (_, piece) => ` promotes to ${SPOKEN[piece].trim()}`)
     .replace(/^[NBRQK]/, piece => SPOKEN[piece]).replace('x', ' takes ').replace(/ {2}/g, ' ');
   return said + (text.includes('#') ? ', checkmate' : text.includes('+') ? ', check' : '');
 }

@@ -75,7 +75,8 @@ const isDark = index => (index + Math.floor(index / 8)) % 2 === 1;
 
 // A piece with its upper left corner at the place.
 export function drawPiece(svg, piece, x, y) {
-  const group = draw(svg, 'g', {class: `piece ${isWhite(piece) ? 'white' : 'black'}`, transform: `translate(${x} ${y})`});
+  const side = isWhite(piece) ? 'white' : 'black';
+  const group = draw(svg, 'g', {class: `piece ${side}`, transform: `translate(${x} ${y})`});
   draw(group, 'path', {d: PIECES[piece.toLowerCase()]});
   draw(group, 'path', {d: LINES[piece.toLowerCase()], class: 'lines'});
   return group;
