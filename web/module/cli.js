@@ -6,7 +6,7 @@ import {isatty} from 'node:tty';
 import {startRun} from './run.js';
 
 const run = await startRun({
-    shared: true, arguments: process.argv.slice(2), files: {}, hash: 2048, threads: 1, direct: true,
+    shared: true, arguments: () => process.argv.slice(2), files: {}, hash: 2048, threads: 1, direct: true,
     terminals: [0, 1, 2].map(isatty),
 });
 process.stdin.on('data', bytes => run.write(bytes));

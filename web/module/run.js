@@ -31,7 +31,7 @@ async function compile(url) {
     return WebAssembly.compile(await response.arrayBuffer());
 }
 
-/** A worker of the same manner in both worlds. @typedef {{post: (message: any) => void, end: () => void}} Helper */
+/** A worker of the same manner in both worlds; a program stays for those that are held. @typedef {{post: (message: any) => void, end: () => void, hold: (stays: boolean) => void}} Helper */
 
 /** @param {(message: any, helper: Helper) => void} receive @param {(error: any) => void} fail @returns {Promise<Helper>} */
 async function startHelper(receive, fail) {
@@ -39,13 +39,16 @@ async function startHelper(receive, fail) {
     if (inNode) {
         const {Worker} = await import('node:worker_threads');
         const worker = new Worker(url);
-        const helper = {post: message => worker.postMessage(message), end: () => void worker.terminate()};
+        const helper = {
+            post: message => worker.postMessage(message), end: () => void worker.terminate(),
+            hold: stays => stays ? worker.ref() : worker.unref(),
+        };
         worker.on('message', message => receive(message, helper));
         worker.on('error', fail);
         return helper;
     }
     const worker = new Worker(url, {type: 'module'});
-    const helper = {post: message => worker.postMessage(message), end: () => worker.terminate()};
+    const helper = {post: message => worker.postMessage(message), end: () => worker.terminate(), hold: () => {}};
     worker.onmessage = event => receive(event.data, helper);
     worker.onerror = event => fail(event.message || event);
     return helper;
@@ -77,7 +80,7 @@ function claimMemory(shared, megabytes) {
 /**
  * What a run is started with. Without `direct`, which is for programs on a command line, standard streams are the two
  * listeners and files are in memory.
- * @typedef {{shared: boolean, arguments: string[], files: Record<string, Uint8Array | string>, hash: number,
+ * @typedef {{shared: boolean, arguments: (limits: {mostHash: number}) => string[], files: Record<string, Uint8Array | string>, hash: number,
  *            threads: number, direct?: boolean, terminals?: boolean[], hearOutput?: (bytes: Uint8Array) => void,
  *            hearError?: (bytes: Uint8Array) => void, hearRest?: () => void}} RunOptions
  */
@@ -100,6 +103,8 @@ export async function startRun(options) {
         module, memory, room: most * MEGABYTE / PAGE, origin: performance.timeOrigin, direct: options.direct,
         terminals: options.terminals,
     };
+
+    const mostHash = Math.max(most - ROOM - ROOM_OF_THREAD * threads, 1);
 
     /** @type {Helper[]} */
     const helpers = [];
@@ -130,6 +135,13 @@ export async function startRun(options) {
     const finish = status => {
         over = true;
         tellEnd(status);
+        // Files may still be asked for, but no program has to stay for that.
+        for (const helper of helpers)
+            if (shared)
+                helper.end();
+            else
+                helper.hold(false);
+        clerk = null;
     };
 
     // Pieces of output come from several workers, and are handed on in the order in which they were written.
@@ -165,6 +177,11 @@ export async function startRun(options) {
     const questions = new Map();
     let asked = 0;
 
+    // The main thread sees no message while the engine runs in it; a worker of its own does files meanwhile.
+    /** @type {Promise<Helper> | null} */
+    let clerk = null;
+    /** @type {any} */
+    let clerkThread = null;
     /** @type {number[]} */
     const threadsEnded = [];
 
@@ -192,6 +209,7 @@ export async function startRun(options) {
         } else if (message.input) {
             if (memory)
                 queue = {memory, address: message.input};
+            clerkThread = message.clerk;
             tellStart();
             writeHeldBack();
         } else if (message.answer !== undefined) {
@@ -208,7 +226,7 @@ export async function startRun(options) {
     };
 
     const main = await newHelper();
-    main.post({...common, start: 'main', arguments: options.arguments, files: options.files});
+    main.post({...common, start: 'main', arguments: options.arguments({mostHash}), files: options.files});
     if (shared)
         for (let i = 0; i < threads; ++i) {
             const helper = await newHelper();
@@ -216,20 +234,21 @@ export async function startRun(options) {
             idle.push(helper);
         }
 
-    // The main thread sees no message while the engine runs in it; a worker of its own does files meanwhile.
-    /** @type {Promise<Helper> | null} */
-    let clerk = null;
     /** @param {any} question @returns {Promise<Uint8Array | null>} */
     const ask = async question => {
         const helper = shared ? await (clerk ??= newClerk()) : main;
-        return new Promise(resolve => {
+        helper.hold(true);
+        const answer = await new Promise(resolve => {
             questions.set(++asked, resolve);
             helper.post({...question, question: asked});
         });
+        if (over)
+            helper.hold(false);
+        return answer;
     };
     const newClerk = async () => {
         const helper = await newHelper();
-        helper.post({...common, start: 'clerk'});
+        helper.post({...common, start: 'clerk', thread: clerkThread});
         return helper;
     };
 
@@ -250,7 +269,7 @@ export async function startRun(options) {
                 writeHeldBack();
         },
         ended,
-        mostHash: Math.max(most - ROOM - ROOM_OF_THREAD * threads, 1),
+        mostHash,
         put: async (name, contents) => void await ask({put: name, contents}),
         get: name => ask({get: name}),
         end: () => {

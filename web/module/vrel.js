@@ -1,91 +1,83 @@
-// The engine for programs: start it, send it lines, listen to what it says, put in and take out files, end it. Each
-// engine runs in workers of its own, in browsers and under Node.
+// The engine for programs: start it, send it lines, listen to what it says, put in and take out files, end it.
 
-import {endInput, writeInput} from './queue.js';
+import {canShare, startRun} from './run.js';
+import {startSteps} from './steps.js';
 
 /** @typedef {import('./vrel.d.ts').EngineOptions} EngineOptions */
 /** @typedef {import('./vrel.d.ts').Engine} Engine */
 
-const inNode = typeof process === 'object' && Boolean(process.versions?.node);
-const MEGABYTE = 1 << 20, PAGE = 65536;
+const USUAL_HASH = 16;    // megabytes
+const PROGRAM_HASH = 64;  // that a program on the command line has
 
-// Megabytes beside the table: the program itself, and what each thread has.
-const ROOM = 24, ROOM_OF_THREAD = 3;
-const USUAL_HASH = 16, MOST_HASH = 2048;
-
-/** @type {Record<string, Promise<WebAssembly.Module>>} */
-const modules = {};
-
-/** The code of a build, compiled once. @param {string} name */
-function compiled(name) {
-    modules[name] ??= compile(new URL(name, import.meta.url));
-    modules[name].catch(() => delete modules[name]);
-    return modules[name];
-}
-
-/** @param {URL} url */
-async function compile(url) {
-    if (inNode) {
-        const {readFile} = await import('node:fs/promises');
-        return WebAssembly.compile(await readFile(url));
-    }
-    const response = await fetch(url);
-    if (!response.ok)
-        throw new Error(`${url}: ${response.status}`);
-    return WebAssembly.compile(await response.arrayBuffer());
-}
-
-/** A worker of the same manner in both worlds. @typedef {{post: (message: any) => void, end: () => void}} Helper */
-
-/** @param {(message: any, helper: Helper) => void} receive @param {(error: any) => void} fail @returns {Promise<Helper>} */
-async function startHelper(receive, fail) {
-    const url = new URL('worker.js', import.meta.url);
-    if (inNode) {
-        const {Worker} = await import('node:worker_threads');
-        const worker = new Worker(url);
-        const helper = {post: message => worker.postMessage(message), end: () => void worker.terminate()};
-        worker.on('message', message => receive(message, helper));
-        worker.on('error', fail);
-        return helper;
-    }
-    const worker = new Worker(url, {type: 'module'});
-    const helper = {post: message => worker.postMessage(message), end: () => worker.terminate()};
-    worker.onmessage = event => receive(event.data, helper);
-    worker.onerror = event => fail(event.message || event);
-    return helper;
-}
-
-/** Whether threads can share memory here. */
-export const canShare = () =>
-    typeof SharedArrayBuffer === 'function' && (inNode || globalThis.crossOriginIsolated === true);
-
-/**
- * Memory for the engine, of which no more is asked for than it may need: some systems refuse a large bound. Half of it
- * is tried where it is refused.
- * @param {boolean} shared @param {number} megabytes
- */
-function claimMemory(shared, megabytes) {
-    for (let most = megabytes; ; most = Math.floor(most / 2)) {
-        try {
-            const memory = new WebAssembly.Memory(
-                {initial: 8 * MEGABYTE / PAGE, maximum: most * MEGABYTE / PAGE, shared});
-            return {memory, most};
-        } catch (error) {
-            if (most < 2 * ROOM)
-                throw error;
-        }
-    }
-}
-
-/** Hands on whole lines of what comes in pieces. @param {Set<(line: string) => void>} listeners */
-function lineReader(listeners) {
+/** Whole lines of what comes in pieces, for whoever listens. The first listener hears what was said before. */
+function makeVoice() {
+    /** @type {Set<(line: string) => void>} */
+    const listeners = new Set();
+    /** @type {string[] | null} */
+    let unheard = [];
     const decoder = new TextDecoder();
     let rest = '';
-    return (/** @type {Uint8Array} */ bytes) => {
-        const lines = (rest + decoder.decode(bytes, {stream: true})).split('\n');
-        rest = /** @type {string} */ (lines.pop());
-        for (const line of lines)
-            for (const listener of [...listeners])
-                listener(line);
+    return {
+        /** @param {string} line */
+        say: line => unheard ? void unheard.push(line) : [...listeners].forEach(listener => listener(line)),
+        /** @param {Uint8Array} bytes @param {(line: string) => void} use */
+        hear: (bytes, use) => {
+            const lines = (rest + decoder.decode(bytes, {stream: true})).split('\n');
+            rest = /** @type {string} */ (lines.pop());
+            lines.forEach(use);
+        },
+        /** @param {(line: string) => void} listener */
+        listen: listener => {
+            listeners.add(listener);
+            const lines = unheard ?? [];
+            unheard = null;
+            lines.forEach(listener);
+            return () => void listeners.delete(listener);
+        },
+    };
+}
+
+/**
+ * A line as it can be met: what asks for more threads or a larger table than there can be asks for what there is, with
+ * a word about it.
+ * @param {string} line @param {{shared: boolean, mostHash: number}} limits @param {(word: string) => void} complain
+ */
+function withinLimits(line, limits, complain) {
+    const [, start, name, value] = /^(\s*setoption\s+name\s+(Hash|Threads)\s+value\s+)(\d+)\s*$/.exec(line) ?? [];
+    const most = name === 'Hash' ? limits.mostHash : name === 'Threads' && !limits.shared ? 1 : Infinity;
+    if (!(Number(value) > most))
+        return line;
+    complain(`${name} ${value}: there is room for ${most}`);
+    return start + most;
+}
+
+/** @param {EngineOptions} [options] @returns {Promise<Engine>} */
+export async function startEngine(options = {}) {
+    const shared = options.shared !== false && canShare();
+    const words = options.arguments ?? [];
+    const threads = shared ? Math.max(options.threads ?? 1, 1) : 1;
+    const hash = options.hash ?? (words.length > 0 ? PROGRAM_HASH : USUAL_HASH);
+    const output = makeVoice(), errors = makeVoice();
+    const run = await (shared ? startRun : startSteps)({
+        shared, hash, threads, files: options.files ?? {},
+        arguments: limits => [
+            ...(options.hash !== undefined || words.length === 0 ? ['-hash', String(Math.min(hash, limits.mostHash))] : []),
+            ...(threads > 1 ? ['-threads', String(threads)] : []), ...words,
+        ],
+        hearOutput: bytes => output.hear(bytes, output.say),
+        hearError: bytes => errors.hear(bytes, errors.say),
+    });
+    if (run.mostHash < hash)
+        errors.say(`Hash ${hash}: there is room for ${run.mostHash}`);
+    const encoder = new TextEncoder();
+    return {
+        shared,
+        ended: run.ended,
+        send: line => run.write(encoder.encode(withinLimits(line, {shared, mostHash: run.mostHash}, errors.say) + '\n')),
+        listen: output.listen,
+        listenToErrors: errors.listen,
+        writeFile: run.put,
+        readFile: run.get,
+        end: async () => run.end(),
     };
 }

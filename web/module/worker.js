@@ -25,6 +25,8 @@ let engine;
 let queue;
 let stack = 0;
 let over = false;
+/** Hears of a thread that has been made. @param {any} thread */
+let hearThread = thread => tell({thread});
 
 /** @param {number} address @param {number} size */
 const bytesAt = (address, size) => new Uint8Array(memory.buffer, address, size);
@@ -121,7 +123,7 @@ function libraryOf(start) {
         _emscripten_default_pthread_stack_size: () => 1 << 20,
         __emscripten_init_main_thread_js: thread => engine._emscripten_thread_init(thread, 0, 1, 1, 0),
         __pthread_create_js: (thread, _attributes, body, argument) => {
-            tell({thread: {thread, body, argument, stack: engine.stackTop(thread)}});
+            hearThread({thread, body, argument, stack: engine.stackTop(thread)});
             return 0;
         },
         __emscripten_thread_cleanup: refuse,
@@ -181,6 +183,23 @@ function live(part) {
     tell({ended: status});
 }
 
+/** A thread for the worker that does files while the engine is at work here. */
+function threadForClerk() {
+    const hear = hearThread;
+    let clerk = null;
+    hearThread = thread => { clerk = thread; };
+    engine.prepareThread?.();
+    hearThread = hear;
+    return clerk;
+}
+
+/** Makes this thread the one that the engine has prepared. @param {any} thread */
+function takeOn({thread, stack}) {
+    engine.stackRestore(stack);
+    engine._emscripten_thread_init(thread, 0, 0, 1, 0);
+    engine.emscripten_tls_init();
+}
+
 /** @param {any} start */
 function beMain(start) {
     instantiate(start);
@@ -192,18 +211,18 @@ function beMain(start) {
     const words = ['vrel', ...start.arguments].map(place);
     const table = engine.reserve(4 * words.length + 4);
     new Uint32Array(memory.buffer, table, words.length + 1).set([...words, 0]);
-    tell({input: queue.address});
+    tell({input: queue.address, clerk: threadForClerk()});
     live(() => engine.main(words.length, table));
+    if (!over)
+        tell({resting: true});
 }
 
 /** @param {any} start */
 function beThread(start) {
     if (!engine)
         instantiate(start);
-    const {thread, body, argument, stack} = start.thread;
-    engine.stackRestore(stack);
-    engine._emscripten_thread_init(thread, 0, 0, 1, 0);
-    engine.emscripten_tls_init();
+    const {thread, body, argument} = start.thread;
+    takeOn(start.thread);
     if (start.ended)
         engine._emscripten_thread_free_data(start.ended);
     try {
@@ -242,9 +261,10 @@ function receive(message) {
         beThread(message);
     else if (message.start === 'spare')
         instantiate(message);
-    else if (message.start === 'clerk')
-        beClerk(message);
-    else if (message.input)
+    else if (message.start === 'clerk') {
+        instantiate(message);
+        takeOn(message.thread);
+    } else if (message.input)
         takeInput(message.input, message.last);
     else if (message.put !== undefined) {
         putFile(message.put, message.contents);

@@ -50,6 +50,11 @@ extern "C" VREL_FOR_HOST(stackTop) void* TellStackTop(pthread_t thread) {
     return static_cast<char*>(end) + size;
 }
 
+// Makes a thread that does nothing by itself, on which the host may call what is exported here.
+extern "C" VREL_FOR_HOST(prepareThread) void PrepareThread() {
+    StartThread([](void*) -> void* { return nullptr; }, nullptr);
+}
+
 // Nobody can be told to run before others; a lock is held so shortly that it is soon free.
 void LetOthersRun() {}
 
