@@ -52,7 +52,7 @@ const flagsOf = mode => FLAGS[mode[0]] | (mode.includes('+') ? O_RDWR : mode[0] 
  * @param {(address: number) => string} text
  */
 export function files(memory, text) {
-    const bytes = (address, size) => new Uint8Array(memory().buffer, address, size);
+    const bytes = (address, size) => new Uint8Array(memory().buffer, address >>> 0, size);
     const place = number => number < 0 ? null : number;
     return {
         lendsFiles: () => true,
@@ -76,7 +76,7 @@ export function files(memory, text) {
             const status = fs.statSync(text(name), {bigint: true});
             if (!status.isFile())
                 return 0;
-            new BigInt64Array(memory().buffer, address, 4).set([status.dev, status.ino, status.size, status.mtimeNs]);
+            new BigInt64Array(memory().buffer, address >>> 0, 4).set([status.dev, status.ino, status.size, status.mtimeNs]);
             return 1;
         }) > 0,
         remove: name => tried(() => (fs.unlinkSync(text(name)), 0)),

@@ -1,13 +1,16 @@
 // One run of the engine's program, in workers of its own, in browsers and under Node.
 
+import {limitWords} from './limits.js';
 import {endInput, writeInput} from './queue.js';
+
+/** @typedef {import('./limits.js').Limits} Limits */
 
 const inNode = typeof process === 'object' && Boolean(process.versions?.node);
 const MEGABYTE = 1 << 20, PAGE = 65536;
 
 // Megabytes beside the table: the program itself, and what each thread has.
 const ROOM = 24, ROOM_OF_THREAD = 3;
-const MOST_HASH = 2048;
+const MOST_HASH = 2000;  // megabytes: the allocator of the library gives no block of 2048
 
 /** @type {Record<string, Promise<WebAssembly.Module>>} */
 const modules = {};
@@ -79,32 +82,33 @@ function claimMemory(shared, megabytes) {
 
 /**
  * What a run is started with. Without `direct`, which is for programs on a command line, standard streams are the two
- * listeners and files are in memory.
- * @typedef {{shared: boolean, arguments: (limits: {mostHash: number}) => string[], files: Record<string, Uint8Array | string>, hash: number,
- *            threads: number, direct?: boolean, terminals?: boolean[], hearOutput?: (bytes: Uint8Array) => void,
+ * listeners and files are in memory. There is room for a table of `hash` megabytes and `mostThreads` threads.
+ * @typedef {{shared: boolean, arguments: string[], files: Record<string, Uint8Array | string>, hash: number,
+ *            threads: number, mostThreads: number, direct?: boolean, terminals?: boolean[], hearOutput?: (bytes: Uint8Array) => void,
  *            hearError?: (bytes: Uint8Array) => void, hearRest?: () => void}} RunOptions
  */
 
 /**
- * A run: `write` gives it bytes of its standard input, `endInput` tells that no more will come; `mostHash` is the
- * largest table, in megabytes, that its memory has room for.
- * @typedef {{write: (bytes: Uint8Array) => void, endInput: () => void, ended: Promise<number>, mostHash: number,
+ * A run: `write` gives it bytes of its standard input, `endInput` tells that no more will come.
+ * @typedef {{write: (bytes: Uint8Array) => void, endInput: () => void, ended: Promise<number>, limits: Limits,
  *            put: (name: string, contents: Uint8Array | string) => Promise<void>,
  *            get: (name: string) => Promise<Uint8Array | null>, end: () => void}} Run
  */
 
 /** @param {RunOptions} options @returns {Promise<Run>} */
 export async function startRun(options) {
-    const {shared, hash, threads} = options;
+    const {shared, hash, threads, mostThreads} = options;
     const module = await compiled(shared ? 'vrel.wasm' : 'vrel-single.wasm');
-    const room = Math.min(hash, MOST_HASH) + ROOM + ROOM_OF_THREAD * threads;
+    const room = Math.min(hash, MOST_HASH) + ROOM + ROOM_OF_THREAD * mostThreads;
     const {memory, most} = shared ? claimMemory(true, room) : {memory: undefined, most: room};
     const common = {
         module, memory, room: most * MEGABYTE / PAGE, origin: performance.timeOrigin, direct: options.direct,
         terminals: options.terminals,
     };
 
-    const mostHash = Math.max(most - ROOM - ROOM_OF_THREAD * threads, 1);
+    const limits = {Hash: Math.max(most - ROOM - ROOM_OF_THREAD * mostThreads, 1), Threads: mostThreads};
+    /** @param {string} word */
+    const complain = word => options.hearError?.(new TextEncoder().encode(word + '\n'));
 
     /** @type {Helper[]} */
     const helpers = [];
@@ -127,7 +131,7 @@ export async function startRun(options) {
         if (over)
             return;
         tellFailure(error);
-        options.hearError?.(new TextEncoder().encode(`the engine has failed: ${error?.message ?? error}\n`));
+        complain(`the engine has failed: ${error?.message ?? error}`);
         finish(1);
     };
 
@@ -226,7 +230,8 @@ export async function startRun(options) {
     };
 
     const main = await newHelper();
-    main.post({...common, start: 'main', arguments: options.arguments({mostHash}), files: options.files});
+    main.post({...common, start: 'main', arguments: limitWords(options.arguments, limits, complain),
+        files: options.files});
     if (shared)
         for (let i = 0; i < threads; ++i) {
             const helper = await newHelper();
@@ -269,7 +274,7 @@ export async function startRun(options) {
                 writeHeldBack();
         },
         ended,
-        mostHash,
+        limits,
         put: async (name, contents) => void await ask({put: name, contents}),
         get: name => ask({get: name}),
         end: () => {

@@ -156,13 +156,13 @@ export async function startSteps(options) {
         void endSearch(!pondering);
     };
 
-    console = options.arguments({mostHash: 1}).includes('-c');
+    console = options.arguments.includes('-c');
     await start();
     return {
         write: bytes => take(decoder.decode(bytes)),
         endInput: () => {},
         ended,
-        mostHash: run.mostHash,
+        limits: run.limits,
         put: (name, contents) => ask(async current => {
             files[name] = contents;
             await current.put(name, contents);

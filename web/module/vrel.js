@@ -1,5 +1,6 @@
 // The engine for programs: start it, send it lines, listen to what it says, put in and take out files, end it.
 
+import {limitLines} from './limits.js';
 import {canShare, startRun} from './run.js';
 import {startSteps} from './steps.js';
 
@@ -17,14 +18,15 @@ function makeVoice() {
     let unheard = [];
     const decoder = new TextDecoder();
     let rest = '';
+    /** @param {string} line */
+    const say = line => unheard ? void unheard.push(line) : [...listeners].forEach(listener => listener(line));
     return {
-        /** @param {string} line */
-        say: line => unheard ? void unheard.push(line) : [...listeners].forEach(listener => listener(line)),
-        /** @param {Uint8Array} bytes @param {(line: string) => void} use */
-        hear: (bytes, use) => {
+        say,
+        /** @param {Uint8Array} bytes */
+        hear: bytes => {
             const lines = (rest + decoder.decode(bytes, {stream: true})).split('\n');
             rest = /** @type {string} */ (lines.pop());
-            lines.forEach(use);
+            lines.forEach(say);
         },
         /** @param {(line: string) => void} listener */
         listen: listener => {
@@ -37,19 +39,9 @@ function makeVoice() {
     };
 }
 
-/**
- * A line as it can be met: what asks for more threads or a larger table than there can be asks for what there is, with
- * a word about it.
- * @param {string} line @param {{shared: boolean, mostHash: number}} limits @param {(word: string) => void} complain
- */
-function withinLimits(line, limits, complain) {
-    const [, start, name, value] = /^(\s*setoption\s+name\s+(Hash|Threads)\s+value\s+)(\d+)\s*$/.exec(line) ?? [];
-    const most = name === 'Hash' ? limits.mostHash : name === 'Threads' && !limits.shared ? 1 : Infinity;
-    if (!(Number(value) > most))
-        return line;
-    complain(`${name} ${value}: there is room for ${most}`);
-    return start + most;
-}
+/** How many threads this machine runs at once. */
+const processors = async () =>
+    globalThis.navigator?.hardwareConcurrency ?? (await import('node:os')).availableParallelism?.() ?? 4;
 
 /** @param {EngineOptions} [options] @returns {Promise<Engine>} */
 export async function startEngine(options = {}) {
@@ -59,21 +51,20 @@ export async function startEngine(options = {}) {
     const hash = options.hash ?? (words.length > 0 ? PROGRAM_HASH : USUAL_HASH);
     const output = makeVoice(), errors = makeVoice();
     const run = await (shared ? startRun : startSteps)({
-        shared, hash, threads, files: options.files ?? {},
-        arguments: limits => [
-            ...(options.hash !== undefined || words.length === 0 ? ['-hash', String(Math.min(hash, limits.mostHash))] : []),
+        shared, hash, threads, mostThreads: shared ? Math.max(threads, await processors()) : 1,
+        files: options.files ?? {},
+        arguments: [
+            ...(options.hash !== undefined || words.length === 0 ? ['-hash', String(hash)] : []),
             ...(threads > 1 ? ['-threads', String(threads)] : []), ...words,
         ],
-        hearOutput: bytes => output.hear(bytes, output.say),
-        hearError: bytes => errors.hear(bytes, errors.say),
+        hearOutput: bytes => output.hear(bytes),
+        hearError: bytes => errors.hear(bytes),
     });
-    if (run.mostHash < hash)
-        errors.say(`Hash ${hash}: there is room for ${run.mostHash}`);
     const encoder = new TextEncoder();
     return {
         shared,
         ended: run.ended,
-        send: line => run.write(encoder.encode(withinLimits(line, {shared, mostHash: run.mostHash}, errors.say) + '\n')),
+        send: line => run.write(encoder.encode(limitLines(line, run.limits, errors.say) + '\n')),
         listen: output.listen,
         listenToErrors: errors.listen,
         writeFile: run.put,

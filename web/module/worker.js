@@ -28,12 +28,15 @@ let over = false;
 /** Hears of a thread that has been made. @param {any} thread */
 let hearThread = thread => tell({thread});
 
+// Addresses come as signed numbers.
 /** @param {number} address @param {number} size */
-const bytesAt = (address, size) => new Uint8Array(memory.buffer, address, size);
+const bytesAt = (address, size) => new Uint8Array(memory.buffer, address >>> 0, size);
+/** @param {number} address @param {number} [count] */
+const wordsAt = (address, count = 1) => new Uint32Array(memory.buffer, address >>> 0, count);
 
 /** A text that ends with a zero. @param {number} address */
 function textAt(address) {
-    const bytes = new Uint8Array(memory.buffer, address);
+    const bytes = new Uint8Array(memory.buffer, address >>> 0);
     return new TextDecoder().decode(bytes.slice(0, bytes.indexOf(0)));
 }
 
@@ -114,7 +117,7 @@ function libraryOf(start) {
         emscripten_check_blocking_allowed: refuse,
         emscripten_resize_heap: size => {
             try {
-                memory.grow(Math.ceil((size - memory.buffer.byteLength) / 65536));
+                memory.grow(Math.ceil(((size >>> 0) - memory.buffer.byteLength) / 65536));
                 return 1;
             } catch {
                 return 0;
@@ -133,7 +136,7 @@ function libraryOf(start) {
         // Only standard error is written in this way.
         fd_write: (stream, pieces, count, written) => {
             let total = 0;
-            const table = new Uint32Array(memory.buffer, pieces, 2 * count);
+            const table = wordsAt(pieces, 2 * count);
             for (let i = 0; i < 2 * count; i += 2) {
                 const bytes = bytesAt(table[i], table[i + 1]);
                 if (start.direct)
@@ -142,11 +145,11 @@ function libraryOf(start) {
                     tell({error: bytes.slice()});
                 total += bytes.length;
             }
-            new Uint32Array(memory.buffer, written, 1)[0] = total;
+            wordsAt(written)[0] = total;
             return 0;
         },
         environ_sizes_get: (count, size) => {
-            new Uint32Array(memory.buffer, count, 1)[0] = new Uint32Array(memory.buffer, size, 1)[0] = 0;
+            wordsAt(count)[0] = wordsAt(size)[0] = 0;
             return 0;
         },
     };
@@ -170,6 +173,7 @@ function live(part) {
     let status = 0;
     try {
         status = part();
+        engine.flush();
     } catch (reason) {
         if (reason === LEFT) {
             engine.stackRestore(stack);
@@ -210,7 +214,7 @@ function beMain(start) {
         putFile(name, contents);
     const words = ['vrel', ...start.arguments].map(place);
     const table = engine.reserve(4 * words.length + 4);
-    new Uint32Array(memory.buffer, table, words.length + 1).set([...words, 0]);
+    wordsAt(table, words.length + 1).set([...words, 0]);
     tell({input: queue.address, clerk: threadForClerk()});
     live(() => engine.main(words.length, table));
     if (!over)

@@ -287,6 +287,9 @@ void FileLock::Release() {
     file_ = NO_FILE;
 }
 
+// What the program leaves open at its end is written out, as exit does elsewhere.
+extern "C" VREL_FOR_HOST(flush) void Flush() { std::fflush(nullptr); }
+
 // For the host: space for a text of so many bytes, to be given back by `discard`.
 extern "C" VREL_FOR_HOST(reserve) char* Reserve(size_t size) { return static_cast<char*>(std::malloc(size + 1)); }
 extern "C" VREL_FOR_HOST(discard) void Discard(char* space) { std::free(space); }
