@@ -5,6 +5,7 @@
 #include "board/legality.h"
 #include "eval/personality.h"
 #include "platform/standard_input.h"
+#include "platform/threads.h"
 #include "search/search.h"
 #include "search/search_report.h"
 #include "search/thread_pool.h"
@@ -163,14 +164,16 @@ void InitSearch(SearchState state) {
 void SearchHere() { SearchIterations(1); }
 
 void SearchOnWorkers() {
-    StartWorkers();
-    while (!WorkersIdle()) {
+    const auto turn = [] {
         PollSearch();
         // The end of the program is asked for while a tool is at work; its search has to end first.
         if (PBlock.quit)
             StopSearch(STOP_COMMAND);
         SleepUntilWoken(TOOL_TURN, false);
-    }
+        return !WorkersIdle();
+    };
+    StartWorkers();
+    RunTurns(turn, [] { return 0; });
     PollSearch();  // a question that waits for idle workers is answered
 }
 

@@ -88,7 +88,7 @@ OptionChange ReadOptionLine(const char* rest) {
         return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
     }
     const char* name_end = std::max(value, name_text);
-    return {FindOption(Trimmed({name_text, name_end})), GetWord(value + 5)};
+    return {FindOption(Trimmed(std::string(name_text, name_end))), GetWord(value + 5)};
 }
 
 // An unknown option is passed over in silence: interfaces try what other engines have.
