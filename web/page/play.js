@@ -102,6 +102,7 @@ export function createPlay(host, app) {
     if (trouble) return trouble;
     if (!live()) return game.ply ? `After ${game.numberText(game.ply)} ${game.moves[game.ply - 1].text}` : 'Start';
     if (over()) return endOf(match, position).text;
+    if (!known()) return 'One moment';
     if (turn() === match.side) return position.check ? 'Check. Your move' : 'Your move';
     return `Vrel is thinking${thinking ? `, depth ${thinking}` : ''}`;
   }
