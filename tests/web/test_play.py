@@ -116,6 +116,7 @@ class Play(unittest.TestCase):
         fen = self.browser.value("document.querySelector('.setup [name=fen]').value")
         self.assertEqual(fen, "7k/8/8/8/8/2R5/8/KR6 w - - 0 1")
         self.browser.click(".setup .row .main")
+        self.browser.wait("!document.querySelector('.setup')")
         self.browser.click(".newgame .row .main")
         self.browser.wait("document.querySelectorAll('.moves button').length === 1")
         self.state("Your move")
