@@ -247,14 +247,40 @@ class WithoutSharedMemory(Play):
     host = {"shared": False, "missing": ("sw.js",)}
 
 
-class Single(unittest.TestCase):
+REFUSE = """
+    const Memory = WebAssembly.Memory;
+    WebAssembly.Memory = function (wish) {
+        if (wish.shared) throw new RangeError('out of memory');
+        return new Memory(wish);
+    };"""
+
+
+class Trouble(unittest.TestCase):
+    def setUp(self):
+        self.window = browser.Browser()
+        self.addCleanup(self.window.close)
+
+    def open(self, **host):
+        site = webhost.Site(**host)
+        self.addCleanup(site.close)
+        self.window.open(site.address)
+
     def test_opened_from_a_file_the_page_says_what_is_missing(self):
-        window = browser.Browser()
-        try:
-            window.open(os.path.join(webhost.FOLDER, "index.html"))
-            self.assertIn("opened from a file", window.wait("document.querySelector('#waiting').textContent"))
-        finally:
-            window.close()
+        self.window.open(os.path.join(webhost.FOLDER, "index.html"))
+        self.assertIn("opened from a file", self.window.wait("document.querySelector('#waiting').textContent"))
+
+    def test_where_shared_memory_is_refused_the_game_goes_on_without_it(self):
+        self.window.command("Page.addScriptToEvaluateOnNewDocument", source=REFUSE)
+        self.open()
+        self.window.wait("document.querySelector('.movable')")
+        self.window.drag(square("e2"), square("e4"))
+        self.window.wait("document.querySelectorAll('.moves button').length === 2")
+        self.assertIn("no shared memory", self.window.texts("#notices")[0])
+
+    def test_without_an_engine_the_page_says_so_and_keeps_the_board(self):
+        self.open(missing=("module/vrel.wasm", "module/vrel-single.wasm"))
+        self.window.wait("document.querySelector('.state').textContent.startsWith('The engine can’t go on')")
+        self.assertEqual(self.window.value("document.querySelectorAll('.piece').length"), 32)
 
 
 if __name__ == "__main__":
