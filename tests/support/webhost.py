@@ -15,8 +15,8 @@ class Handler(http.server.SimpleHTTPRequestHandler):
     extensions_map = {**http.server.SimpleHTTPRequestHandler.extensions_map, ".js": "text/javascript",
                       ".wasm": "application/wasm"}
 
-    def __init__(self, *arguments, headers, missing):
-        self.more, self.missing = headers, missing
+    def __init__(self, *arguments, headers, missing, place):
+        self.more, self.missing, self.place = headers, missing, place
         super().__init__(*arguments, directory=FOLDER)
 
     def end_headers(self):
@@ -25,23 +25,31 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         super().end_headers()
 
     def do_GET(self):
-        if self.path.lstrip("/").split("?")[0] in self.missing:
+        name = self.path.split("?")[0].removeprefix(self.place)
+        if name == self.path.split("?")[0] or name in self.missing:
             self.send_error(404)
-        else:
-            super().do_GET()
+            return
+        self.path = "/" + name
+        super().do_GET()
 
     def log_message(self, *_):
         pass
 
 
 class Site:
-    """`shared`: with the headers that shared memory needs; `missing`: files that the host doesn't have."""
+    """`shared`: with the headers that shared memory needs; `missing`: files that the host doesn't have; `place`: where
+    it has the others."""
 
-    def __init__(self, shared=True, missing=()):
-        handler = functools.partial(Handler, headers=ISOLATION if shared else {}, missing=missing)
+    def __init__(self, shared=True, missing=(), place="/"):
+        handler = functools.partial(Handler, headers=ISOLATION if shared else {}, missing=missing, place=place)
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
-        self.address = f"http://127.0.0.1:{self.server.server_port}/"
+        self.address = f"http://127.0.0.1:{self.server.server_port}{place}"
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
+
+    def stop(self):
+        """No more answers, as without a network."""
+        self.server.shutdown()
+        self.server.socket.close()
 
     def close(self):
         self.server.shutdown()

@@ -1,5 +1,6 @@
 // The page: its modes, what they share, and what is said when something can't be had.
 import {make} from './board.js';
+import {prepare} from './offline.js';
 import {createPlay} from './play.js';
 import {createRules} from './rules.js';
 import {setUpPosition} from './setup.js';
@@ -74,8 +75,11 @@ async function startEngine(options = {}) {
   });
 }
 
+// A page that is about to be loaded once more starts no engine.
+const staying = (single ? Promise.resolve(false) : prepare()).then(leaves => leaves ? new Promise(() => {}) : undefined);
+
 function startRules() {
-  const rules = createRules(startEngine);
+  const rules = staying.then(() => createRules(startEngine));
   rules.catch(error => tell(`The engine can’t be started: ${error.message || error}. Reloading the page may help.`));
   return rules;
 }
