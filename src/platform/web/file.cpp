@@ -92,10 +92,9 @@ ssize_t WriteMemory(Source* source, const char* data, size_t size) {
 
 ssize_t ReadSource(void* cookie, char* data, size_t size) {
     auto* source = static_cast<Source*>(cookie);
-    const ssize_t count =
-        source->contents != nullptr
-            ? ReadMemory(source, data, size)
-            : Told(HostReadAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
+    const ssize_t count = source->contents != nullptr
+                              ? ReadMemory(source, data, size)
+                              : Told(HostReadAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
     source->place += std::max<ssize_t>(count, 0);
     return count;
 }
@@ -104,10 +103,9 @@ ssize_t WriteSource(void* cookie, const char* data, size_t size) {
     auto* source = static_cast<Source*>(cookie);
     if (source->appends)
         source->place = std::max<int64_t>(SizeOf(*source), 0);
-    const ssize_t count =
-        source->contents != nullptr
-            ? WriteMemory(source, data, size)
-            : Told(HostWriteAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
+    const ssize_t count = source->contents != nullptr
+                              ? WriteMemory(source, data, size)
+                              : Told(HostWriteAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
     source->place += std::max<ssize_t>(count, 0);
     return count;
 }
