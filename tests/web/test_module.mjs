@@ -142,7 +142,9 @@ test('the program ends with its input, and when nobody reads', async () => {
 });
 
 test('the example of the package runs', async () => {
-    const [, example] = /```js\n([^]*?)```/.exec(readFileSync(new URL('web/module/README.md', root), 'utf8'));
+    const [example, same] = ['README.md', 'web/module/README.md'].map(
+        name => /```js\n([^]*?)```/.exec(readFileSync(new URL(name, root), 'utf8'))[1]);
+    assert.equal(example, same);
     const file = join(mkdtempSync(join(tmpdir(), 'vrel-')), 'example.mjs');
     writeFileSync(file, example.replace("'vrel'", JSON.stringify(new URL('build/web/package/vrel.js', root).href)));
     const {stdout} = await promisify(execFile)('node', [file]);
