@@ -10,6 +10,7 @@ import {promisify} from 'node:util';
 
 const root = new URL('../../', import.meta.url);
 const {startEngine} = await import(new URL('build/web/package/vrel.js', root));
+const HANG = 120000;  // milliseconds: longer than anything takes
 const cli = new URL('build/web/package/cli.js', root).pathname;
 
 /** The next line that looks so. */
@@ -31,7 +32,7 @@ const answer = (engine, lines, pattern) => {
 
 const onEach = (name, run) => {
     for (const shared of [true, false])
-        test(`${name}, ${shared ? 'with' : 'without'} shared memory`, async () => {
+        test(`${name}, ${shared ? 'with' : 'without'} shared memory`, {timeout: HANG}, async () => {
             const engines = [];
             const start = async options => {
                 engines.push(await startEngine({shared, ...options}));
@@ -120,14 +121,14 @@ onEach('bad input of any kind, and an end at once', async start => {
     await engine.ended;
 });
 
-test('the program works with the files of its folder', async () => {
+test('the program works with the files of its folder', {timeout: HANG}, async () => {
     const folder = mkdtempSync(join(tmpdir(), 'vrel-'));
     writeFileSync(join(folder, 'in.epd'), '4k3/8/8/8/8/8/4P3/4K3 w - - bm e8e1; id "none";\n');
     await promisify(execFile)('node', [cli, '-anepd', 'in.epd', '-d', '2'], {cwd: folder});
     assert.match(readFileSync(join(folder, 'unsolved.epd'), 'utf8'), /id "none"/);
 });
 
-test('the program ends with its input, and when nobody reads', async () => {
+test('the program ends with its input, and when nobody reads', {timeout: HANG}, async () => {
     const status = program => new Promise(resolve => program.on('exit', resolve));
     const first = spawn('node', [cli, '-nolog']);
     first.stdin.end('go depth 5');
@@ -141,7 +142,7 @@ test('the program ends with its input, and when nobody reads', async () => {
     assert.equal(await status(second), 0);
 });
 
-test('the example of the package runs', async () => {
+test('the example of the package runs', {timeout: HANG}, async () => {
     const [example, same] = ['README.md', 'web/module/README.md'].map(
         name => /```js\n([^]*?)```/.exec(readFileSync(new URL(name, root), 'utf8'))[1]);
     assert.equal(example, same);
