@@ -204,10 +204,9 @@ export function createPlay(host, app) {
   function limits(times) {
     const {way, seconds, depth, increment} = match.strength;
     if (way === 'depth') return `depth ${depth}`;
-    // A depth given before would stay, so it is lifted by the greatest.
-    if (way === 'time') return `depth 66 movetime ${Math.round(seconds * 1000)}`;
+    if (way === 'time') return `movetime ${Math.round(seconds * 1000)}`;
     const [white, black] = [times.w, times.b].map(time => Math.max(1, Math.round(time)));
-    return `depth 66 wtime ${white} btime ${black} winc ${increment * 1000} binc ${increment * 1000}`;
+    return `wtime ${white} btime ${black} winc ${increment * 1000} binc ${increment * 1000}`;
   }
 
   async function think() {
@@ -277,14 +276,14 @@ export function createPlay(host, app) {
   }
 
   function begin({side, strength, start}) {
-    opponent.abandon();
+    // A limit of depth would stay with the engine.
+    opponent.end();
     game.setPosition(start || START_FEN);
     match = newMatch(side, strength);
     game.setTag(side === 'w' ? 'Black' : 'White', 'Vrel');
     trouble = '';
     setClocks();
     position = shownPly();
-    opponent.newGame();
     app.announce(`New game. You play ${side === 'w' ? 'white' : 'black'}.`);
     settle();
   }
