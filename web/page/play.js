@@ -6,7 +6,7 @@ import {createGame} from './game.js';
 import {endOf, newMatch, OTHER, soundMatch} from './match.js';
 import {askForGame, strengthText} from './newgame.js';
 import {createOpponent} from './opponent.js';
-import {boardOf, START_FEN} from './rules.js';
+import {positionShown, START_FEN} from './rules.js';
 import {createClaim} from './tabs.js';
 import {clockText, movesTyped, spoken} from './words.js';
 
@@ -14,12 +14,6 @@ import {clockText, movesTyped, spoken} from './words.js';
 /** @typedef {import('./rules.js').Position} Position */
 
 const KEY = 'play';
-
-/** A position known by its FEN alone: what can be shown before the rules have been asked. @returns {Position} */
-function positionShown(fen, text = '') {
-  const whiteToMove = fen.split(' ')[1] !== 'b';
-  return {fen, board: boardOf(fen), whiteToMove, check: /[+#]/.test(text), state: 'play', moves: []};
-}
 
 /**
  * @param {HTMLElement} host
