@@ -194,7 +194,7 @@ export function createAnalyse(host, app) {
   }
 
   function showClaim() {
-    if (claim.held()) return;
+    if (!claim.lost()) return;
     app.tell('The analysis is open in another tab, too; what is done here isn’t kept.');
   }
 
@@ -451,8 +451,7 @@ export function createAnalyse(host, app) {
       for (const [each, text] of upTo(most)) make(threads, 'option', text, {value: each});
       settings = soundSettings(settings, app.shared);
       threads.value = String(settings.threads);
-      await claim.ask();
-      showClaim();
+      claim.ask();
       if (!restored) await restore();
       restored = true;
       if (what) {

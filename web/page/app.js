@@ -79,7 +79,8 @@ async function startEngine(options = {}) {
 const staying = (single ? Promise.resolve(false) : prepare()).then(leaves => leaves ? new Promise(() => {}) : undefined);
 
 function startRules() {
-  const rules = staying.then(() => createRules(startEngine));
+  // One build serves the rules and the games, so that a visit loads no more than that.
+  const rules = staying.then(() => createRules(options => startEngine({...options, shared: app.shared})));
   rules.catch(error => tell(`The engine can’t be started: ${error.message || error}. Reloading the page may help.`));
   return rules;
 }

@@ -1,6 +1,6 @@
 // Keeps the page for use without a network, and answers with the headers that shared memory needs, which hosts that
 // send nothing but files can't give. The build fills in the files and a sum of their contents, so that a changed site
-// is fetched anew as a whole.
+// is fetched anew as a whole. A file that few need is kept once it has been asked for.
 const VERSION = '{{VERSION}}';
 const FILES = '{{FILES}}'.split(' ');
 const OURS = `vrel ${self.registration.scope} `;
@@ -21,7 +21,11 @@ async function takeOver() {
 /** @param {Request} request */
 async function answer(request) {
   const cache = await caches.open(CACHE);
-  const response = await cache.match(request, {ignoreSearch: true}) || await fetch(request);
+  let response = await cache.match(request, {ignoreSearch: true});
+  if (!response) {
+    response = await fetch(request);
+    if (response.ok && request.url.startsWith(self.registration.scope)) await cache.put(request, response.clone());
+  }
   if (response.type === 'opaque' || response.type === 'error') return response;
   const headers = new Headers(response.headers);
   for (const [name, value] of Object.entries(ISOLATION)) headers.set(name, value);
