@@ -169,6 +169,13 @@ export function createGame() {
     /** "White - Black", or nothing if nobody is named. */
     title: () => game.tags.White || game.tags.Black ? `${game.tags.White || '?'} – ${game.tags.Black || '?'}` : '',
 
+    /** The moves up to a ply, each with its score, as the rules read a line. */
+    scoredMoves: (ply = game.moves.length) => game.moves.slice(0, ply).map((move, i) =>
+      game.scores[i] ? `${move.uci} ${commentOf(game.scores[i], game.whiteToMove(i))}` : move.uci),
+
+    /** What the tags say of the end. */
+    result: () => /^(1-0|0-1|1\/2-1\/2)$/.test(game.tags.Result || '') ? game.tags.Result : '*',
+
     /**
      * The game as PGN, each move with the score that the engine gives the position in which it is made, as its mover
      * sees it: "{+0.35/12}", as the engine's own reader and scanner take it.
@@ -181,7 +188,7 @@ export function createGame() {
         delete tags.SetUp;
       }
       const others = Object.keys(tags).filter(name => !SEVEN.includes(name));
-      const result = /^(1-0|0-1|1\/2-1\/2)$/.test(tags.Result || '') ? tags.Result : '*';
+      const result = game.result();
       const value = (/** @type {string} */ name) =>
         name === 'Result' ? result : tags[name] || (name === 'Date' ? '????.??.??' : '?');
       const head = [...SEVEN, ...others].map(name =>

@@ -47,6 +47,7 @@ export const START_FEN = 'rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0
 const NO_KINGS = 'A position has one king of each colour.';
 const NO_FEN = 'That is no position in FEN.';
 const GAMES_FILE = 'games.pgn';
+const LINE_FILE = 'line.pgn';
 const MOST_PLIES = 10000;  // of a game whose moves are told to the engine in one line
 const IN_CHECK = -10000;
 
@@ -85,6 +86,14 @@ export function readFen(text) {
   return {fen: [board, side, possible(castling, boardOf(board)), passant].join(' '), halfmove: counter(halfmove, 0),
           fullmove: counter(fullmove, 1), trouble: ''};
 }
+
+/**
+ * What can be shown of a position before the rules have been asked. @param {string} fen
+ * @param {string} text of the move that has led there
+ * @returns {Position}
+ */
+export const positionShown = (fen, text = '') =>
+  ({fen, board: boardOf(fen), whiteToMove: fen.split(' ')[1] !== 'b', check: /[+#]/.test(text), state: 'play', moves: []});
 
 /**
  * Bytes of a file as what the engine's reader takes: UTF-8. Files from older programs are in another encoding.
@@ -180,9 +189,12 @@ export async function createRules(start) {
   /** @type {Promise<unknown>} */
   let last = Promise.resolve();
 
-  /** Sends lines, and gets what is answered up to the line that ends the last answer. @param {string[]} lines @param {string} end */
-  function ask(lines, end) {
-    const answer = last.then(() => new Promise((resolve, reject) => {
+  /**
+   * Sends lines, and gets what is answered up to the line that ends the last answer.
+   * @param {string[]} lines @param {string} end @param {() => Promise<void>} before what goes in front
+   */
+  function ask(lines, end, before = async () => {}) {
+    const answer = last.then(before).then(() => new Promise((resolve, reject) => {
       if (over) return reject(new Error('the engine has ended'));
       /** @type {string[]} */
       const heard = [];
@@ -237,8 +249,8 @@ export async function createRules(start) {
      * @returns {Promise<GameHead[]>}
      */
     async readGames(contents) {
-      await engine.writeFile(GAMES_FILE, typeof contents === 'string' ? contents : inUtf8(contents));
-      const lines = await ask([`games ${GAMES_FILE}`], 'games end');
+      const lines = await ask([`games ${GAMES_FILE}`], 'games end', () =>
+        engine.writeFile(GAMES_FILE, typeof contents === 'string' ? contents : inUtf8(contents)));
       return lines.filter(line => line.startsWith('game ')).map(line => {
         const [, number, plies, tags] = /** @type {RegExpExecArray} */ (/^game (\d+) (\d+) ?(.*)$/s.exec(line));
         return {number: Number(number), plies: Number(plies), tags: readTags(tags.split('\t'))};
@@ -252,6 +264,17 @@ export async function createRules(start) {
      */
     async game(number) {
       return readGame(await ask([`games ${GAMES_FILE} ${number}`], 'game end'));
+    },
+
+    /**
+     * A line of moves from a position, as a game without tags. A move may be in any form, with a score behind it as PGN
+     * has it: "e2e4 {+0.35/12}". It ends with the first move that is none.
+     * @param {string} startFen @param {string[]} moves @param {string} result on which doubtful moves depend
+     * @returns {Promise<ReadGame>}
+     */
+    async line(startFen, moves, result = '*') {
+      const text = `[FEN "${startFen}"]\n[Result "${result}"]\n\n${moves.join('\n')}\n`;
+      return readGame(await ask([`games ${LINE_FILE} 1`], 'game end', () => engine.writeFile(LINE_FILE, text)));
     },
 
     /**
