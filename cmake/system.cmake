@@ -11,8 +11,9 @@ elseif(EMSCRIPTEN)
     set(VREL_PROCESSOR_OPTIONS -msimd128 -msse2 -mbulk-memory -mnontrapping-fptoint -msign-ext)
     add_compile_options(-include ${CMAKE_SOURCE_DIR}/src/platform/web/library.h)
     # A file of code alone, which a script of the engine's own starts and serves. Memory comes from there as well.
-    add_link_options(--oformat=bare -O2 -sTOTAL_STACK=1MB -sINITIAL_MEMORY=8MB -sMAXIMUM_MEMORY=4GB -sALLOW_MEMORY_GROWTH
-                     -sERROR_ON_UNDEFINED_SYMBOLS=0 -sIMPORTED_MEMORY -sFILESYSTEM=0)
+    add_link_options(--oformat=bare -Wno-experimental -Wno-pthreads-mem-growth -O2 -sERROR_ON_UNDEFINED_SYMBOLS=0
+                     -sFILESYSTEM=0 -sIMPORTED_MEMORY -sALLOW_MEMORY_GROWTH -sINITIAL_MEMORY=8MB -sMAXIMUM_MEMORY=4GB
+                     -sTOTAL_STACK=1MB)
     set(CMAKE_EXECUTABLE_SUFFIX .wasm)
     if(NOT VREL_ONE_THREAD)
         add_compile_options(-pthread)

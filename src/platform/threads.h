@@ -21,8 +21,8 @@ struct Worker {
 // Starts a worker, whose record has to last as long as he does: 0, or the error code of the start.
 int StartWorker(const Worker* worker);
 
-// Runs the main thread: calls turn() until that is false, then end(), whose result is returned. What is left to do comes
-// as a function of its own, since not on every system does the caller's frame last through a sleep.
+// Runs the main thread: calls turn() until that is false, then end(), whose result is returned. What is left to do
+// comes as a function of its own, since not on every system does the caller's frame last through a sleep.
 int RunTurns(bool (*turn)(), int (*end)());
 
 // Where there are no threads, workers work while the main thread sleeps, and call this so that it has turns meanwhile.

@@ -262,8 +262,12 @@ void StoreInTTable(Position* pos, Ply ply, Depth depth, int score, BoundType typ
 }
 
 void PrefetchTTable(uint64_t key, Side stm) {
-    if (slots)
-        __builtin_prefetch(Bucket(key, stm));
+    if (!slots)
+        return;
+    // Most buckets lie across two lines.
+    const TTEntry* bucket = Bucket(key, stm);
+    __builtin_prefetch(bucket);
+    __builtin_prefetch(bucket + BUCKET - 1);
 }
 
 // Other scores than mates are the same at every ply.

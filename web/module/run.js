@@ -53,7 +53,7 @@ async function startHelper(receive, fail) {
     const worker = new Worker(url, {type: 'module'});
     const helper = {post: message => worker.postMessage(message), end: () => worker.terminate(), hold: () => {}};
     worker.onmessage = event => receive(event.data, helper);
-    worker.onerror = event => fail(event.message || event);
+    worker.onerror = event => fail(new Error(event.message || 'its worker can’t be loaded'));
     return helper;
 }
 

@@ -7,6 +7,8 @@ import {startRun} from './run.js';
 /** @typedef {import('./run.js').Run} Run */
 /** @typedef {import('./run.js').RunOptions} RunOptions */
 
+const PATIENCE = 100;  // milliseconds
+
 // Lines that end a search.
 const ENDING = /^\s*(stop|quit|go|ponderhit|ucinewgame|setoption\s+name\s+(Hash|Threads|Clear Hash))\b/;
 
@@ -29,7 +31,7 @@ export async function startSteps(options) {
     let muted = false, over = false;
     let heard = '', best = '';
     /** @type {Run} */
-    let run;
+    let run = /** @type {any} */ (null);
     /** @type {(status: number) => void} */
     let tellEnd = () => {};
     const ended = new Promise(resolve => { tellEnd = resolve; });
@@ -43,11 +45,12 @@ export async function startSteps(options) {
         heard = /** @type {string} */ (lines.pop());
         for (const line of lines) {
             const [, move, ponder] = /^info .*\bpv (\S+)(?: (\S+))?/.exec(line) ?? [];
-            if (move)
+            if (move && isSearch())
                 best = `bestmove ${move}${ponder ? ` ponder ${ponder}` : ''}`;
             if (line.startsWith('bestmove'))
                 busy = 'coming to rest';
         }
+        lookBehind();
     };
     /** How many answers the present worker owes: one for its start, one for each line. @type {{owed: number}} */
     let worker = {owed: 0};
@@ -108,6 +111,7 @@ export async function startSteps(options) {
             remember(task);
             ++worker.owed;
             give(task);
+            lookBehind();
         } else {
             busy = 'files';
             void task(run).finally(rest);
@@ -129,31 +133,46 @@ export async function startSteps(options) {
         next();
     };
 
+    const isSearch = () => !console && /^\s*go\b/.test(busy);
+
+    /** Ends the search under way if a line that waits wants it. Its first line is waited for, but not for long. */
+    const lookBehind = (patient = true) => {
+        const place = queue.findIndex(task => typeof task === 'string' && ENDING.test(task));
+        if (!isSearch() || muted || over || place < 0)
+            return;
+        const word = /^\s*(\S+)/.exec(String(queue[place]))?.[1];
+        if (word === 'quit') {
+            end();
+        } else if (word === 'ponderhit') {
+            queue.splice(place, 1);
+            if (!/\bponder\b/.test(busy))
+                return;
+            queue.unshift(busy.replace(/\bponder\b/, ''));
+            void endSearch(false);
+        } else if (patient && !best) {
+            const line = busy;
+            setTimeout(() => busy === line && lookBehind(false), PATIENCE);
+        } else {
+            if (word === 'stop')
+                queue.splice(place, 1);
+            void endSearch(true);
+        }
+    };
+    const end = () => {
+        worker = {owed: 0};
+        run.end();
+        finish(0);
+    };
+
     /** @param {string} line with its end */
     const take = line => {
-        const searching = !console && /^\s*go\b/.test(busy);
         if (/^\s*uci\s*$/.test(line))
             console = false;
-        if (!searching || !ENDING.test(line)) {
-            queue.push(line);
+        queue.push(line);
+        if (busy)
+            lookBehind();
+        else
             next();
-            return;
-        }
-        const word = /^\s*(\S+)/.exec(line)?.[1];
-        if (word === 'quit') {
-            worker = {owed: 0};
-            run.end();
-            finish(0);
-            return;
-        }
-        const pondering = word === 'ponderhit' && /\bponder\b/.test(busy);
-        if (word === 'ponderhit' && !pondering)
-            return;
-        if (pondering)
-            queue.unshift(busy.replace(/\bponder\b/, ''));
-        else if (word !== 'stop')
-            queue.push(line);
-        void endSearch(!pondering);
     };
 
     console = options.arguments.includes('-c');
@@ -168,10 +187,7 @@ export async function startSteps(options) {
             await current.put(name, contents);
         }),
         get: name => ask(current => current.get(name)),
-        end: () => {
-            run.end();
-            finish(0);
-        },
+        end,
     };
 
     /** @param {(run: Run) => Promise<any>} question */

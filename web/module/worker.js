@@ -4,11 +4,12 @@
 import {endInput, nextPiece, writeInput} from './queue.js';
 
 const inNode = typeof process === 'object' && Boolean(process.versions?.node);
+/** @type {any} */
 const node = inNode ? await import('./node.js') : null;
 const port = node ? node.port : self;
 
-/** @param {any} message @param {Transferable[]} [transfer] */
-const tell = (message, transfer = []) => port.postMessage(message, transfer);
+/** @param {any} message */
+const tell = message => port.postMessage(message);
 
 class Ended {
     /** @param {number} status */

@@ -92,24 +92,32 @@ ssize_t WriteMemory(Source* source, const char* data, size_t size) {
 
 ssize_t ReadSource(void* cookie, char* data, size_t size) {
     auto* source = static_cast<Source*>(cookie);
-    const ssize_t count =
-        source->contents != nullptr
-            ? ReadMemory(source, data, size)
-            : Told(HostReadAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
+    const ssize_t count = source->contents != nullptr
+                              ? ReadMemory(source, data, size)
+                              : Told(HostReadAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
     source->place += std::max<ssize_t>(count, 0);
     return count;
 }
 
+ssize_t WriteOnce(Source* source, const char* data, size_t size) {
+    const ssize_t count = source->contents != nullptr
+                              ? WriteMemory(source, data, size)
+                              : Told(HostWriteAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
+    source->place += std::max<ssize_t>(count, 0);
+    return count;
+}
+
+// The library takes a short count for what it is only where the bytes are the caller's: of its buffer all is written.
 ssize_t WriteSource(void* cookie, const char* data, size_t size) {
     auto* source = static_cast<Source*>(cookie);
     if (source->appends)
         source->place = std::max<int64_t>(SizeOf(*source), 0);
-    const ssize_t count =
-        source->contents != nullptr
-            ? WriteMemory(source, data, size)
-            : Told(HostWriteAt(source->number, data, static_cast<int>(size), HostPlace(*source)));
-    source->place += std::max<ssize_t>(count, 0);
-    return count;
+    size_t done = 0;
+    ssize_t count = 1;
+    while (done < size && (count = WriteOnce(source, data + done, size - done)) > 0)
+        done += static_cast<size_t>(count);
+    const bool of_buffer = data >= source->buffer.data() && data < source->buffer.data() + BUFFER;
+    return done < size && (done == 0 || of_buffer) ? -1 : static_cast<ssize_t>(done);
 }
 
 int SeekSource(void* cookie, off_t* offset, int from) {

@@ -3,8 +3,13 @@
 #include <cstdint>
 
 // What the script that runs the engine does for it. It calls in turn what the sources of this folder export.
+#ifdef __wasm__
 #define VREL_FROM_HOST(name) __attribute__((import_module("host"), import_name(#name)))
 #define VREL_FOR_HOST(name) __attribute__((export_name(#name)))
+#else
+#define VREL_FROM_HOST(name)
+#define VREL_FOR_HOST(name)
+#endif
 
 namespace vrel {
 

@@ -27,7 +27,9 @@ Input input;
 
 int wakes_seen = 0;  // by the main thread
 
-unsigned Waiting() { return input.written.load(std::memory_order_acquire) - input.taken.load(std::memory_order_relaxed); }
+unsigned Waiting() {
+    return input.written.load(std::memory_order_acquire) - input.taken.load(std::memory_order_relaxed);
+}
 
 // The end is written behind the last byte.
 bool IsOver() { return input.ended.load(std::memory_order_acquire) != 0 && Waiting() == 0; }
