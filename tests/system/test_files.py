@@ -281,6 +281,7 @@ class Surroundings(unittest.TestCase):
             self.assertEqual(lines, ["can't open player2.par"])
             self.assertFalse(os.path.exists(os.path.join(folder, "out.pgn")))
 
+    @unittest.skipIf(ON_NODE, "nobody can mark a file")
     def test_the_log_belongs_to_the_first_of_several_programs(self):
         with tempfile.TemporaryDirectory() as folder:
             first = Program(folder=folder)

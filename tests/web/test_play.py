@@ -44,8 +44,8 @@ class Play(unittest.TestCase):
         self.browser.open(self.site.address + "icon.svg")
         self.browser.value(f"localStorage.setItem('vrel.play', {json.dumps(text)})")
 
-    def begin(self, start=START, strength=None, moves=(), left=300000, **look):
-        times = {"w": left, "b": 300000}
+    def begin(self, start=START, strength=None, moves=(), left=20000, **look):
+        times = {"w": left, "b": 20000}
         game = {"fen": start, "ply": len(moves), "tags": {}, "scores": [], "doubtful": [],
                 "moves": [dict(zip(("uci", "text", "fen"), move)) for move in moves]}
         self.keep(json.dumps({"side": "w", "strength": {**STRENGTH, **(strength or {})}, "now": times,
@@ -194,6 +194,15 @@ class Play(unittest.TestCase):
         self.state("Your time is up: a draw, a lone king can’t mate")
         self.by_drag("a4a6")
         self.assertEqual(len(self.moves()), 2)
+
+    def test_the_engine_plays_by_its_clock(self):
+        for strength in [{"way": "clock", "minutes": 0.5}, {"way": "time", "seconds": 0.5}]:
+            with self.subTest(strength):
+                self.begin(strength=strength)
+                self.state("Your move")
+                self.by_typing("e4")
+                self.state("Your move")
+                self.assertEqual(len(self.moves()), 2)
 
     def test_a_draw_is_told(self):
         self.begin("7k/8/6K1/8/8/8/8/5Q2 w - - 0 1")

@@ -100,12 +100,6 @@ export function createOpponent(app) {
       })();
     },
 
-    /** Forgets what was played before. */
-    async newGame() {
-      await quiet;
-      engine?.send('ucinewgame');
-    },
-
     /** Ends the engine and gives its memory back; the next question starts another one. */
     end() {
       ++question;

@@ -6,7 +6,7 @@ import {createGame} from './game.js';
 import {endOf, newMatch, OTHER, soundMatch} from './match.js';
 import {askForGame, strengthText} from './newgame.js';
 import {createOpponent} from './opponent.js';
-import {boardOf, START_FEN} from './rules.js';
+import {positionShown, START_FEN} from './rules.js';
 import {createClaim} from './tabs.js';
 import {clockText, movesTyped, spoken} from './words.js';
 
@@ -14,12 +14,6 @@ import {clockText, movesTyped, spoken} from './words.js';
 /** @typedef {import('./rules.js').Position} Position */
 
 const KEY = 'play';
-
-/** A position known by its FEN alone: what can be shown before the rules have been asked. @returns {Position} */
-function positionShown(fen, text = '') {
-  const whiteToMove = fen.split(' ')[1] !== 'b';
-  return {fen, board: boardOf(fen), whiteToMove, check: /[+#]/.test(text), state: 'play', moves: []};
-}
 
 /**
  * @param {HTMLElement} host
@@ -204,10 +198,9 @@ export function createPlay(host, app) {
   function limits(times) {
     const {way, seconds, depth, increment} = match.strength;
     if (way === 'depth') return `depth ${depth}`;
-    // A depth given before would stay, so it is lifted by the greatest.
-    if (way === 'time') return `depth 66 movetime ${Math.round(seconds * 1000)}`;
+    if (way === 'time') return `movetime ${Math.round(seconds * 1000)}`;
     const [white, black] = [times.w, times.b].map(time => Math.max(1, Math.round(time)));
-    return `depth 66 wtime ${white} btime ${black} winc ${increment * 1000} binc ${increment * 1000}`;
+    return `wtime ${white} btime ${black} winc ${increment * 1000} binc ${increment * 1000}`;
   }
 
   async function think() {
@@ -277,14 +270,14 @@ export function createPlay(host, app) {
   }
 
   function begin({side, strength, start}) {
-    opponent.abandon();
+    // A limit of depth would stay with the engine.
+    opponent.end();
     game.setPosition(start || START_FEN);
     match = newMatch(side, strength);
     game.setTag(side === 'w' ? 'Black' : 'White', 'Vrel');
     trouble = '';
     setClocks();
     position = shownPly();
-    opponent.newGame();
     app.announce(`New game. You play ${side === 'w' ? 'white' : 'black'}.`);
     settle();
   }
