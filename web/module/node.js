@@ -81,10 +81,13 @@ export function files(memory, text) {
         }) > 0,
         remove: name => tried(() => (fs.unlinkSync(text(name)), 0)),
         rename: (from, to) => tried(() => (fs.renameSync(text(from), text(to)), 0)),
-        claim: name => tried(() => {
-            fs.rmSync(text(name), {force: true});
-            return fs.openSync(text(name), 'wx', 0o666);
-        }),
+        // Nothing marks a file here. What can't be taken away is somebody's.
+        claim: name => {
+            const removed = tried(() => (fs.unlinkSync(text(name)), 0));
+            if (removed < 0 && removed !== -ERRORS.ENOENT)
+                return -ERRORS.EBUSY;
+            return tried(() => fs.openSync(text(name), 'wx', 0o666));
+        },
         release: file => void tried(() => (fs.closeSync(file), 0)),
     };
 }
