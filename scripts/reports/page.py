@@ -28,7 +28,7 @@ def _hash(text):
 
 def _page(title, data):
     """What is shown stands in the page as data that can't end its element; the scripts make nothing but text of it."""
-    style, script = "\n" + _read("page.css"), "\n" + _script()
+    style, script = "\n" + _read("drawings.css") + _read("page.css"), "\n" + _script()
     shown = json.dumps(data, separators=(",", ":"), ensure_ascii=False).replace("<", "\\u003c")
     parts = {"TITLE": html.escape(title), "STYLE": style, "SCRIPT": script, "DATA": shown,
              "POLICY": f"default-src 'none'; style-src {_hash(style)}; script-src {_hash(script)}"}

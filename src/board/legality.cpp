@@ -38,6 +38,11 @@ bool GivesDirectCheck(int type, Side side, Square to, Square ksq, uint64_t occ) 
 
 }  // namespace
 
+bool KingsAreInOrder(const Position& pos) {
+    return CountBits(pos.bb[WHITE][KING]) == 1 && CountBits(pos.bb[BLACK][KING]) == 1 &&
+           !SqAtakd(pos, KingSquare(pos, pos.stm ^ 1), pos.stm);
+}
+
 bool MoveIsLegal(const Position& pos, Side side, Move move) {
     if (move == NO_MOVE)
         return false;

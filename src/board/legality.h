@@ -8,6 +8,10 @@
 
 namespace vrel {
 
+// A position that can arise in chess, as far as the kings tell: each side has one, and the side that has just moved
+// hasn't left its own to be taken.
+bool KingsAreInOrder(const Position& pos);
+
 // True if a pseudo-legal move leaves the own king unattacked; no move is not legal. Castling also asks that the king
 // doesn't leave or cross an attacked square.
 bool MoveIsLegal(const Position& pos, Side side, Move move);

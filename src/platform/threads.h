@@ -10,6 +10,28 @@ using ThreadBody = void* (*)(void*);
 // Starts a detached thread that runs body(argument); what it returns is dropped. 0, or the error code of the start.
 int StartThread(ThreadBody body, void* argument);
 
+// Who works while a flag of his isn't 0: what he does at first, which gives that flag, and what he does then, which is
+// false for the last time.
+struct Worker {
+    const std::atomic<int>* (*begin)(int id);
+    bool (*work)(int id);
+    int id;
+};
+
+// Starts a worker, whose record has to last as long as he does: 0, or the error code of the start.
+int StartWorker(const Worker* worker);
+
+// Runs the main thread: calls turn() until that is false, then end(), whose result is returned. What is left to do
+// comes as a function of its own, since not on every system does the caller's frame last through a sleep.
+int RunTurns(bool (*turn)(), int (*end)());
+
+// Where there are no threads, workers work while the main thread sleeps, and call this so that it has turns meanwhile.
+#ifdef VREL_ONE_THREAD
+void LetMainThreadRun();
+#else
+inline void LetMainThreadRun() {}
+#endif
+
 // Lets another thread have the processor, if one wants it.
 void LetOthersRun();
 

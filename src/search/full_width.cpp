@@ -5,6 +5,7 @@
 #include "board/make_move.h"
 #include "eval/personality.h"
 #include "interface/pblock.h"
+#include "platform/threads.h"
 #include "search/ordering.h"
 #include "search/search.h"
 #include "search/search_report.h"
@@ -166,6 +167,7 @@ int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int bet
         // Both extensions may meet: a check then gains two plies.
         const int v = SearchMove(&loop, *entry, depth + ext + frame->ext, reduction);
         UnmakeMove(pos);
+        LetMainThreadRun();
         // What comes back from an abandoned tree is no score; nobody above looks at it.
         if (PBlock.stop)
             return 0;

@@ -2,10 +2,10 @@
 
 #include <cassert>
 
-#include "board/attacks.h"
 #include "board/legality.h"
 #include "eval/personality.h"
 #include "platform/standard_input.h"
+#include "platform/threads.h"
 #include "search/search.h"
 #include "search/search_report.h"
 #include "search/thread_pool.h"
@@ -21,13 +21,6 @@ constexpr int FIFTY_LIMIT = 100;  // plies; with more behind it the game is draw
 constexpr int TOOL_TURN = 1000;   // microseconds between a tool's looks at clock and input
 
 bool workers_have_run = false;  // the search to be reported is the workers'
-
-// A position that can't arise in chess is answered without a search: each side must have its king, and the one that has
-// just moved must not have left it to be taken.
-bool CanBeSearched(const Position& pos) {
-    return CountBits(pos.bb[WHITE][KING]) == 1 && CountBits(pos.bb[BLACK][KING]) == 1 &&
-           !SqAtakd(pos, KingSquare(pos, pos.stm ^ 1), pos.stm);
-}
 
 // Contempt makes a draw worth less to the side that the engine plays, and as much more to the other.
 void ResetPublishedLine(const Position& game) {
@@ -131,7 +124,7 @@ void PrepareRequestedSearch() {
 // What isn't given to the workers is over at once, with whatever is published.
 void StartRequestedSearch() {
     const Position& game = *GamePosition();
-    workers_have_run = game.fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && CanBeSearched(game);
+    workers_have_run = game.fifty <= FIFTY_LIMIT && PBlock.pv[1] == NO_MOVE && KingsAreInOrder(game);
     if (workers_have_run)
         StartWorkers();
 }
@@ -171,14 +164,16 @@ void InitSearch(SearchState state) {
 void SearchHere() { SearchIterations(1); }
 
 void SearchOnWorkers() {
-    StartWorkers();
-    while (!WorkersIdle()) {
+    const auto turn = [] {
         PollSearch();
         // The end of the program is asked for while a tool is at work; its search has to end first.
         if (PBlock.quit)
             StopSearch(STOP_COMMAND);
         SleepUntilWoken(TOOL_TURN, false);
-    }
+        return !WorkersIdle();
+    };
+    StartWorkers();
+    RunTurns(turn, [] { return 0; });
     PollSearch();  // a question that waits for idle workers is answered
 }
 

@@ -17,7 +17,7 @@ SpinLock spinlock1, spinlock2;
 
 namespace {
 
-std::array<int, MAX_THREADS + 1> thread_id;  // arguments of the thread functions, which outlive their start
+std::array<Worker, MAX_THREADS + 1> workers;
 
 // Workers that have been given work and haven't gone by EndWork since. Looking at the flags wouldn't tell a worker that
 // it is the last: two that clear theirs at once may each still see the other's.
@@ -30,23 +30,22 @@ void EndWork(SearchThread* self) {
         WakeMainThread();
 }
 
-// The body of a worker: makes its record, then waits for work until it is told to end.
-void* SearchThreadFunc(void* arg) {
-    const int id = *static_cast<int*>(arg);
+// A worker makes its record itself.
+const std::atomic<int>* BeginWork(int id) {
     // Without memory for a worker there is no engine, and nobody here to tell.
     if (InitNewThread(id) != 0)
         std::_Exit(0);
     WakeMainThread();
+    return &GetThread(id)->work_flag;
+}
+
+bool Work(int id) {
     SearchThread* self = GetThread(id);
-    while (true) {
-        WaitForChange(self->work_flag, WORK_IDLE);
-        const bool go_on = self->work_flag.load(std::memory_order_relaxed) != WORK_END;
-        if (go_on)
-            SearchIterations(id);
-        EndWork(self);
-        if (!go_on)
-            return nullptr;
-    }
+    const bool go_on = self->work_flag.load(std::memory_order_relaxed) != WORK_END;
+    if (go_on)
+        SearchIterations(id);
+    EndWork(self);
+    return go_on;
 }
 
 // Hands work to an idle worker, or tells it to end.
@@ -95,10 +94,10 @@ int CreateThreadPool(int n) {
     assert(n >= 1 && n <= MAX_THREADS);
     for (int i = 1; i <= n; ++i) {
         FreeThread(i);  // a record of an earlier pool must not be taken for the new one
-        thread_id[i] = i;
+        workers[i] = {BeginWork, Work, i};
     }
     for (int i = 1; i <= n; ++i) {
-        const int error = StartThread(SearchThreadFunc, &thread_id[i]);
+        const int error = StartWorker(&workers[i]);
         if (error != 0)
             return error;
     }

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "interface/messages.h"
 #include "platform/file.h"
@@ -14,6 +14,16 @@
 namespace vrel {
 
 namespace {
+
+constexpr std::string_view BLANKS = " \t\v\f\r\n";
+
+// The first word of a text, which is taken off it; empty if there is none.
+std::string TakeWord(std::string_view* text) {
+    text->remove_prefix(std::min(text->find_first_not_of(BLANKS), text->size()));
+    const std::string word(text->substr(0, text->find_first_of(BLANKS)));
+    text->remove_prefix(word.size());
+    return word;
+}
 
 // True if the whole word is a number that the field can hold.
 template <typename Field>
@@ -41,9 +51,10 @@ bool ChangeField(const std::string& name, const std::string& word, Field* field)
 
 // Carries out one line. The result tells what is wrong with it, null if nothing is.
 const char* ReadPlayerLine(const std::string& line, PersonalityRecord* record) {
-    std::istringstream words(line.substr(0, line.find('#')));
-    std::string name, value, more;
-    words >> name >> value >> more;
+    std::string_view text = std::string_view(line).substr(0, line.find('#'));
+    const std::string name = TakeWord(&text);
+    const std::string value = TakeWord(&text);
+    const bool more = !TakeWord(&text).empty();
     if (name.empty())
         return nullptr;
     int16_t* weight = FindWeight(record, name.c_str());
@@ -51,7 +62,7 @@ const char* ReadPlayerLine(const std::string& line, PersonalityRecord* record) {
     if (weight == nullptr && setting == nullptr)
         return "unknown name";
     const bool changed = weight != nullptr ? ChangeField(name, value, weight) : ChangeField(name, value, setting);
-    return changed && more.empty() ? nullptr : "no valid number";
+    return changed && !more ? nullptr : "no valid number";
 }
 
 }  // namespace

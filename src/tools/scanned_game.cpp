@@ -56,18 +56,6 @@ bool ReadMove(ScannedMove* entry, Move* move) {
     return valid;
 }
 
-// The opponent's estimate rose across this move and stayed up, though the mover saw nothing.
-bool IsDoubtful(const ScannedGame& game, int i) {
-    if (i <= OPENING_MOVES || i >= game.count - LAST_MOVES || game.winner == game.side(i))
-        return false;
-    if (!Within(game.score(i), EVEN_SCORE))
-        return false;
-    for (const int near : {i - 3, i - 1, i + 1, i + 3})
-        if (!Within(game.score(near), OPEN_SCORE))
-            return false;
-    return game.score(i + 1) - game.score(i - 1) > NEAR_RISE && game.score(i + 3) - game.score(i - 3) > FAR_RISE;
-}
-
 void AddPadded(std::string* out, std::string_view text, size_t width) {
     out->append(width - std::min(width, text.size()), ' ').append(text);
 }
@@ -161,6 +149,17 @@ constexpr ScanKind kinds[] = {
 }  // namespace
 
 const std::span<const ScanKind> scan_kinds = kinds;
+
+bool IsDoubtful(const ScannedGame& game, int i) {
+    if (i <= OPENING_MOVES || i >= game.count - LAST_MOVES || game.winner == game.side(i))
+        return false;
+    if (!Within(game.score(i), EVEN_SCORE))
+        return false;
+    for (const int near : {i - 3, i - 1, i + 1, i + 3})
+        if (!Within(game.score(near), OPEN_SCORE))
+            return false;
+    return game.score(i + 1) - game.score(i - 1) > NEAR_RISE && game.score(i + 3) - game.score(i - 3) > FAR_RISE;
+}
 
 int ProcessGame(ScannedMove* moves, int count, int kind, int winner, std::string* text) {
     assert(kind >= 1 && kind <= ScanKinds());

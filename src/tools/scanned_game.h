@@ -29,6 +29,9 @@ struct ScannedGame {
     int side(int i) const { return plies(i) & 1; }
 };
 
+// The opponent's estimate rose across move `i` and stayed up, though the mover saw nothing.
+bool IsDoubtful(const ScannedGame& game, int i);
+
 // What a scan makes of the games: a row for each kind, of which kind 1 is the first.
 struct ScanKind {
     const char* option;  // on the command line

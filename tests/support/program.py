@@ -14,6 +14,8 @@ for sanitizer in ("ASAN_OPTIONS", "UBSAN_OPTIONS"):
     os.environ[sanitizer] = os.environ.get(sanitizer, "") + ":exitcode=99"
 # Under Wine there are neither terminals nor named pipes of this system, and some of its signals reach Wine itself.
 ON_WINDOWS = "WINEPREFIX" in os.environ
+# Under Node a table has at most 2000 megabytes, and no program can mark a file for itself.
+ON_NODE = "VREL_ON_NODE" in os.environ
 HANG = float(os.environ.get("HANG", 300))  # seconds: longer than anything that is still to come
 
 

@@ -5,14 +5,14 @@ import re
 import tempfile
 import unittest
 
-from program import Program, run
+from program import ON_NODE, Program, run
 
 NUMBERS = ["-1", "0", "1", "127", "128", "-129", "32768", "-32769", "2147483647", "-2147483648", "2147483648",
            "9223372036854775807", "-9223372036854775808", "9223372036854775808", "1" + "0" * 60, "1e400", "-1e400",
            "nan", "inf", "0x7f", "--1", "+1", ""]
 
 # Options with a number: how the value is told, and the lowest and highest. A large table costs nothing until it is used.
-OPTIONS = {"Hash": ("Hash size set to {}M bytes", 0, 8192), "Threads": ("Threads set to {}", 1, 64),
+OPTIONS = {"Hash": ("Hash size set to {}M bytes", 0, 2000 if ON_NODE else 8192), "Threads": ("Threads set to {}", 1, 64),
            "MultiPV": ("MultiPV set to {}", 1, 20), "Communication Overhead": ("Communication Overhead set to {}", 0, 5000)}
 LIMITS = ["wtime", "btime", "winc", "binc", "movestogo", "depth", "nodes", "movetime", "mate",
           "wtime 100 btime 100 movestogo", "wtime 100 btime 100 winc"]

@@ -18,7 +18,9 @@
 #include "interface/board_text.h"
 #include "interface/control/console_game.h"
 #include "interface/control/edit.h"
+#include "interface/control/front_end.h"
 #include "interface/control/game_loop.h"
+#include "interface/control/uci.h"
 #include "interface/messages.h"
 #include "interface/move_text.h"
 #include "interface/numbers.h"
@@ -84,6 +86,27 @@ void SetFen(const Command& command) {
     StopSearch(STOP_COMMAND);
     SetPosition(GamePosition(), std::strlen(command.line) > 4 ? command.line + 4 : "");
     ShowBoard(*GamePosition());
+}
+
+// As in UCI, but a move may have any form that games have, and has to be legal.
+void SetUpGameText(const Command& command) {
+    constexpr size_t name = 8;  // characters of "position"
+    StopSearch(STOP_COMMAND);
+    SetGame(std::strlen(command.line) > name ? command.line + name : "", PlayMoveOfGame);
+}
+
+// Of a name that has been cut another file might be read.
+bool NameIsCut(const Command& command) {
+    if (command.cut)
+        Complain("%s: longer than %d characters", command.Word(1), static_cast<int>(LONGEST_WORD));
+    return command.cut;
+}
+
+void ShowGamesOrGame(const Command& command) {
+    if (*command.Word(3) == '\0')
+        return ShowGames(command.Word(2));
+    StopSearch(STOP_COMMAND);
+    ShowGameOfFile(command.Word(2), command.Integer(3, 0, INT32_MAX));
 }
 
 // The dialogue takes its lines itself, and the board is shown as it leaves it.
@@ -273,6 +296,9 @@ struct Entry {
 constexpr Entry commands[] = {
     {"new", "new\tstart position", ENDS_SEARCH, NewGame},
     {"fen", "fen TEXT\tset up a position", ENDS_SEARCH, SetFen},
+    {"position", "position TEXT\tset up a position, play moves, as in UCI: fen TEXT moves MOVES", ENDS_SEARCH,
+     SetUpGameText},
+    {"legal", "legal\tshow the legal moves and what each leads to", NO_TOOL, [](const Command&) { ShowLegalMoves(); }},
     {"force", "force\tend a search, play no side", ENDS_SEARCH, Force},
     {"quit", "quit\tend the program", ENDS_PROGRAM, [](const Command&) { EndProgram(); }},
     {"go", "go DEPTH\tanalyse to a depth", FREE_ENGINE, AnalyseToDepth},
@@ -313,10 +339,13 @@ constexpr Entry later_commands[] = {
     {"]", "]\tplay it again", ENDS_SEARCH, [](const Command&) { RedoMove(); }, true},
     {"load", "load FILE GAME\tread a game of a PGN file, by number or text", ENDS_SEARCH,
      [](const Command& command) {
-         if (command.cut)
-             Complain("load: longer than %d characters", static_cast<int>(LONGEST_WORD));
-         else
+         if (!NameIsCut(command))
              LoadGame(command.Word(2), command.Word(3));
+     }},
+    {"games", "games FILE N\tlist the games of a PGN file; with a number: read that game, show its moves", ENDS_SEARCH,
+     [](const Command& command) {
+         if (!NameIsCut(command))
+             ShowGamesOrGame(command);
      }},
     {"save", "save\tappend the game to tmp.pgn", NO_TOOL, [](const Command&) { SaveGame(); }},
     {"jump", "jump PLY\tgo to a ply of the game", ENDS_SEARCH,

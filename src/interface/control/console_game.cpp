@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
-#include <string_view>
 
 #include "board/fen.h"
 #include "board/generate.h"
@@ -82,18 +81,6 @@ Wanted ChooseGame(File* in, const char* name, const char* which) {
     return {number >= 1 && number <= LAST_GAME_NUMBER ? number : 1};
 }
 
-// Plays a move of a text. False, and a word about it, if it can't be read.
-bool PlayMove(Position* game, std::string_view text) {
-    MoveAsRead read;
-    Move move = NO_MOVE;
-    if (ReadMoveText(text, &move, &read)) {
-        PlayGameMove(game, move);
-        return true;
-    }
-    ShowFormatted("can't parse move '%s'", read.data());
-    return false;
-}
-
 // Plays the moves of one game, up to the first that can't be read.
 void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) {
     PgnReader pgn(in, wanted.number ? name : nullptr);  // who searched the file has told what is wrong with it
@@ -115,7 +102,7 @@ void ReadGame(File* in, const char* name, Position* game, const Wanted& wanted) 
                 SetUpGame(game, pgn.game());
             else
                 pgn.SkipGame();
-        } else if (item == PGN_MOVE && found && !PlayMove(game, pgn.text())) {
+        } else if (item == PGN_MOVE && found && !PlayMoveOfGame(game, std::string(pgn.text()))) {
             return;
         }
     }
@@ -160,6 +147,17 @@ void PlayMoveText(const char* text) {
     ShowFormatted("%d. move %s", game->game_ply / 2 + 1, word.c_str());
     PlayGameMove(game, move);
     ShowGame();
+}
+
+bool PlayMoveOfGame(Position* game, const std::string& text) {
+    MoveAsRead read;
+    Move move = NO_MOVE;
+    if (ReadMoveText(text, &move, &read)) {
+        PlayGameMove(game, move);
+        return true;
+    }
+    ShowFormatted("can't parse move '%s'", read.data());
+    return false;
 }
 
 void UndoMove() {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+
+#include "board/position.h"
+
 // Console commands that step through games and keep them in files. All work on the game record.
 namespace vrel {
 
@@ -17,6 +21,9 @@ void ResetClocks();
 
 // Plays a move given as text, if it names exactly one; nothing otherwise.
 void PlayMoveText(const char* text);
+
+// Plays a move in any form that games have. False, and a word about it, if it can't be read.
+bool PlayMoveOfGame(Position* game, const std::string& text);
 
 void UndoMove();
 void RedoMove();

@@ -14,6 +14,7 @@
 #include "interface/move_text.h"
 #include "interface/pblock.h"
 #include "platform/standard_input.h"
+#include "platform/threads.h"
 #include "search/search_control.h"
 #include "search/search_report.h"
 #include "search/thread_pool.h"
@@ -152,23 +153,27 @@ void TakeTurn() {
         FinishAfterInput();
 }
 
-}  // namespace
-
-void RunGameLoop() {
-    PBlock.quit = 0;
-    while (!PBlock.quit) {
-        if (!SearchIsRequested())
-            TakeTurn();
-        else if (PBlock.state == STATE_IDLE)
-            StartSearch();
-        else
-            WaitForRequest();
-        if (!WorkersIdle())
-            continue;
+// False if the program is to end.
+bool Turn() {
+    if (!SearchIsRequested())
+        TakeTurn();
+    else if (PBlock.state == STATE_IDLE)
+        StartSearch();
+    else
+        WaitForRequest();
+    if (WorkersIdle()) {
         PayReadyOk();
         if (SearchIsOver() && !PBlock.quit)
             Report();
     }
+    return !PBlock.quit;
+}
+
+}  // namespace
+
+int RunGameLoop(int (*end)()) {
+    PBlock.quit = 0;
+    return RunTurns(Turn, end);
 }
 
 void EndProgram() {

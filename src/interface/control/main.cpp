@@ -125,11 +125,22 @@ bool RunTool(const CommandLine& line, int* status) {
     return true;
 }
 
+// Gives everything back. Returns the exit status.
+int End(int status) {
+    if (PBlock.failed)
+        status = FAILED;
+    KillBook();
+    KillThreadPool(PBlock.nthreads);  // before what the workers use is given back
+    EndEngine();
+    CloseLog();
+    return status;
+}
+
 // For an interface nothing is said before it asks; a person wants to see the board.
-void Play() {
+int Play() {
     if (PBlock.mode == MODE_CONSOLE)
         ShowBoard(*GamePosition());
-    RunGameLoop();
+    return RunGameLoop([] { return End(0); });
 }
 
 }  // namespace
@@ -144,15 +155,7 @@ int Run(int argc, char** argv) {
     if (CreateThreadPool(PBlock.nthreads) != 0)
         return FAILED;
     int status = 0;
-    if (!RunTool(line, &status))
-        Play();
-    if (PBlock.failed)
-        status = FAILED;
-    KillBook();
-    KillThreadPool(PBlock.nthreads);  // before what the workers use is given back
-    EndEngine();
-    CloseLog();
-    return status;
+    return RunTool(line, &status) ? End(status) : Play();
 }
 
 }  // namespace vrel

@@ -10,6 +10,7 @@
 #include "board/letters.h"
 #include "board/make_move.h"
 #include "board/search_thread.h"
+#include "interface/control/front_end.h"
 #include "interface/control/game_loop.h"
 #include "interface/control/options.h"
 #include "interface/control/tuning_options.h"
@@ -87,7 +88,7 @@ OptionChange ReadOptionLine(const char* rest) {
         return {option != nullptr && option->type == BUTTON ? option : nullptr, ""};
     }
     const char* name_end = std::max(value, name_text);
-    return {FindOption(Trimmed({name_text, name_end})), GetWord(value + 5)};
+    return {FindOption(Trimmed(std::string(name_text, name_end))), GetWord(value + 5)};
 }
 
 // An unknown option is passed over in silence: interfaces try what other engines have.
@@ -138,39 +139,13 @@ Move ReadCoordinates(const std::string& text) {
     return MakeMoveValue(from, to) | (text.size() > 4 ? PromotionBit(text[4]) : NO_MOVE);
 }
 
-// The moves are trusted to be chess; the list ends with the first that the board can't make at all.
-void PlayMoves(Position* game, const char* text) {
-    while (true) {
-        text = SkipBlanks(text);
-        const size_t length = std::strcspn(text, " ");
-        if (length == 0)
-            return;
-        const Move move = ReadCoordinates(std::string(text, length));
-        if (move == NO_MOVE || !MoveCanBeMade(*game, move))
-            return;
-        PlayGameMove(game, move);
-        text += length;
-    }
-}
-
-// "startpos" goes before "fen"; without either the position stays as it is. The end of the game is marked, so that
-// nothing of an earlier one stands ahead of it.
-void SetGame(const char* rest) {
-    rest += std::strspn(rest, " \t");
-    const char* moves = std::strstr(rest, "moves");
-    // The moves begin one character behind the text of the position.
-    const char* end = moves == nullptr ? rest + std::strlen(rest) : std::max(rest, moves - 1);
-    const std::string text(rest, end);
-    Position* game = GamePosition();
-    if (text.find("startpos") != std::string::npos)
-        SetPosition(game, fen_opn);
-    else if (text.find("fen") != std::string::npos)
-        SetPosition(game, text.size() > 4 ? text.c_str() + 4 + std::strspn(text.c_str() + 4, " \t") : "");
-    else
-        return;
-    if (moves != nullptr)
-        PlayMoves(game, moves + 5);
-    game->undo[game->game_ply].move = NO_MOVE;
+// A move is trusted to be chess: false for one that the board can't make at all.
+bool PlayTrusted(Position* game, const std::string& text) {
+    const Move move = ReadCoordinates(text);
+    if (move == NO_MOVE || !MoveCanBeMade(*game, move))
+        return false;
+    PlayGameMove(game, move);
+    return true;
 }
 
 // What is below 0, as a clock that has run out, counts as 0.
@@ -256,7 +231,8 @@ constexpr Entry commands[] = {
     {"isready", AT_ONCE, [](const char*) { OweReadyOk(); }},
     {"setoption", BESIDE, ChangeOption},  // what the option needs
     {"ucinewgame", IDLE_WORKERS, [](const char*) { NewGame(); }},
-    {"position", NO_TOOL, SetGame},
+    {"position", NO_TOOL, [](const char* rest) { SetGame(rest, PlayTrusted); }},
+    {"legal", NO_TOOL, [](const char*) { ShowLegalMoves(); }},
     {"go", NO_TOOL, Go},
     {"ponderhit", AT_ONCE, [](const char*) { PonderHit(); }},
     {"stop", AT_ONCE, [](const char*) { Stop(); }},
@@ -264,6 +240,30 @@ constexpr Entry commands[] = {
 };
 
 }  // namespace
+
+// "startpos" goes before "fen"; without either the position stays as it is. The end of the game is marked, so that
+// nothing of an earlier one stands ahead of it.
+void SetGame(const char* rest, bool (*play)(Position*, const std::string&)) {
+    rest += std::strspn(rest, " \t");
+    const char* moves = std::strstr(rest, "moves");
+    // The moves begin one character behind the text of the position.
+    const char* end = moves == nullptr ? rest + std::strlen(rest) : std::max(rest, moves - 1);
+    const std::string text(rest, end);
+    Position* game = GamePosition();
+    if (text.find("startpos") != std::string::npos)
+        SetPosition(game, fen_opn);
+    else if (text.find("fen") != std::string::npos)
+        SetPosition(game, text.size() > 4 ? text.c_str() + 4 + std::strspn(text.c_str() + 4, " \t") : "");
+    else
+        return;
+    for (const char* word = SkipBlanks(moves != nullptr ? moves + 5 : ""); *word != '\0'; word = SkipBlanks(word)) {
+        const size_t length = std::strcspn(word, " ");
+        if (!play(game, std::string(word, length)))
+            break;
+        word += length;
+    }
+    game->undo[game->game_ply].move = NO_MOVE;
+}
 
 // A line without a command is dropped in its turn.
 Need UciNeed(const char* line) {

@@ -11,7 +11,7 @@ constexpr size_t HUGE_PAGES_FROM = size_t{4} << 20;
 
 }  // namespace
 
-void* AllocatePages(size_t bytes) {
+void* AllocatePages(uint64_t bytes) {
     void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED)
         return nullptr;
@@ -20,7 +20,7 @@ void* AllocatePages(size_t bytes) {
     return memory;
 }
 
-void FreePages(void* memory, size_t bytes) {
+void FreePages(void* memory, uint64_t bytes) {
     if (memory != nullptr)
         munmap(memory, bytes);
 }
