@@ -101,7 +101,8 @@ int64_t File::Size() {
 bool File::Close() {
     if (stream_ == nullptr)
         return false;
-    const bool sound = std::ferror(stream_) == 0;
+    // Some libraries don't tell that what was left to write at the end is lost.
+    const bool sound = std::ferror(stream_) == 0 && std::fflush(stream_) == 0;
     return std::fclose(std::exchange(stream_, nullptr)) == 0 && sound;
 }
 

@@ -33,6 +33,7 @@ RUNS = [
     ("-tune in.epd", "", "in.epd", ["tune.log"]),
     ("-match out.pgn", "quit\n", "player2.par", ["out.pgn"]),
 ]
+TOO_LARGE = ".*" if ON_WINDOWS else "File too large"  # which Wine has no number for
 
 
 def contents(name):
@@ -147,7 +148,8 @@ def change(path, over):
 def complaints(*arguments, status=1, **options):
     """Runs the program, which is to end with this status; what it says on standard error, and what on standard output."""
     read, errors = os.pipe()  # not a file, whose size may be limited
-    lines = run(*arguments, statuses=(status,), stderr=errors, **options)
+    # Wine itself doesn't look after the signal of a write beyond the limit.
+    lines = run(*arguments, statuses=(status,), stderr=errors, restore_signals=not ON_WINDOWS, **options)
     os.close(errors)
     with open(read, encoding="ascii") as file:
         return file.read().splitlines(), lines
@@ -174,12 +176,13 @@ class Losses(unittest.TestCase):
         write(self.path("in.pgn"), (GAMES * 3000).encode())
         for room in (100, 70000, 100000):
             errors, lines = complaints("-nolog", "-scan_pgn3", "in.pgn", folder=self.folder, preexec_fn=limit_files(room))
-            self.assertEqual(errors, ["tmp.epd: File too large"])
+            self.assertRegex("\n".join(errors), f"^tmp.epd: {TOO_LARGE}$")
             positions = self.held("tmp.epd").decode().splitlines()
             self.assertEqual(len(positions) % 4, 0)
             self.assertTrue(all(line.endswith(";") for line in positions))
             self.assertEqual(lines[-1], f"games= {len(positions) // 4}, positions= {len(positions)}")
-            self.assertLessEqual(room - len(self.held("tmp.epd")), 400)
+            if not ON_WINDOWS:  # where a write that fails isn't told how far it came
+                self.assertLessEqual(room - len(self.held("tmp.epd")), 400)
 
     def test_a_book_that_is_given_up_leaves_the_old_one(self):
         write(self.path("book.opn"), b"old")
@@ -188,11 +191,11 @@ class Losses(unittest.TestCase):
         console = ("-c", "-nolog")
         # Either line has arrived when the book is begun.
         self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\nquit\n")[0], [given_up])
-        self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\n", preexec_fn=limit_files(20))[0],
-                         ["tmp__0.opn: File too large", given_up])
-        with open(self.path("book.lock"), "wb") as file:
-            fcntl.flock(file, fcntl.LOCK_EX)
-            if not ON_NODE:
+        errors, _ = complaints(*console, folder=self.folder, script="mkbook\n", preexec_fn=limit_files(20))
+        self.assertRegex("\n".join(errors), f"^tmp__0.opn: {TOO_LARGE}\n{given_up}$")
+        if not (ON_WINDOWS or ON_NODE):  # where marks of this system aren't seen
+            with open(self.path("book.lock"), "wb") as file:
+                fcntl.flock(file, fcntl.LOCK_EX)
                 self.assertEqual(complaints(*console, folder=self.folder, script="mkbook\n")[0],
                                  ["book.lock: in use, another mkbook is at work in this folder"])
         program = Program(*console, folder=self.folder)

@@ -134,6 +134,7 @@ class Interruptions(unittest.TestCase):
             run("-nolog", "-tune", "in.epd", folder=folder, script="quit\n")
             with open(os.path.join(folder, "tune.log"), encoding="ascii") as file:
                 self.assertRegex(file.read().splitlines()[-1], r"pass \d+ broken off$")
+
     def test_a_tool_that_is_to_end_ends(self):
         with tempfile.TemporaryDirectory() as folder:
             with open(os.path.join(folder, "tune.epd"), "w", encoding="ascii") as file:
@@ -146,10 +147,11 @@ class Interruptions(unittest.TestCase):
             self.assertFalse([line for line in lines if line.startswith("pos= ")])
             match = ["-nolog", "-match", "x.pgn"]
             run(*match, folder=folder, script="position startpos\ngo infinite\n" * 100 + "quit\n")
-            program = Program(*match, folder=folder, terminal=True)
-            program.wait_for("Starting match")
-            program.close_input()
-            self.assertEqual(program.wait(), 0)
+            if not ON_WINDOWS:  # the terminal would be Wine's
+                program = Program(*match, folder=folder, terminal=True)
+                program.wait_for("Starting match")
+                program.close_input()
+                self.assertEqual(program.wait(), 0)
 
     def test_nodes_are_counted_when_there_is_a_line_of_depth_2(self):
         program = Program("-nolog", "-hash", "1", "-threads", "4")

@@ -222,7 +222,9 @@ export function createAnalyse(host, app) {
 
   async function refresh() {
     const mine = turn, start = game.fen(), sign = game.whiteToMove() ? 1 : -1, first = game.ply;
-    const ranks = [...found.values()].filter(each => each.rank < settings.lines).sort((a, b) => a.rank - b.rank);
+    // A line of an earlier depth may begin with what is a better one now.
+    const ranks = [...found.values()].filter(each => each.rank < settings.lines).sort((a, b) => a.rank - b.rank)
+      .filter((each, i, all) => all.findIndex(other => other.moves[0] === each.moves[0]) === i);
     try {
       const rules = await app.rules;
       const read = [];

@@ -51,6 +51,10 @@ const speedText = nps => nps >= 1e6 ? `${(nps / 1e6).toFixed(1)} million nodes/s
 export function createLines(host, choose) {
   const told = make(host, 'p', '', {class: 'depth'});
   const list = make(host, 'ol', '', {class: 'lines', 'aria-label': 'Lines of the engine'});
+  // Under a finger that is down nothing moves: what is pressed is still there when it is let go.
+  let held = false;
+  list.addEventListener('pointerdown', () => { held = true; });
+  for (const type of ['pointerup', 'pointercancel']) addEventListener(type, () => { held = false; });
 
   /** @param {Line} line */
   function add(line) {
@@ -67,6 +71,7 @@ export function createLines(host, choose) {
   return {
     /** @param {Line[]} lines @param {number} nps @param {string} [word] in place of depth and speed */
     show(lines, nps, word) {
+      if (held) return;
       const depth = lines.length ? `Depth ${Math.max(...lines.map(line => line.depth))}` : '';
       told.textContent = word ?? [depth, nps ? speedText(nps) : ''].filter(Boolean).join(', ');
       const at = [...list.querySelectorAll('button')].indexOf(/** @type {HTMLButtonElement} */ (document.activeElement));

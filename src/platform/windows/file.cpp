@@ -62,6 +62,11 @@ int LastError() {
     }
 }
 
+bool IsFolder(const char* name) {
+    const DWORD about = GetFileAttributesW(WideText(name).c_str());
+    return about != INVALID_FILE_ATTRIBUTES && (about & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 // The system tells long numbers in halves.
 uint64_t Join(DWORD high, DWORD low) { return uint64_t{high} << 32 | low; }
 
@@ -72,7 +77,8 @@ File::File(const char* name, const char* mode) {
     const Mode how = ReadMode(mode);
     const HANDLE file = Open(name, how.access, how.disposition);
     if (file == INVALID_HANDLE_VALUE) {
-        errno = LastError();
+        const int error = LastError();
+        errno = error == EACCES && IsFolder(name) ? EISDIR : error;
         return;
     }
     const int descriptor = _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY | how.flags);

@@ -99,9 +99,10 @@ int ReadInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, 0);
 
 int WaitForInput(char* buffer, int size) { return ReadWhenArrived(buffer, size, size < 1 ? 0 : INFINITE); }
 
-// A sleep without an end is one that is broken off every millisecond: whoever sleeps looks again and sleeps on.
+// A sleep without an end is broken off each second: whoever sleeps looks again and sleeps on, so that a signal that an
+// emulator of the system loses costs a moment and no session.
 void SleepUntilWoken(int microseconds, bool by_input) {
-    constexpr int LONGEST = 1000;
+    constexpr int LONGEST = 1000000;
     const bool may_come = by_input && !(InputAvailable(0) && chunk.empty());
     WaitFor(microseconds < 0 ? LONGEST : microseconds, WakeEvent(), may_come ? arrived : nullptr);
 }
