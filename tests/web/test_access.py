@@ -8,7 +8,7 @@ import browser
 import webhost
 from program import ROOT
 
-AXE = os.path.join(ROOT, "build/web/node_modules/axe-core/axe.min.js")
+AXE = os.path.join(ROOT, "build/web/tools/node_modules/axe-core/axe.min.js")
 PROMOTION = {"fen": "7k/P7/8/8/8/8/8/K7 w - - 0 1", "moves": []}
 MATE = {"fen": "7k/R7/8/8/8/8/8/KR6 w - - 0 1",
         "moves": [{"uci": "b1b8", "text": "Rb8#", "fen": "1R5k/R7/8/8/8/8/8/K7 b - -"}]}
