@@ -3,7 +3,9 @@ import functools
 import http.server
 import os
 import threading
+import unittest
 
+import browser
 from program import ROOT
 
 FOLDER = os.environ.get("VREL_SITE", os.path.join(ROOT, "build/web/site"))
@@ -54,3 +56,18 @@ class Site:
     def close(self):
         self.server.shutdown()
         self.server.server_close()
+
+
+class Visit(unittest.TestCase):
+    """Tests that share a site and a browser."""
+    host = {}  # how the site is served
+
+    @classmethod
+    def setUpClass(cls):
+        cls.site = Site(**cls.host)
+        cls.browser = browser.Browser()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.browser.close()
+        cls.site.close()

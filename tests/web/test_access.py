@@ -14,18 +14,12 @@ MATE = {"fen": "7k/R7/8/8/8/8/8/KR6 w - - 0 1",
         "moves": [{"uci": "b1b8", "text": "Rb8#", "fen": "1R5k/R7/8/8/8/8/8/K7 b - -"}]}
 
 
-class Access(unittest.TestCase):
+class Access(webhost.Visit):
     @classmethod
     def setUpClass(cls):
-        cls.site = webhost.Site()
-        cls.browser = browser.Browser()
+        super().setUpClass()
         with open(AXE, encoding="utf-8") as file:
             cls.axe = file.read()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.close()
-        cls.site.close()
 
     def open(self, game=None, place="#play"):
         self.browser.open(self.site.address + "icon.svg")

@@ -25,19 +25,7 @@ DROP = """
     document.body.dispatchEvent(new DragEvent('drop', {dataTransfer: bag, bubbles: true, cancelable: true}));"""
 
 
-class Analyse(unittest.TestCase):
-    host = {}  # how the site is served
-
-    @classmethod
-    def setUpClass(cls):
-        cls.site = webhost.Site(**cls.host)
-        cls.browser = browser.Browser()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.close()
-        cls.site.close()
-
+class Analyse(webhost.Visit):
     def setUp(self):
         self.open()
 

@@ -18,19 +18,8 @@ def square(name):
     return f'.mode:not([hidden]) [role=gridcell][aria-label^="{name}"]'
 
 
-class Play(unittest.TestCase):
-    host = {}  # how the site is served
+class Play(webhost.Visit):
     query = ""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.site = webhost.Site(**cls.host)
-        cls.browser = browser.Browser()
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.browser.close()
-        cls.site.close()
 
     def setUp(self):
         self.keep("null")

@@ -1,4 +1,5 @@
 // The engine as an analyser: one search at a time, each told to end before the next begins.
+import {lineOf} from './talk.js';
 
 /** @typedef {import('./module/vrel.js').Engine} Engine */
 /**
@@ -32,28 +33,14 @@ export function createAnalyser(start) {
   /** @type {Promise<unknown>} */
   let chain = Promise.resolve();
 
-  /** The next line that begins so; null if the engine ends before. @param {string} word @param {(line: string) => void} act */
-  function lineOf(word, act = () => {}) {
-    const asked = engine;
-    return new Promise(resolve => {
-      const quit = asked.listen(line => {
-        act(line);
-        if (!line.startsWith(word)) return;
-        quit();
-        resolve(line);
-      });
-      asked.ended.then(() => { quit(); resolve(null); });
-    });
-  }
-
   // A stop that comes too late is answered once more; nothing of that is left when the sign of life comes.
   async function stopSearch() {
     if (!engine || !running) return;
     running = false;
-    const answer = lineOf('bestmove');
+    const answer = lineOf(engine, 'bestmove');
     engine.send('stop');
     if (await answer === null || !engine) return;
-    const ready = lineOf('readyok');
+    const ready = lineOf(engine, 'readyok');
     engine.send('isready');
     await ready;
   }
@@ -74,7 +61,7 @@ export function createAnalyser(start) {
       const started = await start({threads, hash});
       engine = started;
       started.ended.then(() => { if (engine === started) engine = inForce = null; });
-      const ready = lineOf('readyok');
+      const ready = lineOf(engine, 'readyok');
       for (const [name, value] of [['Hash', hash], ['Threads', threads]]) started.send(`setoption name ${name} value ${value}`);
       started.send('isready');
       if (await ready === null) throw new Error(WHAT_FAILS);
@@ -105,7 +92,7 @@ export function createAnalyser(start) {
         if (afresh) engine.send('ucinewgame');
         engine.send(`position ${position}`);
         running = true;
-        const end = lineOf('bestmove', line => {
+        const end = lineOf(engine, 'bestmove', line => {
           const each = mine === number ? readFound(line) : null;
           if (each) found(each);
         });

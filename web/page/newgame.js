@@ -1,5 +1,6 @@
 // The question what game is to be played.
 import {make} from './board.js';
+import {answerOf} from './talk.js';
 
 /** @typedef {{way: string, seconds: number, depth: number, minutes: number, increment: number}} Strength */
 /** @typedef {{side: string, strength: Strength, start: string | null}} Wish   side 'w' or 'b', the person's */
@@ -103,13 +104,8 @@ export function askForGame(last, here, setUp) {
   showFigures();
   dialog.showModal();
 
-  return new Promise(resolve => {
-    const end = answer => {
-      dialog.remove();
-      resolve(answer);
-    };
+  return answerOf(dialog, end => {
     cancel.addEventListener('click', () => end(null));
-    dialog.addEventListener('cancel', () => end(null));
     form.addEventListener('submit', event => {
       event.preventDefault();
       const given = Object.fromEntries(new FormData(form));

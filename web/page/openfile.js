@@ -1,6 +1,7 @@
 // Positions and games from outside: pasted, dropped, or opened as a file.
 import {make} from './board.js';
 import {readFen} from './rules.js';
+import {answerOf} from './talk.js';
 
 /** @typedef {import('./rules.js').Rules} Rules */
 /** @typedef {import('./rules.js').GameHead} GameHead */
@@ -46,13 +47,8 @@ function chooseGame(heads) {
   filter.addEventListener('input', show);
   show();
   dialog.showModal();
-  return new Promise(resolve => {
-    const end = answer => {
-      dialog.remove();
-      resolve(answer);
-    };
+  return answerOf(dialog, end => {
     cancel.addEventListener('click', () => end(null));
-    dialog.addEventListener('cancel', () => end(null));
     list.addEventListener('dblclick', () => form.requestSubmit());
     form.addEventListener('submit', event => {
       event.preventDefault();
@@ -117,11 +113,7 @@ export function askForContents(rules, setUp) {
   make(buttons, 'button', 'Open', {class: 'main'});
   dialog.showModal();
 
-  return new Promise(resolve => {
-    const end = answer => {
-      dialog.remove();
-      resolve(answer);
-    };
+  return answerOf(dialog, end => {
     /** @param {string | Uint8Array} contents */
     async function take(contents) {
       trouble.textContent = '';
@@ -150,7 +142,6 @@ export function askForContents(rules, setUp) {
       if (fen) end({fen});
     });
     cancel.addEventListener('click', () => end(null));
-    dialog.addEventListener('cancel', () => end(null));
     form.addEventListener('submit', event => {
       event.preventDefault();
       take(text.value);

@@ -1,4 +1,5 @@
 // The engine as an opponent: asked for one move at a time, and told to forget what it was asked.
+import {lineOf} from './talk.js';
 
 /** @typedef {{uci: string, score?: number, depth?: number}} Answer   score in centipawns as the engine sees it */
 
@@ -33,23 +34,6 @@ export function createOpponent(app) {
       if (mine === starting) starting = null;
       throw error;
     }
-  }
-
-  /**
-   * The engine's next line that begins so, null if it ends before. `act` gets every line.
-   * @param {import('./module/vrel.js').Engine} from @param {string} word @param {(line: string) => void} act
-   * @returns {Promise<string | null>}
-   */
-  function lineOf(from, word, act = () => {}) {
-    return new Promise(resolve => {
-      const quit = from.listen(line => {
-        act(line);
-        if (!line.startsWith(word)) return;
-        quit();
-        resolve(line);
-      });
-      from.ended.then(() => { quit(); resolve(null); });
-    });
   }
 
   return {

@@ -2,6 +2,7 @@
 import {createBoard, draw, drawPiece, make, squareName} from './board.js';
 import {holdPiece, makeCells, pieceName, squareAt} from './boardinput.js';
 import {boardOf, readFen, START_FEN} from './rules.js';
+import {answerOf} from './talk.js';
 
 const EMPTY = '8/8/8/8/8/8/8/8 w - - 0 1';
 const RIGHTS = [['K', 'White O-O', 'e1K h1R'], ['Q', 'White O-O-O', 'e1K a1R'],
@@ -149,11 +150,7 @@ export function setUpPosition(fen, rules, announce) {
   settings.addEventListener('change', write);
   field.addEventListener('input', () => read(field.value));
 
-  return new Promise(resolve => {
-    const end = answer => {
-      dialog.remove();
-      resolve(answer);
-    };
+  return answerOf(dialog, end => {
     form.addEventListener('submit', async event => {
       event.preventDefault();
       const position = await rules.position(field.value.trim(), []);
@@ -162,7 +159,6 @@ export function setUpPosition(fen, rules, announce) {
       if (position && 'fen' in read) return end(`${position.fen} ${read.halfmove} ${read.fullmove}`);
       trouble.textContent = `This position can’t be used: ${rules.trouble || 'the engine doesn’t take it.'}`;
     });
-    dialog.addEventListener('cancel', () => end(null));
     add('Empty board', () => { read(EMPTY); write(); });
     add('Start position', () => { read(START_FEN); write(); });
     add('Cancel', () => end(null), {class: 'apart'});
