@@ -65,7 +65,7 @@ void ShowPosition(const Position& pos) {
 std::string OnOneLine(std::string_view text) {
     std::string line(text);
     std::replace_if(
-        line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == 127; }, ' ');
+        line.begin(), line.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 127; }, ' ');
     return line;
 }
 
