@@ -20,7 +20,7 @@ constexpr std::string_view BLANKS = " \t\v\f\r\n";
 // The first word of a text, which is taken off it; empty if there is none.
 std::string TakeWord(std::string_view* text) {
     text->remove_prefix(std::min(text->find_first_not_of(BLANKS), text->size()));
-    const std::string word(text->substr(0, text->find_first_of(BLANKS)));
+    std::string word(text->substr(0, text->find_first_of(BLANKS)));
     text->remove_prefix(word.size());
     return word;
 }
