@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -101,16 +100,9 @@ double ResultFor(int side, int winner) {
 
 // A position before the move that was played, which takes the place of the best one; further operations may follow.
 void WriteLearning(std::string* out, const ScannedGame& game, int i, const Position& pos) {
-    std::array<char, EPD_TEXT + 64> line;
-    MakeEPD(pos, line.data());
-    char* end = line.data() + std::strlen(line.data());
-    const auto add = [&end](std::string_view text) { end = std::copy(text.begin(), text.end(), end); };
-    add(" bm ");
-    add(game.moves[i].text.data());
-    add("; ce ");
-    end = std::to_chars(end, line.data() + line.size(), game.score(i)).ptr;
-    add(";");
-    out->append(line.data(), end);
+    AddPosition(out, pos);
+    out->append(" bm ").append(game.moves[i].text.data());
+    out->append("; ce ").append(std::to_string(game.score(i))).append(";");
 }
 
 bool WriteTarget(std::string* out, const ScannedGame& game, int i, const Position& pos) {
