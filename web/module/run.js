@@ -79,7 +79,6 @@ function claimMemory(shared, megabytes) {
     }
 }
 
-
 /**
  * What a run is started with. Without `direct`, which is for programs on a command line, standard streams are the two
  * listeners and files are in memory. There is room for a table of `hash` megabytes and `mostThreads` threads.

@@ -44,12 +44,18 @@ function textAt(address) {
 /** @param {Uint8Array | string} contents */
 const bytesOf = contents => typeof contents === 'string' ? new TextEncoder().encode(contents) : contents;
 
-/** Space in the engine's memory with these bytes and a zero behind them. @param {Uint8Array | string} contents */
-function place(contents) {
-    const bytes = bytesOf(contents);
-    const address = engine.reserve(bytes.length);
+/** Space in the engine's memory for so many bytes and one more. @param {number} size */
+function reserved(size) {
+    const address = engine.reserve(size);
     if (address === 0)
         throw new RangeError('no memory for so many bytes');
+    return address;
+}
+
+/** Space with these bytes and a zero behind them. @param {Uint8Array | string} contents */
+function place(contents) {
+    const bytes = bytesOf(contents);
+    const address = reserved(bytes.length);
     bytesAt(address, bytes.length + 1).set(bytes);
     bytesAt(address + bytes.length, 1)[0] = 0;
     return address;
@@ -70,7 +76,7 @@ function getFile(name) {
     const size = engine.fileSize(nameAt);
     let bytes = null;
     if (size >= 0) {
-        const space = engine.reserve(size);
+        const space = reserved(size);
         bytes = bytesAt(space, engine.getFile(nameAt, space, size)).slice();
         engine.discard(space);
     }

@@ -380,6 +380,14 @@ export function createAnalyse(host, app) {
     app.announce(`Opened: ${game.title() || 'a position'}, ${game.moves.length} plies. ${trouble}`);
   }
 
+  // A game from elsewhere on the page, with what is known of it besides its moves.
+  async function takeOver(/** @type {import('./app.js').Line} */ what) {
+    const kept = game.moves.length ? game.save() : before;
+    trouble = '';
+    if (what.game && game.restore(what.game)) before = kept;
+    else take({game: {...await (await app.rules).line(what.start || START_FEN, what.moves), trouble: ''}});
+  }
+
   function giveBack() {
     const kept = before;
     before = game.moves.length ? game.save() : null;
@@ -457,8 +465,7 @@ export function createAnalyse(host, app) {
       if (!restored) await restore();
       restored = true;
       if (what) {
-        const read = await (await app.rules).line(what.start || START_FEN, what.moves);
-        take({game: {...read, trouble: ''}});
+        await takeOver(what);
         game.go(game.moves.length);
       } else {
         const again = run;
