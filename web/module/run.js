@@ -63,14 +63,15 @@ export const canShare = () =>
 
 /**
  * Memory for the engine, of which no more is asked for than it may need: some systems refuse a large bound. Half of it
- * is tried where it is refused.
- * @param {boolean} shared @param {number} megabytes
+ * is tried where it is refused. It has its whole size from the start, of which a system gives what is used: of memory
+ * that grows while other threads run these may not hear in time.
+ * @param {number} megabytes
  */
-function claimMemory(shared, megabytes) {
+function claimMemory(megabytes) {
     for (let most = megabytes; ; most = Math.floor(most / 2)) {
         try {
-            const memory = new WebAssembly.Memory(
-                {initial: 8 * MEGABYTE / PAGE, maximum: most * MEGABYTE / PAGE, shared});
+            const pages = most * MEGABYTE / PAGE;
+            const memory = new WebAssembly.Memory({initial: pages, maximum: pages, shared: true});
             return {memory, most};
         } catch (error) {
             if (most < 2 * ROOM)
@@ -99,7 +100,7 @@ export async function startRun(options) {
     const {shared, hash, threads, mostThreads} = options;
     const module = await compiled(shared ? 'vrel.wasm' : 'vrel-single.wasm');
     const room = Math.min(hash, MOST_HASH) + ROOM + ROOM_OF_THREAD * mostThreads;
-    const {memory, most} = shared ? claimMemory(true, room) : {memory: undefined, most: room};
+    const {memory, most} = shared ? claimMemory(room) : {memory: undefined, most: room};
     const common = {
         module, memory, room: most * MEGABYTE / PAGE, origin: performance.timeOrigin, direct: options.direct,
         terminals: options.terminals,
