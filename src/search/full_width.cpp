@@ -29,7 +29,7 @@ struct MoveLoop {
     int alpha, beta;  // alpha rises with the moves; frame->alpha keeps what it was
     NodeType node_type;
     bool in_check;
-    bool lmp_ok;          // moves may be dropped ...
+    bool lmp_ok;          // moves may be dropped, and what is left of the list hasn't been sifted yet ...
     DropLimits drop;      // ... within these limits
     Move* local_pv;       // the line that the children write
     int best = NO_SCORE;  // may end below alpha: the loop is fail-soft
@@ -37,17 +37,41 @@ struct MoveLoop {
     int searched = 0;  // moves made; dropped ones don't count
 };
 
-constexpr int DROPPED = -1;
-
-// By how many plies the scout of a move is shortened, or DROPPED. The first legal move of a node is never touched: a
-// searched move always scores above the bound that is tested first.
+// By how many plies the scout of a move is shortened. The first legal move of a node is never touched: a searched move
+// always scores above the bound that is tested first.
 int SelectReduction(const MoveLoop& loop, const MoveEntry& entry, int ext) {
     if (loop.best < loop.ply - 9999 || entry.sort_value > ORDER_SURE || ext == 1 || loop.in_check)
         return 0;
     assert(loop.searched > 0);
-    if (loop.lmp_ok && PruneMove(*loop.pos, entry, loop.drop, loop.searched))
-        return DROPPED;
     return Reduction(*loop.pos, entry, loop.depth, loop.searched, loop.node_type);
+}
+
+// True for a quiet move that is legal without a question, gives no check and has nothing that could extend it.
+bool IsPlain(const MoveEntry& entry, const CheckContext& checks, uint64_t plain_from) {
+    return (plain_from >> FromSquare(entry.move) & 1) && entry.captured == 0 &&
+           (checks.check_squares[TypeOf(entry.piece)] >> ToSquare(entry.move) & 1) == 0;
+}
+
+// True once moves are dropped. Hash move, winning captures and queen promotions, which come first, never are, nor is
+// the first legal move.
+bool DropsMoves(const MoveLoop& loop) {
+    return loop.lmp_ok && loop.frame->stage >= STAGE_REST && loop.best >= loop.ply - 9999 &&
+           MayPrune(loop.drop, loop.searched);
+}
+
+// Makes the moves void that are dropped. Once that is done at all it takes nearly all that are left, and none of it
+// depends on when a move's turn comes: so they are asked one after the other, and only those that stay are drawn.
+void SiftRest(MoveLoop* loop, const CheckContext& checks, uint64_t plain_from) {
+    loop->lmp_ok = false;
+    const MoveEntry* end = EndOfList(loop->frame);
+    for (MoveEntry* entry = loop->frame->current; entry != end; ++entry) {
+        entry->sort_value = *OrderOf(loop->thread, entry);
+        if (entry->move != NO_MOVE &&
+            (IsPlain(*entry, checks, plain_from) || !MoveIsActive(*loop->pos, *entry, checks)) &&
+            PruneMove(*loop->pos, *entry, loop->drop))
+            entry->move = NO_MOVE;
+    }
+    DropVoidMoves(loop->pos);
 }
 
 int SearchChild(MoveLoop* loop, Depth depth, int alpha, int beta, NodeType type) {
@@ -128,7 +152,7 @@ int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int bet
                   .beta = beta,
                   .node_type = node_type,
                   .in_check = in_check,
-                  .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0 &&
+                  .lmp_ok = depth <= Personality.LMP_depth && node_type != NODE_PV && frame->iid == 0 && !in_check &&
                             pos->npv[WHITE] != 0 && pos->npv[BLACK] != 0,
                   .drop = DropLimitsOf(*frame, depth),
                   .local_pv = local_pv.data()};
@@ -146,17 +170,16 @@ int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int bet
     frame->stage = STAGE_HASH;
 
     while (MoveEntry* entry = GetNextMoveFW(pos, in_check, legality)) {
-        // Most moves are plain: legal without a question, no check, nothing that could extend them.
-        const bool plain = (plain_from >> FromSquare(entry->move) & 1) && entry->captured == 0 &&
-                           (checks.check_squares[TypeOf(entry->piece)] >> ToSquare(entry->move) & 1) == 0 &&
-                           entry->move != NO_MOVE;
+        if (DropsMoves(loop))
+            SiftRest(&loop, checks, plain_from);
+        if (entry->move == NO_MOVE)
+            continue;
+        const bool plain = IsPlain(*entry, checks, plain_from);
         if (!plain && !MoveIsLegal(*pos, side, entry->move, legality))
             continue;
         entry->flags = 0;
         const int ext = no_flags || plain ? 0 : Extension(*pos, entry, checks);
         const int reduction = SelectReduction(loop, *entry, ext);
-        if (reduction == DROPPED)
-            continue;
 
         const Move move = entry->move;
         frame->gives_check = no_flags ? CHECK_UNKNOWN

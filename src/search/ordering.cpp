@@ -1,7 +1,10 @@
 #include "search/ordering.h"
 
+#include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstddef>
+#include <span>
 #include <utility>
 
 #include "board/generate.h"
@@ -194,6 +197,31 @@ ptrdiff_t FirstHighest(const uint8_t* bytes, ptrdiff_t count) {
     }
 }
 
+// Sorts moves by their scores, highest first. False if the scores don't tell the order in which they would be drawn:
+// equals, and more than one from where moves come in the order of the list.
+bool SortByScore(std::span<MoveEntry> moves) {
+    for (size_t i = 1; i < moves.size(); ++i)
+        for (size_t j = i; j > 0 && moves[j].sort_value >= moves[j - 1].sort_value; --j) {
+            if (moves[j].sort_value == moves[j - 1].sort_value)
+                return false;
+            std::swap(moves[j], moves[j - 1]);
+        }
+    return moves.size() < 2 || moves[moves.size() - 2].sort_value > ORDER_NO_MERIT;
+}
+
+// Writes moves in place of all that is left to be drawn. They are drawn as they come.
+void ReplaceRest(Position* pos, std::span<const MoveEntry> moves) {
+    PlyFrame* frame = pos->frames + pos->ply;
+    MoveEntry* list = frame->current + 1;
+    uint8_t* order = OrderOf(ThreadOf(pos), list);
+    for (const MoveEntry& entry : moves) {
+        *list++ = entry;
+        *order++ = entry.sort_value;
+    }
+    CloseList(pos, list);
+    frame->stage = STAGE_IN_ORDER;
+}
+
 }  // namespace
 
 void InitMoveOrderingTables(SearchThread* thread) {
@@ -243,6 +271,32 @@ MoveEntry* GetEarlyMoveFW(Position* pos, bool in_check, const LegalityContext& l
         return nullptr;
     PickRest(ThreadOf(pos), frame, entry);
     return entry;
+}
+
+void DropVoidMoves(Position* pos) {
+    PlyFrame* frame = pos->frames + pos->ply;
+    std::array<MoveEntry, MAX_KEPT> kept;
+    size_t count = 0;
+    for (MoveEntry* entry = frame->current + 1; entry != EndOfList(frame); ++entry) {
+        if (entry->move == NO_MOVE)
+            continue;
+        if (count == MAX_KEPT)
+            return;
+        kept[count++] = *entry;
+    }
+    // Of different scores the highest is drawn first; of equals the first, but the draws before have changed places.
+    const std::span moves = std::span(kept).first(count);
+    if (frame->stage == STAGE_IN_ORDER || SortByScore(moves)) {
+        ReplaceRest(pos, moves);
+        return;
+    }
+    MoveEntry* before = frame->current;
+    count = 0;
+    while (const MoveEntry* entry = DrawRest(pos))
+        if (entry->move != NO_MOVE)
+            kept[count++] = *entry;
+    frame->current = before;
+    ReplaceRest(pos, moves);
 }
 
 Move GetRefutation(const Position& pos) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cassert>
+#include <cstddef>
 #include <cstdint>
 
 #include "board/legality.h"
@@ -72,12 +73,9 @@ inline void PickRest(SearchThread* thread, PlyFrame* frame, MoveEntry* entry) {
 // that function calls it.
 MoveEntry* GetEarlyMoveFW(Position* pos, bool in_check, const LegalityContext& legality);
 
-// Next entry of frames[pos->ply], or null at the end; `current` is left on it. An entry with move 0 is void: the
-// caller passes over it. Generation is lazy, stage by stage; what can't answer a check is left out.
-inline MoveEntry* GetNextMoveFW(Position* pos, bool in_check, const LegalityContext& legality) {
+// Next entry of what remains, or null.
+inline MoveEntry* DrawRest(Position* pos) {
     PlyFrame* frame = pos->frames + pos->ply;
-    if (frame->stage < STAGE_REST)
-        return GetEarlyMoveFW(pos, in_check, legality);
     MoveEntry* entry = ++frame->current;
     if (entry == EndOfList(frame))
         return nullptr;
@@ -89,6 +87,17 @@ inline MoveEntry* GetNextMoveFW(Position* pos, bool in_check, const LegalityCont
         PickRest(thread, frame, entry);
     return entry;
 }
+
+// Next entry of frames[pos->ply], or null at the end; `current` is left on it. An entry with move 0 is void: the
+// caller passes over it. Generation is lazy, stage by stage; what can't answer a check is left out.
+inline MoveEntry* GetNextMoveFW(Position* pos, bool in_check, const LegalityContext& legality) {
+    return pos->frames[pos->ply].stage < STAGE_REST ? GetEarlyMoveFW(pos, in_check, legality) : DrawRest(pos);
+}
+
+// Takes the void moves out of what is left to be drawn, unless more than a few others are left. These come in the same
+// order as before.
+inline constexpr size_t MAX_KEPT = 16;
+void DropVoidMoves(Position* pos);
 
 Move GetRefutation(const Position& pos);
 // For the move that led here.

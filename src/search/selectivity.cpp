@@ -42,8 +42,7 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
     const Side side = pos.stm;
     const CheckKind check = MoveGivesCheck(pos, side, *entry, checks);
-    const bool push7 =
-        static_cast<int>(TypeOf(entry->piece) == PAWN) & (RelativeRank(side, ToSquare(entry->move)) == SEVENTH_RANK);
+    const bool push7 = MoveIsPushToSeventh(pos, *entry);
     int flags = 0;
     if (check != NO_CHECK)
         flags |= FLAG_CHECK;
@@ -67,18 +66,15 @@ DropLimits DropLimitsOf(const PlyFrame& frame, Depth depth) {
             Personality.LMP_count[MarginDepth(depth)]};
 }
 
-bool PruneMove(const Position& pos, const MoveEntry& entry, const DropLimits& limits, int searched) {
-    const Side side = pos.stm;
-    if (entry.flags & ANY_FLAG)
-        return false;
-    assert((entry.captured == 0) && searched > 0 && !EndgamePruneExclusion(pos, entry));
+bool MayPrune(const DropLimits& limits, int searched) { return limits.futile || MoveColumn(searched) > limits.late; }
+
+bool PruneMove(const Position& pos, const MoveEntry& entry, const DropLimits& limits) {
+    assert(entry.captured == 0 && !EndgamePruneExclusion(pos, entry));
     // Futility, whatever the move's place in the order.
     if (limits.futile)
         return true;
-    // The first few moves stay; a late one stays if something speaks for it and it doesn't lose material.
-    if (MoveColumn(searched) <= limits.late)
-        return false;
-    if (MoveIsCastle(entry) || MoveIsPawnPush(pos, side, entry))
+    // A late move stays if something speaks for it and it doesn't lose material.
+    if (MoveIsCastle(entry) || MoveIsPawnPush(pos, pos.stm, entry))
         return false;
     if (entry.sort_value <= ORDER_REMEMBERED && !MoveIsThreat(pos, entry))
         return true;
