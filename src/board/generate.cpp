@@ -181,19 +181,33 @@ MoveEntry* PawnPushes(const Position& pos, MoveEntry* list) {
     return list;
 }
 
-// Pawns to king, and castling last.
-template <int Side, typename Sliders>
-MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
-    const uint64_t empty = ~Occupied(pos);
+// Pawns to king, and castling last. `targets` tells from the end of the list where the next piece but the king may go.
+template <int Side, typename Sliders, typename Targets>
+MoveEntry* NonCaptures(const Position& pos, Sliders sliders, Targets targets, MoveEntry* list) {
     const auto& rows = pos.plist[Side];
     list = PawnPushes<Side>(pos, list);
     for (const uint8_t* sq = rows[KNIGHT].data(); *sq != NO_SQUARE; ++sq)
-        list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & empty);
+        list = AddQuiets(list, pos, *sq, BB_KnightRays[*sq] & targets(list));
     ForEachSlider<Side>(pos, sliders,
-                        [&](Square sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & empty); });
+                        [&](Square sq, uint64_t attacks) { list = AddQuiets(list, pos, sq, attacks & targets(list)); });
     const Square king = rows[KING][0];
-    list = AddQuiets(list, pos, king, BB_KingRays[king] & empty);
+    list = AddQuiets(list, pos, king, BB_KingRays[king] & ~Occupied(pos));
     return king == init_king_sq[Side] ? Castlings<Side>(pos, list) : list;
+}
+
+template <int Side, typename Sliders>
+MoveEntry* NonCaptures(const Position& pos, Sliders sliders, MoveEntry* list) {
+    const uint64_t empty = ~Occupied(pos);
+    return NonCaptures<Side>(
+        pos, sliders, [empty](const MoveEntry*) { return empty; }, list);
+}
+
+template <int Side>
+MoveEntry* Evasions(const Position& pos, uint64_t answers, MoveEntry* list) {
+    const uint64_t empty = ~Occupied(pos);
+    const MoveEntry* third = list + 2;
+    return NonCaptures<Side>(
+        pos, Occupied(pos), [=](const MoveEntry* end) { return end < third ? empty : empty & answers; }, list);
 }
 
 // Everything, the sliders' attack sets made once.
@@ -291,6 +305,10 @@ MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntr
 
 MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list) {
     return side == WHITE ? NonCaptures<WHITE>(pos, Occupied(pos), list) : NonCaptures<BLACK>(pos, Occupied(pos), list);
+}
+
+MoveEntry* GenerateEvasions(const Position& pos, Side side, uint64_t answers, MoveEntry* list) {
+    return side == WHITE ? Evasions<WHITE>(pos, answers, list) : Evasions<BLACK>(pos, answers, list);
 }
 
 MoveEntry* GeneratePawnMoves(const Position& pos, Side side, MoveEntry* list) {

@@ -12,6 +12,8 @@ MoveEntry* GeneratePieceCaptures(const Position& pos, Side side, MoveEntry* list
 MoveEntry* GeneratePromotions(const Position& pos, Side side, bool all, MoveEntry* list);
 // Quiet moves, castling included, promotions excluded.
 MoveEntry* GenerateNonCaptures(const Position& pos, Side side, MoveEntry* list);
+// Of these the first two, all of pawns and king, and the other pieces' to `answers`: in check others aren't legal.
+MoveEntry* GenerateEvasions(const Position& pos, Side side, uint64_t answers, MoveEntry* list);
 // For a reader of moves: all moves of the pawns; those of the pieces of one type, knight to king, to a set of squares,
 // with the castlings whatever the set.
 MoveEntry* GeneratePawnMoves(const Position& pos, Side side, MoveEntry* list);

@@ -164,11 +164,15 @@ MoveEntry* PickActive(Position* pos, PlyFrame* frame) {
 // Appends the quiet moves to what is left of the list, where the losing captures have come to lie.
 void GenerateQuiet(Position* pos, PlyFrame* frame, bool in_check, const LegalityContext& legality) {
     MoveEntry* list = EndOfList(frame);
-    MoveEntry* end = GenerateNonCaptures(*pos, pos->stm, list);
-    if (in_check)
+    MoveEntry* end;
+    if (in_check) {
+        const uint64_t answers = legality.targets | MarkOf(frame->check_killer) | MarkOf(GetRefutation(*pos));
+        end = GenerateEvasions(*pos, pos->stm, answers, list);
         end = PrescoreInCheck(pos, list, end, legality);
-    else
+    } else {
+        end = GenerateNonCaptures(*pos, pos->stm, list);
         PrescoreQuiet(pos, list, end);
+    }
     CloseList(pos, end);
 }
 
