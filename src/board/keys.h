@@ -29,25 +29,18 @@ void FillKeyTables();
 // Computes `hash` and `pawn_hash` from the board alone.
 void SetHash(Position* pos);
 
-// Changes the keys by that of a piece; only pawns are in `pawn_hash`. No branch: which piece moves can't be predicted.
-inline void ChangeKeys(Position* pos, int type, uint64_t key) {
-    pos->hash ^= key;
-    pos->pawn_hash ^= key & (0 - static_cast<uint64_t>(type == PAWN));
-}
-
 inline uint64_t PieceKey(Side side, int type, Square sq) {
     assert(type >= PAWN && type <= KING && sq < NO_SQUARE);
     return rtable[PieceCode(side, type) * 64 + sq];
 }
 
-// Takes a piece on a square into the keys or out of them; `piece` may be a code or a type.
+// Takes a piece on a square into the keys or out of them; `piece` may be a code or a type. Only pawns are in
+// `pawn_hash`. No branch: which piece it is can't be predicted.
 inline void UpdateHash(Position* pos, Side side, int piece, Square sq) {
-    ChangeKeys(pos, TypeOf(piece), PieceKey(side, TypeOf(piece), sq));
-}
-
-// Carries a piece of a type from one square to another in the keys.
-inline void MoveInHash(Position* pos, Side side, int type, Square from, Square to) {
-    ChangeKeys(pos, type, PieceKey(side, type, from) ^ PieceKey(side, type, to));
+    const int type = TypeOf(piece);
+    const uint64_t key = PieceKey(side, type, sq);
+    pos->hash ^= key;
+    pos->pawn_hash ^= key & (0 - static_cast<uint64_t>(type == PAWN));
 }
 
 // The key by which positions are told apart: placement, en passant square, rights and side to move.

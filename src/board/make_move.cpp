@@ -98,7 +98,8 @@ template <int Side>
     const RookStep rook = RookOfCastling(from, to);
     if (pos->board[rook.from] != PieceCode(Side, ROOK) || pos->board[rook.to] != 0)
         return;
-    MoveInHash(pos, Side, ROOK, rook.from, rook.to);
+    UpdateHash(pos, Side, ROOK, rook.from);
+    UpdateHash(pos, Side, ROOK, rook.to);
     MovePiece(pos, Side, rook.from, rook.to);
     record->special = UNDO_CASTLED;
 }
@@ -150,13 +151,16 @@ void Make(Position* pos, Move move) {
         pos->fifty = 0;
     }
     const int type = TypeOf(pos->board[from]);
-    MoveInHash(pos, Side, type, from, to);
+    const uint64_t key = PieceKey(Side, type, from) ^ PieceKey(Side, type, to);
+    pos->hash ^= key;
     MovePiece(pos, Side, from, to);
 
-    if (type == PAWN)
+    if (type == PAWN) {
+        pos->pawn_hash ^= key;
         MovePawn<Side>(pos, move, from, to, ep_square, &record);
-    else if (type == KING && (to == from + 2 || to == from - 2)) [[unlikely]]
+    } else if (type == KING && (to == from + 2 || to == from - 2)) [[unlikely]] {
         MoveKingTwice<Side>(pos, from, to, &record);
+    }
 }
 
 // Takes back what a move did besides moving one piece and taking another.

@@ -20,9 +20,17 @@ namespace vrel {
 
 using Vector = __m128i;
 
+// To load sixteen equal bytes takes one instruction, to spread a byte four.
+alignas(16) inline constexpr std::array<std::array<uint8_t, 16>, 128> filled_rows = [] {
+    std::array<std::array<uint8_t, 16>, 128> rows{};
+    for (size_t byte = 0; byte < rows.size(); ++byte)
+        rows[byte].fill(static_cast<uint8_t>(byte));
+    return rows;
+}();
+
 inline Vector LoadVector(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
 inline void StoreVector(uint8_t* bytes, Vector a) { _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), a); }
-inline Vector FillVector(int byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+inline Vector FillVector(int byte) { return LoadVector(filled_rows[static_cast<size_t>(byte)].data()); }
 inline Vector CommonBits(Vector a, Vector b) { return _mm_and_si128(a, b); }
 inline Vector DifferingBits(Vector a, Vector b) { return _mm_xor_si128(a, b); }
 inline Vector HigherBytes(Vector a, Vector b) { return _mm_max_epu8(a, b); }
@@ -36,7 +44,7 @@ inline Vector Select(Vector mask, Vector a, Vector b) {
 inline Vector HighestByte(Vector a) {
     a = _mm_max_epu8(a, _mm_shuffle_epi32(a, 0x4e));
     a = _mm_max_epu8(a, _mm_shuffle_epi32(a, 0xb1));
-    a = _mm_max_epu8(a, _mm_or_si128(_mm_slli_epi32(a, 16), _mm_srli_epi32(a, 16)));
+    a = _mm_max_epu8(a, _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, 0xb1), 0xb1));
     return _mm_max_epu8(a, _mm_or_si128(_mm_slli_epi16(a, 8), _mm_srli_epi16(a, 8)));
 }
 
