@@ -35,7 +35,7 @@ EvalReport* ReportOf(const SearchThread* thread, EvalReport* spare) {
 }
 
 // The score for `side` of an ending with a rule of its own. A draw is worth what the root makes of draws.
-int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, Side side, bool root) {
+int SpecialScore(const SearchThread* thread, PlyFrame* frame, Ending ending, Side side, bool root) {
     const Position& pos = thread->pos;
     // Only worker 1 shows what it found; below the root nobody does.
     EvalReport* report = root && pos.thread_index == 1 ? &PBlock.report : nullptr;
@@ -50,6 +50,14 @@ int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending
             frame->eval_draw = 1;
             return PBlock.draw_score[side];
     }
+}
+
+// Such an ending; it doesn't enter the cache.
+[[gnu::noinline]] int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, Side side,
+                                        bool root) {
+    const int score = SpecialScore(thread, frame, ending, side, root);
+    frame->eval = Narrow(score);
+    return score;
 }
 
 // Material of one side and what it says about the stage of the game. The tables hold the bishop pair and what spare
@@ -242,13 +250,10 @@ int Evaluate(SearchThread* thread, Side side, Ply ply, bool in_check) {
     // If it comes to the pawns, their entry has been on its way for a while.
     __builtin_prefetch(&thread->pawn_cache[PawnKey(pos) % PAWN_CACHE_SIZE]);
 
-    // Some material says it all, and such endings have scores of their own. They don't enter the cache.
+    // Some material says it all, and such endings have scores of their own.
     const Ending ending = ClassifyEnding(pos.msig[WHITE], pos.msig[BLACK]);
-    if (ending != Ending::ORDINARY) [[unlikely]] {
-        const int score = EvalSpecialEnding(thread, frame, ending, side, root);
-        frame->eval = Narrow(score);
-        return score;
-    }
+    if (ending != Ending::ORDINARY) [[unlikely]]
+        return EvalSpecialEnding(thread, frame, ending, side, root);
 
     const uint64_t key = EvalKey(pos);
     EvalHashEntry* entry = &thread->eval_cache[key % EVAL_CACHE_SIZE];
