@@ -2,15 +2,17 @@
 
 namespace vrel {
 
-std::array<SliderTable, SQUARES> bishop_tables;
-std::array<SliderTable, SQUARES> rook_tables;
+std::array<SliderTable<uint64_t>, SQUARES> bishop_tables;
+std::array<SliderTable<uint16_t>, SQUARES> rook_tables;
+std::array<uint64_t, 1 + 4900> rook_sets;  // the empty one first
 
 namespace {
 
-// One set for each way in which the inner squares of the lines can be occupied, square by square.
-std::array<uint64_t, 5248> bishop_sets;
-std::array<uint64_t, 102400> rook_sets;
-constexpr uint64_t kEmptySet = 0;
+// One entry for each way in which the inner squares of the lines can be occupied, square by square.
+std::array<uint64_t, 5248> bishop_entries;
+std::array<uint16_t, 102400> rook_entries;
+constexpr uint64_t kNoSet = 0;
+constexpr uint16_t kNoPlace = 0;
 
 // Found by trying random numbers with few bits.
 constexpr std::array<uint64_t, 64> kBishopMultipliers = {
@@ -69,6 +71,15 @@ uint64_t RookAttacks(Square sq, uint64_t occ) {
     return LineAttacks(sq, BB_RayN[sq] | BB_RayS[sq], occ) | RankAttacks(sq, occ);
 }
 
+// Numbers the attack sets of a rook by how far they reach in each direction, from 0 on and without gaps.
+int NumberOfSet(Square sq, uint64_t set) {
+    int number = 0;
+    for (const uint64_t ray : {BB_RayN[sq], BB_RayS[sq], BB_RayE[sq], BB_RayW[sq]})
+        if (ray)
+            number = number * CountBits(ray) + CountBits(set & ray) - 1;
+    return number;
+}
+
 // What `sq` sees of a file or rank, or of a diagonal, but for the square where it leaves the board.
 uint64_t Inner(Square sq, uint64_t rays) {
     const uint64_t rim_files = (FILE_A | FILE_H) & ~(FILE_A << FileOf(sq));
@@ -76,29 +87,40 @@ uint64_t Inner(Square sq, uint64_t rays) {
     return rays & ~(rim_files | rim_ranks);
 }
 
-// Fills the table of one kind of slider, whose sets lie at `sets` one square behind the other.
-void FillTables(std::array<SliderTable, SQUARES>* tables, const SquareTable& rays,
-                const std::array<uint64_t, 64>& multipliers, uint64_t* sets, uint64_t (*attacks)(Square, uint64_t)) {
-    for (Square sq = 0; sq < NO_SQUARE; ++sq) {
-        const uint64_t mask = Inner(sq, rays[sq]);
-        const SliderTable table = {mask, multipliers[sq], sets, 64 - CountBits(mask)};
-        (*tables)[sq] = table;
-        // Counting within the mask goes through all its subsets.
-        uint64_t occ = 0;
-        do {
-            sets[(occ * table.multiplier) >> table.shift] = attacks(sq, occ);
-            occ = (occ - mask) & mask;
-        } while (occ);
-        sets += 1LL << CountBits(mask);
-    }
-    (*tables)[NO_SQUARE] = {0, 0, &kEmptySet, 0};
+// Fills the table of a slider on one square from the attack set of each occupation. Returns the end of the entries.
+template <typename Entry, typename EntryOf>
+Entry* FillTable(SliderTable<Entry>* table, uint64_t mask, uint64_t multiplier, Entry* entries, EntryOf entry_of) {
+    *table = {mask, multiplier, entries, 64 - CountBits(mask)};
+    // Counting within the mask goes through all its subsets.
+    uint64_t occ = 0;
+    do {
+        entries[(occ * multiplier) >> table->shift] = entry_of(occ);
+        occ = (occ - mask) & mask;
+    } while (occ);
+    return entries + (1LL << CountBits(mask));
 }
 
 }  // namespace
 
 void InitializeAttacks() {
-    FillTables(&bishop_tables, BB_BishopRays, kBishopMultipliers, bishop_sets.data(), BishopAttacks);
-    FillTables(&rook_tables, BB_RookRays, kRookMultipliers, rook_sets.data(), RookAttacks);
+    uint64_t* sets = bishop_entries.data();
+    uint16_t* places = rook_entries.data();
+    int first = 1;
+    for (Square sq = 0; sq < NO_SQUARE; ++sq) {
+        sets = FillTable(&bishop_tables[sq], Inner(sq, BB_BishopRays[sq]), kBishopMultipliers[sq], sets,
+                         [sq](uint64_t occ) { return BishopAttacks(sq, occ); });
+        places = FillTable(&rook_tables[sq], Inner(sq, BB_RookRays[sq]), kRookMultipliers[sq], places,
+                           [sq, first](uint64_t occ) {
+                               const uint64_t set = RookAttacks(sq, occ);
+                               const int place = first + NumberOfSet(sq, set);
+                               rook_sets[place] = set;
+                               return static_cast<uint16_t>(place);
+                           });
+        // On an empty board it reaches farthest everywhere.
+        first += NumberOfSet(sq, BB_RookRays[sq]) + 1;
+    }
+    bishop_tables[NO_SQUARE] = {0, 0, &kNoSet, 0};
+    rook_tables[NO_SQUARE] = {0, 0, &kNoPlace, 0};
 }
 
 uint64_t GetAtakr(Square sq, int type, uint64_t set, uint64_t occ) {

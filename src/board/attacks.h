@@ -10,27 +10,30 @@
 // functions take "no square": nothing attacks it.
 namespace vrel {
 
-// How the attack sets of a rook or bishop on one square are looked up ("magic bitboards"): of the occupied squares
-// those on its lines count, but for the rim, where a line ends anyhow. A multiplication brings them together in the
-// highest bits, which number the sets of the square; two occupations share a number only where they give the same set.
+// What the occupied squares tell of a slider on one square ("magic bitboards"). Those on its lines count, but for the
+// rim, where a line ends anyhow. A multiplication brings them together in the highest bits, which number the entries of
+// the square; two occupations share an entry only where they give the same attack set.
+template <typename Entry>
 struct SliderTable {
     uint64_t mask;
     uint64_t multiplier;
-    const uint64_t* attacks;
+    const Entry* entries;
     int shift;
+
+    Entry operator[](uint64_t occ) const { return entries[((occ & mask) * multiplier) >> shift]; }
 };
-extern std::array<SliderTable, SQUARES> bishop_tables;  // "no square" has one set, which is empty
-extern std::array<SliderTable, SQUARES> rook_tables;
+// A bishop's entries are its attack sets. A rook has twenty times as many, most of them alike: its entries are the
+// places of the sets, which leaves more of the cache to others. "No square" has one set, which is empty.
+extern std::array<SliderTable<uint64_t>, SQUARES> bishop_tables;
+extern std::array<SliderTable<uint16_t>, SQUARES> rook_tables;
+extern std::array<uint64_t, 1 + 4900> rook_sets;
 
 // Fills these tables. Called once, after InitializeBitboards and before anything else of the engine.
 void InitializeAttacks();
 
 // Attack sets of a slider on `sq` over the occupied set `occ`, the first blocker of each direction included.
-inline uint64_t SliderAttacks(const SliderTable& table, uint64_t occ) {
-    return table.attacks[((occ & table.mask) * table.multiplier) >> table.shift];
-}
-inline uint64_t GenAttacksB(Square sq, uint64_t occ) { return SliderAttacks(bishop_tables[sq], occ); }
-inline uint64_t GenAttacksR(Square sq, uint64_t occ) { return SliderAttacks(rook_tables[sq], occ); }
+inline uint64_t GenAttacksB(Square sq, uint64_t occ) { return bishop_tables[sq][occ]; }
+inline uint64_t GenAttacksR(Square sq, uint64_t occ) { return rook_sets[rook_tables[sq][occ]]; }
 
 // Pawns, knights and king of a side that attack `sq`.
 inline uint64_t SteppersAt(const Position& pos, Side side, Square sq) {

@@ -24,11 +24,12 @@ bool AttackedByOthers(const Position& pos, Square sq, Side side, Square mover) {
 
 // The squares of `area` that a slider reaches from `to` and didn't reach from `from`, along one kind of line; friends
 // of the same kind are seen through. True if one of them is attacked otherwise as well.
+template <uint64_t (*Attacks)(Square, uint64_t)>
 bool AddsAttack(const Position& pos, Side side, Square from, Square to, uint64_t area, const SquareTable& rays,
-                const std::array<SliderTable, SQUARES>& tables, uint64_t friends) {
+                uint64_t friends) {
     uint64_t targets = area & rays[to] & ~(rays[from] | Bit(from));
     if (targets)
-        targets &= SliderAttacks(tables[to], Occupied(pos) & ~friends);
+        targets &= Attacks(to, Occupied(pos) & ~friends);
     while (targets)
         if (AttackedByOthers(pos, PopLSB(&targets), side, from))
             return true;
@@ -78,9 +79,9 @@ bool MoveAttacksKingArea(const Position& pos, int type, Square from, Square to, 
     const Side side = pos.stm;
     // A queen is asked along both kinds of line.
     return (type != BISHOP &&
-            AddsAttack(pos, side, from, to, area, BB_RookRays, rook_tables, RooksAndQueens(pos, side))) ||
+            AddsAttack<GenAttacksR>(pos, side, from, to, area, BB_RookRays, RooksAndQueens(pos, side))) ||
            (type != ROOK &&
-            AddsAttack(pos, side, from, to, area, BB_BishopRays, bishop_tables, BishopsAndQueens(pos, side)));
+            AddsAttack<GenAttacksB>(pos, side, from, to, area, BB_BishopRays, BishopsAndQueens(pos, side)));
 }
 
 bool MoveIsSafe(const Position& pos, const MoveEntry& entry) {
