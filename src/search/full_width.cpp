@@ -139,7 +139,7 @@ int FinishNode(const MoveLoop& loop) {
 
 int FW_Search(Position* pos, Side side, Ply ply, Depth depth, int alpha, int beta, bool in_check, NodeType node_type,
               Move* pv) {
-    assert(pos->ply == ply && pos->stm == side && alpha < beta);
+    assert(pos->ply == ply && pos->stm == side && alpha < beta && (depth >= 0 || in_check));
     PlyFrame* frame = pos->frames + ply;
     PvLine local_pv;
     MoveLoop loop{.pos = pos,

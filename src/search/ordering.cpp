@@ -281,7 +281,8 @@ void DropVoidMoves(Position* pos) {
     PlyFrame* frame = pos->frames + pos->ply;
     std::array<MoveEntry, MAX_KEPT> kept;
     size_t count = 0;
-    for (MoveEntry* entry = frame->current + 1; entry != EndOfList(frame); ++entry) {
+    const MoveEntry* end = EndOfList(frame);
+    for (const MoveEntry* entry = frame->current + 1; entry != end; ++entry) {
         if (entry->move == NO_MOVE)
             continue;
         if (count == MAX_KEPT)
