@@ -74,7 +74,7 @@ void OverPositions(benchmark::State& state, Function function) {
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(workers.size()));
     for (SearchThread* worker : workers) {
         ThreadData[1].store(worker, std::memory_order_release);
-        FreshWorker(kStartPosition);  // frees what stood in the slot
+        PrepareAfresh(kStartPosition);  // frees what stood in the slot
     }
 }
 
