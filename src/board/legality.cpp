@@ -93,7 +93,6 @@ LegalityContext MakeLegalityContext(const Position& pos, Side side, bool in_chec
             tested |= between;
         }
     }
-    // A promotion that can't be carried out, its row being full, is taken for a check that isn't one.
     if (checkers == 0) [[unlikely]]
         return {tested, ALL_SQUARES};
     // No move but the king's answers two checks.

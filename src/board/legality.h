@@ -22,8 +22,7 @@ struct LegalityContext {
     uint64_t targets;  // from all others a move is legal if it goes here; after a check: blocks and captures
 };
 
-// `in_check` is what the node knows of its side to move. A check that the parent has announced may be missing: a full
-// row has kept the pawn from becoming the piece that gives it.
+// `in_check` is what the node knows of its side to move. Where the board shows no check, no move has to answer one.
 LegalityContext MakeLegalityContext(const Position& pos, Side side, bool in_check);
 
 // The same answer as above with that knowledge. En passant opens lines of its own and is always tested.
@@ -58,13 +57,14 @@ inline CheckKind MoveGivesCheck(const Position& pos, Side side, const MoveEntry&
     return MoveGivesCheck(pos, side, entry);
 }
 
-// What MoveGivesCheck says about the position after the move, `check` being whether it has seen one: the moves whose
+// What MoveGivesCheck says about the position after the move, `check` being whether it has seen one. The moves whose
 // checks it may miss stay open, and so do promotions, whose pawn stays one if the row of the new piece is full.
 inline GivesCheck CheckAfter(const Position& pos, const MoveEntry& entry, bool check) {
+    if (entry.move & PROMOTION_BITS)
+        return CHECK_UNKNOWN;
     if (check)
         return CHECK_YES;
-    const bool open = MoveIsCastle(entry) || ToSquare(entry.move) == pos.ep_square || (entry.move & PROMOTION_BITS);
-    return open ? CHECK_UNKNOWN : CHECK_NO;
+    return MoveIsCastle(entry) || ToSquare(entry.move) == pos.ep_square ? CHECK_UNKNOWN : CHECK_NO;
 }
 
 }  // namespace vrel

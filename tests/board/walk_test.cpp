@@ -205,6 +205,18 @@ TEST(Walk, BreaksNothingOnAbsurdBoards) {
     }
 }
 
+// With fifteen knights on the board the pawn stays a pawn, which gives no check.
+TEST(Walk, AnnouncesNoCheckByAPieceThatFindsNoRoom) {
+    TestPosition pos("8/P1k5/8/8/8/8/NNNNNNNK/NNNNNNNN w - -");
+    const Move move = MakeMoveValue(48, 56) | PROMOTE_KNIGHT;
+    const MoveEntry entry = {move, PieceCode(WHITE, PAWN), NO_PIECE, 0, 0};
+    const bool check = MoveGivesCheck(*pos, WHITE, entry) != NO_CHECK;
+    EXPECT_TRUE(check);
+    EXPECT_EQ(CheckAfter(*pos, entry, check), CHECK_UNKNOWN);
+    MakeMove(pos.get(), move);
+    EXPECT_FALSE(SqAtakd(*pos, KingSquare(*pos, BLACK), WHITE));
+}
+
 TEST(Walk, LetsOnlyOwnPiecesMoveAndOnlyPawnsPromote) {
     const TestPosition pos(fen_opn);
     EXPECT_TRUE(MoveCanBeMade(*pos, MakeMoveValue(12, 28)));
