@@ -18,8 +18,9 @@ namespace {
 
 constexpr size_t CHUNK = 65536;  // bytes
 
-std::string chunk;  // empty at the end of the input
-size_t taken = 0;   // bytes of it that the main thread has taken
+// Empty at the end of the input. It outlives the process: the reader may be writing into it while that ends.
+std::string& chunk = *new std::string;
+size_t taken = 0;  // bytes of it that the main thread has taken
 HANDLE arrived = nullptr;
 HANDLE wanted = nullptr;  // signalled: the reader may fill the chunk again
 
