@@ -87,7 +87,8 @@ uint64_t Inner(Square sq, uint64_t rays) {
     return rays & ~(rim_files | rim_ranks);
 }
 
-// Fills the table of a slider on one square from the attack set of each occupation. Returns the end of the entries.
+// Fills the table of a slider on one square, whose entries lie at `entries`, from what entry_of(occupation) gives.
+// Returns their end.
 template <typename Entry, typename EntryOf>
 Entry* FillTable(SliderTable<Entry>* table, uint64_t mask, uint64_t multiplier, Entry* entries, EntryOf entry_of) {
     *table = {mask, multiplier, entries, 64 - CountBits(mask)};

@@ -52,7 +52,7 @@ int SpecialScore(const SearchThread* thread, PlyFrame* frame, Ending ending, Sid
     }
 }
 
-// Such an ending; it doesn't enter the cache.
+// Such an ending, which doesn't enter the cache. Out of line and called last, so that Evaluate saves no registers.
 [[gnu::noinline]] int EvalSpecialEnding(const SearchThread* thread, PlyFrame* frame, Ending ending, Side side,
                                         bool root) {
     const int score = SpecialScore(thread, frame, ending, side, root);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -20,17 +21,24 @@ namespace vrel {
 
 using Vector = __m128i;
 
-// To load sixteen equal bytes takes one instruction, to spread a byte four.
+#if defined(__wasm__) || defined(__AVX2__)
+inline Vector FillVector(int byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+#else
+// Without a word that spreads a byte it takes four; to load sixteen equal ones takes one.
 alignas(16) inline constexpr std::array<std::array<uint8_t, 16>, 128> filled_rows = [] {
     std::array<std::array<uint8_t, 16>, 128> rows{};
     for (size_t byte = 0; byte < rows.size(); ++byte)
         rows[byte].fill(static_cast<uint8_t>(byte));
     return rows;
 }();
+inline Vector FillVector(int byte) {
+    assert(byte >= 0 && byte < 128);
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(filled_rows[static_cast<size_t>(byte)].data()));
+}
+#endif
 
 inline Vector LoadVector(const uint8_t* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
 inline void StoreVector(uint8_t* bytes, Vector a) { _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), a); }
-inline Vector FillVector(int byte) { return LoadVector(filled_rows[static_cast<size_t>(byte)].data()); }
 inline Vector CommonBits(Vector a, Vector b) { return _mm_and_si128(a, b); }
 inline Vector DifferingBits(Vector a, Vector b) { return _mm_xor_si128(a, b); }
 inline Vector HigherBytes(Vector a, Vector b) { return _mm_max_epu8(a, b); }
@@ -96,7 +104,7 @@ inline void StoreVector(uint8_t* bytes, const Vector& a) {
     for (const uint8_t byte : a)
         *bytes++ = byte;
 }
-// The same byte in all places.
+// The same byte, 0 to 127, in all places.
 inline Vector FillVector(int byte) {
     return InEachPlace([byte](size_t) { return byte; });
 }

@@ -1,6 +1,5 @@
 #include "search/ordering.h"
 
-#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstddef>

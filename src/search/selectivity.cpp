@@ -40,23 +40,12 @@ void PrintReductions(const std::array<std::array<int8_t, 32>, 70>& table) {
 }  // namespace
 
 int Extension(const Position& pos, MoveEntry* entry, const CheckContext& checks) {
-    const Side side = pos.stm;
-    const CheckKind check = MoveGivesCheck(pos, side, *entry, checks);
-    const bool push7 = MoveIsPushToSeventh(pos, *entry);
-    int flags = 0;
-    if (check != NO_CHECK)
-        flags |= FLAG_CHECK;
-    if (push7)
-        flags |= FLAG_PUSH7;
-    if (entry->captured)
-        flags |= FLAG_CAPTURE;
-    if (entry->move & PROMOTE_QUEEN)
-        flags |= FLAG_QUEEN;
-    entry->flags = static_cast<uint8_t>(flags);
+    const CheckKind check = MoveGivesCheck(pos, pos.stm, *entry, checks);
+    entry->flags = static_cast<uint8_t>(FlagsOf(pos, *entry, check));
     // A discovered check leaves the mover free to do harm wherever it lands, be it lost there or not.
     if (check == DISCOVERED_CHECK)
         return 1;
-    if (check == DIRECT_CHECK || push7 || CaptureLastPiece(pos, *entry))
+    if (check == DIRECT_CHECK || (entry->flags & FLAG_PUSH7) || CaptureLastPiece(pos, *entry))
         return MoveIsSafe(pos, *entry);
     return 0;
 }

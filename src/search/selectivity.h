@@ -11,18 +11,24 @@ namespace vrel {
 // Bits of MoveEntry::flags.
 enum MoveFlags : int { FLAG_CAPTURE = 1, FLAG_CHECK = 2, FLAG_PUSH7 = 4, FLAG_QUEEN = 8, ANY_FLAG = 15 };
 
-// A pawn's move to its seventh rank.
-inline bool MoveIsPushToSeventh(const Position& pos, const MoveEntry& entry) {
-    return TypeOf(entry.piece) == PAWN && RelativeRank(pos.stm, ToSquare(entry.move)) == SEVENTH_RANK;
-}
-
 // Place of a depth in the margins of Personality.
 constexpr int MarginDepth(Depth depth) { return std::clamp(depth, 0, 7); }
 
-// True for a move that has one of the flags.
+// The flags of a move that gives such a check.
+inline int FlagsOf(const Position& pos, const MoveEntry& entry, CheckKind check) {
+    int flags = check != NO_CHECK ? FLAG_CHECK : 0;
+    if (static_cast<int>(TypeOf(entry.piece) == PAWN) & (RelativeRank(pos.stm, ToSquare(entry.move)) == SEVENTH_RANK))
+        flags |= FLAG_PUSH7;
+    if (entry.captured)
+        flags |= FLAG_CAPTURE;
+    if (entry.move & PROMOTE_QUEEN)
+        flags |= FLAG_QUEEN;
+    return flags;
+}
+
+// True for a move that has one.
 inline bool MoveIsActive(const Position& pos, const MoveEntry& entry, const CheckContext& checks) {
-    return entry.captured || (entry.move & PROMOTE_QUEEN) || MoveIsPushToSeventh(pos, entry) ||
-           MoveGivesCheck(pos, pos.stm, entry, checks) != NO_CHECK;
+    return FlagsOf(pos, entry, MoveGivesCheck(pos, pos.stm, entry, checks)) != 0;
 }
 
 // Fills entry->flags and gives the extension, 0 or 1.
